@@ -1,0 +1,47 @@
+# One GoogleTest program per folder of tests, named test_FOLDER, and one ctest per tests/oql/*.oqltest.
+find_package(GTest REQUIRED)
+include(GoogleTest)
+
+quintor_sources(support_sources ${CMAKE_SOURCE_DIR}/tests/support)
+add_library(test_support STATIC ${support_sources})
+target_include_directories(test_support PUBLIC ${QUINTOR_SOURCE_ROOT} ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/tests)
+target_link_libraries(test_support PUBLIC GTest::gtest)
+
+# Links only what the folder under test may use.
+function(quintor_test folder)
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/${folder}/*.cpp)
+    if(NOT sources)
+        return()
+    endif()
+    add_executable(test_${folder} ${sources})
+    target_include_directories(test_${folder} PRIVATE ${QUINTOR_GENERATED})
+    target_compile_definitions(test_${folder} PRIVATE
+        QUINTOR_SOURCE_DIR="${CMAKE_SOURCE_DIR}" QUINTOR_BINARY_DIR="${CMAKE_BINARY_DIR}"
+        QUINTOR_PROGRAM_DIR="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+    target_link_libraries(test_${folder} PRIVATE test_support ${ARGN} GTest::gtest_main)
+    gtest_discover_tests(test_${folder} DISCOVERY_MODE PRE_TEST TEST_PREFIX ${folder}. PROPERTIES TIMEOUT 300)
+endfunction()
+
+quintor_test(port QMTPort)
+quintor_test(base QMTBase)
+quintor_test(mom QMTMOM)
+quintor_test(version QMTVersion)
+foreach(folder oql clause store storemgr frame model integration util)
+    quintor_test(${folder} quintor_static)
+endforeach()
+quintor_test(programs ${QUINTOR_PROGRAM_PARTS} quintor_static)
+if(TARGET test_programs AND QUINTOR_PROGRAMS)
+    add_dependencies(test_programs ${QUINTOR_PROGRAMS})
+endif()
+
+file(GLOB runner CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/oqltest/*.cpp)
+if(runner)
+    add_executable(oqltest ${runner})
+    target_link_libraries(oqltest PRIVATE test_support quintor_static)
+    file(GLOB scripts CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/oql/*.oqltest)
+    foreach(script IN LISTS scripts)
+        get_filename_component(name ${script} NAME_WE)
+        add_test(NAME script.${name} COMMAND oqltest ${script} WORKING_DIRECTORY ${CMAKE_SOURCE_DIR})
+        set_tests_properties(script.${name} PROPERTIES TIMEOUT 300 LABELS oqltest)
+    endforeach()
+endif()
