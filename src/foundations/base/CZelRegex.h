@@ -1,0 +1,29 @@
+// A compiled regular expression with captures. Matching takes linear time whatever the pattern.
+#pragma once
+
+#include "foundations/base/ZelEnums.h"
+#include "foundations/port/ZelExport.h"
+
+class QUINTOR_API CZelRegex {
+public:
+    // Flags: 2, extended syntax, is what every caller passes. Patterns are RE2's; back-references don't
+    // compile.
+    CZelRegex(const char *pattern, int flags);
+    CZelRegex(const CZelRegex &) = delete;
+    CZelRegex &operator=(const CZelRegex &) = delete;
+    virtual ~CZelRegex();
+
+    __boolean RRCompiledCorrectly() const;
+
+    // Searches the text, which stays alive while captures are read. Non-zero on a match.
+    int RRStep(const char *text);
+
+    // Start and end of sub-expression n of the last match (0 is the whole match), into the text; null when
+    // it took no part.
+    const char *SubExprStart(int n) const;
+    const char *SubExprEnd(int n) const;
+
+private:
+    struct Impl;
+    Impl *m_impl;
+};

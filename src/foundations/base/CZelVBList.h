@@ -1,0 +1,38 @@
+// An ordered list of bindings, which it owns: the body of an object atom and of a record.
+#pragma once
+
+#include "foundations/base/CZelPool.h"
+#include "foundations/base/CZelVarBind.h"
+
+class QUINTOR_API CZelVBList {
+public:
+    ZEL_POOLED
+
+    CZelVBList() = default;
+    CZelVBList(const CZelVBList &other);  // deep
+    CZelVBList &operator=(const CZelVBList &) = delete;
+    ~CZelVBList() { RVBLEmptyList(); }
+
+    int RVBLAddToListEnd(CZelVarBind *binding);  // takes over; 1, or E_RCBadArgument for null
+
+    CZelVarBind *RVBLHead() const { return m_head; }
+    CZelVarBind *RVBLTail() const { return m_tail; }
+    CZelVarBind *RVBLGetNext(const CZelVarBind *binding) const { return binding->m_next; }
+    int RVBLLength() const { return m_length; }
+
+    // The first binding of that name, or null.
+    CZelVarBind *RVBLFind(const CZelAtom &name) const;
+    CZelVarBind *RVBLFind(const char *name) const;
+
+    int RVBLRemove(const CZelVarBind *binding);  // unlinks and deletes; 1 or E_RCNotFound
+    void RVBLEmptyList();
+    void RVBLMoveFrom(CZelVBList &other);  // appends all bindings of `other`, which is empty afterwards
+
+    // Sorts in place, stable. The comparison gets pointers to CZelVarBind*, as with qsort.
+    void RVBLSortList(int (*compare)(const void *, const void *));
+
+private:
+    CZelVarBind *m_head = nullptr;
+    CZelVarBind *m_tail = nullptr;
+    int m_length = 0;
+};
