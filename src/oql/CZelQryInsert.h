@@ -1,0 +1,41 @@
+// select ... into: the rows of a query become rows of a table.
+#pragma once
+
+#include "oql/CZelDbObject.h"
+
+class CZelAtomVector;
+class CZelDbEntity;
+class CZelDoubleList;
+class CZelInsert;
+class CZelQuery;
+class CZelRecord;
+class CZelTuple;
+
+class QUINTOR_API CZelQryInsert : public CZelDbObject {
+public:
+    CZelQryInsert(CZelDbEntity *target, CZelAtomVector *uniques, CZelQuery *query);  // takes all over
+    CZelQryInsert(const CZelQryInsert &) = delete;
+    CZelQryInsert &operator=(const CZelQryInsert &) = delete;
+    ~CZelQryInsert() override;
+
+    int RDODestroy() override;
+    int RDOInitialise(CZelStore *store) override;
+    CZelBag *RDOCompilables() override;
+    char *RDOAsString() override;
+
+    CZelDbEntity *RQITarget() const { return m_target; }
+    CZelAtomVector *RQIUniques() const { return m_uniques; }
+    CZelQuery *RQIQuery() const { return m_query; }
+    void RQIResetClauses();
+
+    // The insert for one source row, new; null when the row lacks a selected value. The lists are those of
+    // the column dictionaries of source and target.
+    CZelInsert *RQICreateRecord(CZelRecord *row, CZelDoubleList *sourceColumns, CZelDoubleList *targetColumns);
+    CZelInsert *RQICreateRecord(CZelTuple *row);  // for a joined row
+
+private:
+    CZelDbEntity *m_target;
+    CZelAtomVector *m_uniques;
+    CZelQuery *m_query;
+    CZelBag *m_compilables = nullptr;  // elements not owned
+};

@@ -1,0 +1,192 @@
+// One table: the statement `create table`, and then the live table that holds the rows.
+//
+// A plain table keeps its rows as CZelRecord in a list; a row's identity is the record's address and queries
+// return the stored rows themselves. A cached table keeps them in a CZelRecordCache; a row's identity is a
+// handle atom and queries return copies. Which of the two it is is decided once per operation.
+//
+// Life: parsed (columns known), named (RTInitialise), in a database, live (RDOInitialise), dropped. Operations
+// on rows of a table that is not live give E_RCBadArgument, 0 or an empty bag.
+//
+// Threads: a plain table lives under the store lock: as writer for changes, as reader for queries. The table
+// lock guards a cache, is taken as writer around every touch of it, and always after the store lock.
+#pragma once
+
+#include "oql/CZelDbObject.h"
+
+class CZelAtom;
+class CZelAtomVector;
+class CZelBoolean;
+class CZelColDef;
+class CZelDatabase;
+class CZelDbEntity;
+class CZelDelete;
+class CZelDoubleList;
+class CZelDropIndex;
+class CZelExpr;
+class CZelFilter;
+class CZelIndex;
+class CZelInsert;
+class CZelObjectStore;
+class CZelPointer;
+class CZelRWLock;
+class CZelRecord;
+class CZelRecordCache;
+class CZelStack;
+class CZelString;
+class CZelTableProps;
+class CZelTblAttr;
+class CZelTblCallback;
+class CZelTreeList;
+class CZelTuple;
+class CZelUpdate;
+class CZelVarBind;
+
+class QUINTOR_API CZelTable : public CZelDbObject {
+public:
+    CZelTable();
+    // From the parser: takes over the entity and every attribute on the stack, not the stack.
+    CZelTable(CZelDbEntity *entity, CZelStack *attributes);
+    // The definition of another table, without rows, cache and callback. A null name keeps the source's.
+    CZelTable(const CZelTable *source, const CZelAtom *database, const CZelAtom *name);
+    CZelTable(const CZelTable &) = delete;
+    CZelTable &operator=(const CZelTable &) = delete;
+    ~CZelTable() override;
+
+    // --- life (CZelTable.cpp) ---
+
+    int RDODestroy() override;
+    int RDOInitialise(CZelStore *store) override;  // live; 1, or E_RCNotFound without its database
+    CZelBag *RDOCompilables() override;
+    char *RDOAsString() override;
+
+    __boolean RTInitialise();                      // settles the names from the entity; false while one is not known
+    void RTDropTable();                            // marks a cache file for deletion
+    int RTAddColumnToUniques(CZelColDef *column);  // 1, also when it is there already
+    int RTAddColumnToPrimKeys(CZelColDef *column);
+
+    const CZelAtom *RTName() const { return m_name; }
+    const CZelAtom *RTDatabase() const { return m_databaseName; }
+    const CZelAtom *RTIdentifier() const { return m_identifier; }  // database_table
+    CZelTreeList *RTColumns() const { return m_columns; }
+    CZelTreeList *RTUniques() const { return m_uniques; }
+    CZelTreeList *RTPrimaryKeys() const { return m_primaryKeys; }
+    CZelTreeList *RTIndexedColumns() const { return m_indexedColumns; }
+    CZelTreeList *RTIndices() const { return m_indices; }  // index name -> CZelIndex*
+    const CZelAtomVector *RTCounters() const { return m_counters; }
+    const CZelAtomVector *RTTimestamps() const { return m_timestamps; }
+    int RTTotalRecordCount() const;
+
+    void RTAddActive(CZelTblCallback *callback, int argument);
+    CZelTblCallback *RTGetActive() const { return m_active; }
+    void RTSetCache(CZelRecordCache *cache) { m_cache = cache; }
+    __boolean RTIsCacheUsed() const { return ZelBool(m_cache != nullptr); }
+    void RTSetInitialisedFromDisk() { m_initialisedFromDisk = E_RBTrue; }
+    __boolean RTGetInitialisedFromDisk() const { return m_initialisedFromDisk; }
+    void RTSetStoreErrorStatus(EZelStoreErrorStatus status) { m_status = status; }
+    EZelStoreErrorStatus RTGetStoreErrorStatus() const { return m_status; }
+
+    // One value "Schema": an object with a member per column, in name order. New; null without columns.
+    CZelRecord *RTGetSchema() const;
+
+    // --- record cache (CZelTable_cache.cpp) ---
+
+    char *RTCreateCache(CZelAtom *name);  // takes the name over; the file name from malloc, or null
+    void RTCacheMe(CZelAtom *name, unsigned long long bytes, __boolean persistent);
+    void RTCacheMe(CZelAtom *name, float proportion, __boolean persistent);
+    static void RTBuildCacheName(CZelString &out, const CZelAtom &cacheName, const CZelAtom &database,
+                                 const CZelAtom &table);
+    static void RTClearCache(const char *cacheName, const char *database, const char *table);
+
+    // --- rows (CZelTable_rows.cpp, CZelTable_update.cpp) ---
+
+    // Insert. 1; E_RCDuplicate when `unique (...)` ran into a row; E_RCKeyExists; E_RCRefused by the callback;
+    // E_RCBadColumnValue; E_RCKeyMissing. The record of the second form is the table's after 1 and stays the
+    // caller's after any other result. `flag` is handed to the callback.
+    int RTAddRow(CZelInsert *statement, __boolean flag);
+    int RTAddRow(CZelRecord *record, __boolean flag);
+    // Is no row equal in these columns? A row that is gets its counters raised and timestamps set.
+    __boolean RTCheckUniques(CZelRecord *record, const CZelAtomVector &columns, __boolean flag);
+    int RTDeleteRows(CZelDelete *statement, __boolean flag);  // 1, or E_RCNotFound when nothing matched
+    int RTUpdateRows(CZelUpdate *statement, __boolean flag);  // 1, E_RCNotFound, E_RCBadColumnValue
+    int RTUpdateRows(CZelRecord *values, CZelFilter *filter, __boolean flag);
+
+    int RTCheckRecord(CZelRecord *record);                             // checks and corrects; 1 or E_RCBadColumnValue
+    int RTCheckUpdate(CZelDoubleList *changes);                        // of CZelAssign; 1 or E_RCBadColumnValue
+    __boolean RTIsIndexUpdate(CZelDoubleList *changes);                // is a key or unique column assigned?
+    int RTCheckUpdateKeys(CZelDoubleList *changes);                    // may several rows take these values?
+    void RTOperationError(CZelColDef *column, const CZelAtom *value);  // reports a value that does not fit
+
+    // --- queries (CZelTable_query.cpp, CZelTable_scan.cpp, CZelTable_bags.cpp) ---
+
+    // Rows for the caller: the stored rows of a plain table, copies of a cached one. A null filter gives all.
+    // Null when the filter can't be answered by this table.
+    CZelBag *RTReturnRows(CZelFilter *filter);
+    CZelBag *RTReturnROMPRows(CZelFilter *filter, __boolean partial);  // new data atoms, the caller's
+    CZelBag *RTEvalFilter(CZelFilter *filter);                         // row identities
+    CZelBag *RTEvalBoolean(CZelBoolean *boolean);
+    // `input`, if given, is the set of rows of interest; it is not changed. *evaluated: could it be answered?
+    CZelBag *RTEvalBoolean(CZelBoolean *boolean, __boolean *evaluated, CZelBag *input);
+    CZelBag *RTEvalIndexed(CZelBoolean *boolean, CZelExpr *column, const CZelAtom *value, __boolean reversed,
+                           CZelBag *input);
+    CZelBag *RTEvalUnIndexed(CZelBoolean *boolean, CZelExpr *column, const CZelAtom *value, __boolean reversed,
+                             CZelBag *input);
+    CZelBag *RTEvalSelfJoin(CZelBoolean *boolean, __boolean *evaluated, CZelBag *input);
+    CZelBag *RTEvalSubQuery(CZelBoolean *boolean, __boolean joined, CZelBag *input);
+    __boolean RTEvalRecTest(CZelDbEntity *column, __boolean swapped, const CZelAtom *value, CZelBoolean *boolean,
+                            CZelRecord *record);
+    __boolean RTEvalRecordTest(CZelDbEntity *left, CZelDbEntity *right, CZelBoolean *boolean, CZelRecord *record);
+
+    // Set algebra. And and Or take one of the two bags over as the result and set its pointer to null.
+    static CZelBag *RTAndBags(CZelBag *&a, CZelBag *&b);
+    static CZelBag *RTOrBags(CZelBag *&a, CZelBag *&b);
+    static CZelBag *RTNotBags(CZelBag *all, CZelBag *minus);
+
+    // --- created indexes (CZelTable_index.cpp) ---
+
+    int RTAddIndex(const CZelIndex *index);     // copies; 1, or E_RCNoText for a bad name or column
+    int RTDropIndex(CZelDropIndex *statement);  // 1
+
+protected:
+    CZelBag *RTReturnPossibleRows(CZelFilter *filter);
+    CZelBag *RTReturnRows(CZelFilter *filter, __boolean partial);
+    CZelBag *RTEvalPartialFilter(CZelFilter *filter);
+    // *all is set when the result holds every row of the table.
+    CZelBag *RTEvalFilter(CZelFilter *filter, __boolean partial, __boolean *all, CZelBag *input);
+    __boolean RTMatchSelfTest(CZelDbEntity *entity);  // does the column belong to this table?
+
+    int RTUpdateValue(CZelRecord *record, const CZelAtom *column, const CZelAtom *value);
+    int RTUpdateNested(CZelRecord *record, const CZelAtom *column, const CZelAtom *value, CZelDoubleList *colSpec);
+    int RTMakeIndexBags(CZelRecord *record, CZelBag *bindings, CZelBag *nulls);
+    int RTAddToIndexBags(CZelRecord *record, CZelColDef *column, CZelBag *bindings, CZelBag *nulls);
+    int RTMakePrimKeyVbBag(CZelRecord *record, CZelBag *bindings);
+    void RTAddDelObjStoreIndex(CZelBag *columns, __boolean add);
+
+private:
+    void RTClearMemory();
+    bool isLive() const { return m_objectStore != nullptr; }
+
+    CZelRWLock *m_lock = nullptr;  // around every touch of the cache
+    CZelAtom *m_name = nullptr;    // null until named, like the next two
+    CZelAtom *m_databaseName = nullptr;
+    CZelAtom *m_identifier = nullptr;
+    CZelDbEntity *m_entity = nullptr;     // null once named
+    CZelStore *m_store = nullptr;         // not owned; set when live
+    CZelDatabase *m_database = nullptr;   // not owned; set when live
+    CZelTblCallback *m_active = nullptr;  // not owned
+    int m_activeArgument = 0;
+    CZelTreeList *m_columns = nullptr;         // name -> CZelColDef*, owned
+    CZelTreeList *m_indexedColumns = nullptr;  // name -> CZelColDef* of m_columns: every column with a tree
+    CZelTreeList *m_primaryKeys = nullptr;     // name -> CZelColDef* of m_columns
+    CZelTreeList *m_uniques = nullptr;         // name -> CZelColDef* of m_columns
+    CZelTreeList *m_indexCounts = nullptr;     // name -> CZelVarBind* (name, created indexes on it), owned
+    CZelTreeList *m_indices = nullptr;         // index name -> CZelIndex*, owned copies
+    CZelAtomVector *m_counters = nullptr;
+    CZelAtomVector *m_timestamps = nullptr;
+    CZelObjectStore *m_objectStore = nullptr;  // made when the table becomes live
+    CZelRecordCache *m_cache = nullptr;        // null on a plain table
+    CZelDoubleList *m_rows = nullptr;          // the records themselves, in order of insertion
+    CZelBag *m_scratch = nullptr;              // tuples of the join step in progress
+    CZelBag *m_garbage = nullptr;              // tuples handed out by joined queries
+    __boolean m_initialisedFromDisk = E_RBFalse;
+    EZelStoreErrorStatus m_status = E_RSEOk;
+};
