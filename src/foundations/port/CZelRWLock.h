@@ -1,0 +1,69 @@
+// Several readers or one writer.
+//
+// A thread may take again what it holds: a reader as reader, even behind a waiting writer, and a writer as
+// writer or as reader. RRWLUnLock undoes the innermost hold; the lock is free for others after the last.
+// A reader can't become a writer: two of them would wait for each other for ever.
+//
+// Fair: who must wait stands in a queue in order of arrival, and whoever comes while the queue is not empty
+// joins it. So neither readers nor writers starve.
+//
+// How it works. A reader announces itself in one of a few counters, each in a cache line of its own and
+// chosen by thread, and then looks at the gate. A writer closes the gate and then looks at the counters.
+// Both do it in the one order of sequentially consistent atomics, so at least one sees the other. While
+// the gate is open, readers touch nothing that another core's readers touch, and only the others use the
+// mutex and the queue. What a thread holds is noted in the thread itself.
+//
+// Threads: any. Results: 1, or E_RCBadState with nothing changed and no report: upgrade of a reader, or
+// unlocking what this thread does not hold.
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+
+#include "foundations/port/ZelExport.h"
+
+class QUINTOR_API CZelRWLock {
+public:
+    CZelRWLock() = default;
+    CZelRWLock(const CZelRWLock &) = delete;
+    CZelRWLock &operator=(const CZelRWLock &) = delete;
+    ~CZelRWLock();  // Requires: nobody holds it or waits for it
+
+    int RRWLReaderLock();
+    int RRWLWriterLock();
+    int RRWLUnLock();
+
+private:
+    static constexpr unsigned SLOTS = 8;
+    static constexpr unsigned CACHE_LINE = 64;
+
+    struct Slot {
+        std::atomic<unsigned> readers{0};
+        char line[CACHE_LINE - sizeof(std::atomic<unsigned>)];
+    };
+
+    // One waiting thread, on its own stack. Guarded by m_mutex.
+    struct Waiter {
+        std::atomic<unsigned> *slot;  // the reader's counter; null for a writer
+        bool granted = false;
+        Waiter *next = nullptr;
+        std::condition_variable wake;
+    };
+
+    void acquireReader();
+    void acquireWriter();
+    void releaseReader();
+    void releaseWriter();
+    void waitInQueue(Waiter &waiter, std::unique_lock<std::mutex> &guard);
+    void grantFromQueue();
+    bool grant(Waiter &waiter);
+    bool hasReaders() const;
+
+    Slot m_slots[SLOTS];
+    std::atomic<bool> m_gateClosed{false};  // a writer is in, or somebody waits; written under m_mutex
+    std::mutex m_mutex;
+    bool m_writerIn = false;    // under m_mutex
+    Waiter *m_first = nullptr;  // under m_mutex
+    Waiter *m_last = nullptr;   // under m_mutex
+};

@@ -1,0 +1,58 @@
+// Files by handle, with positional reads and writes. All calls go through one interface, so that a test
+// can put a twin in memory or one that fails in its place.
+//
+// Failures give -1 (or a negative count) and set errno; nothing is reported here.
+#pragma once
+
+#include "foundations/port/ZelExport.h"
+
+// An open file: a descriptor of the system. -1 is none.
+using ZelFileHandle = int;
+constexpr ZelFileHandle ZEL_NO_FILE = -1;
+
+// Flags of ZelFileOpen, added up.
+constexpr int ZEL_FILE_READ = 1;
+constexpr int ZEL_FILE_WRITE = 2;
+constexpr int ZEL_FILE_CREATE = 8;     // when it is not there
+constexpr int ZEL_FILE_TRUNCATE = 16;  // to nothing
+
+// Modes of a file that is created: who may use it is its owner alone.
+constexpr int ZEL_FILE_OWNER_READ = 1;
+constexpr int ZEL_FILE_OWNER_WRITE = 2;
+
+// What the system must do for the functions below. The base class asks the operating system.
+class QUINTOR_API CZelFileSystem {
+public:
+    virtual ~CZelFileSystem();
+    virtual ZelFileHandle Open(const char *path, int flags, int mode);
+    virtual long Read(ZelFileHandle handle, void *buffer, unsigned int count);
+    virtual long PRead(ZelFileHandle handle, void *buffer, unsigned int count, long offset);
+    virtual long PWrite(ZelFileHandle handle, const void *buffer, unsigned int count, long offset);
+    virtual long Size(ZelFileHandle handle);
+    virtual int Sync(ZelFileHandle handle);   // 0 or -1
+    virtual int Close(ZelFileHandle handle);  // 0 or -1
+};
+
+// Puts `files`, which stays the caller's, in the operating system's place, null takes that back. Gives the
+// former one. Requires: no file is open and no thread is in a call.
+QUINTOR_API CZelFileSystem *ZelSetFileSystem(CZelFileSystem *files);
+
+// A handle, closed on exec; or -1.
+QUINTOR_API ZelFileHandle ZelFileOpen(const char *path, int flags, int mode);
+
+// The next bytes of a file or a pipe: as many as asked, fewer only at the end; -1 on failure.
+QUINTOR_API long ZelFileRead(ZelFileHandle handle, void *buffer, unsigned int count);
+
+// Bytes done: fewer than asked at the end of the file, when reading, or when a later part failed; -1 when
+// nothing could be done.
+QUINTOR_API long ZelFilePRead(ZelFileHandle handle, void *buffer, unsigned int count, long offset);
+QUINTOR_API long ZelFilePWrite(ZelFileHandle handle, const void *buffer, unsigned int count, long offset);
+
+// 1, or -1; EFBIG for a size that does not fit.
+QUINTOR_API int ZelGetOpenFileSize(ZelFileHandle handle, unsigned int &size);
+
+QUINTOR_API int ZelFileSync(ZelFileHandle handle);   // to the disk; 1 or -1
+QUINTOR_API int ZelFileClose(ZelFileHandle handle);  // the handle is gone in any case; 1 or -1
+
+// errno is the system's own last error here; nothing has to be mapped.
+inline void ZelMapWinLastErrorToErrno() {}
