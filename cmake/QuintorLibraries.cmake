@@ -44,9 +44,9 @@ quintor_library(quintor_static STATIC)
 quintor_library(quintor SHARED)
 set_target_properties(quintor PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
 target_link_options(quintor PRIVATE -Wl,--no-undefined)
-if(QUINTOR_SANITIZE MATCHES "fuzzer|thread|address" AND CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
-    # clang leaves the sanitizer's symbols to the program
-    set_target_properties(quintor PROPERTIES EXCLUDE_FROM_ALL ON LINK_OPTIONS "")
+if(QUINTOR_SANITIZE)
+    # A sanitizer's symbols are the program's, so the link would not be complete.
+    set_target_properties(quintor PROPERTIES EXCLUDE_FROM_ALL ON)
 endif()
 add_library(Quintor::Quintor ALIAS quintor)
 add_library(Quintor::Static ALIAS quintor_static)

@@ -2,6 +2,10 @@
 find_package(GTest REQUIRED)
 include(GoogleTest)
 
+# Folders whose tests start threads: target thread_tests builds them, label threads runs them.
+set(QUINTOR_THREADED_FOLDERS port base store storemgr)
+add_custom_target(thread_tests)
+
 quintor_sources(support_sources ${CMAKE_SOURCE_DIR}/tests/support)
 add_library(test_support STATIC ${support_sources})
 target_include_directories(test_support PUBLIC ${QUINTOR_SOURCE_ROOT} ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/tests)
@@ -19,7 +23,12 @@ function(quintor_test folder)
         QUINTOR_SOURCE_DIR="${CMAKE_SOURCE_DIR}" QUINTOR_BINARY_DIR="${CMAKE_BINARY_DIR}"
         QUINTOR_PROGRAM_DIR="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
     target_link_libraries(test_${folder} PRIVATE test_support ${ARGN} GTest::gtest_main)
-    gtest_discover_tests(test_${folder} DISCOVERY_MODE PRE_TEST TEST_PREFIX ${folder}. PROPERTIES TIMEOUT 300)
+    set(labels)
+    if(folder IN_LIST QUINTOR_THREADED_FOLDERS)
+        set(labels LABELS threads)
+        add_dependencies(thread_tests test_${folder})
+    endif()
+    gtest_discover_tests(test_${folder} DISCOVERY_MODE PRE_TEST TEST_PREFIX ${folder}. PROPERTIES TIMEOUT 300 ${labels})
 endfunction()
 
 quintor_test(port QMTPort)
@@ -44,4 +53,18 @@ if(runner)
         add_test(NAME script.${name} COMMAND oqltest ${script} WORKING_DIRECTORY ${CMAKE_SOURCE_DIR})
         set_tests_properties(script.${name} PROPERTIES TIMEOUT 300 LABELS oqltest)
     endforeach()
+endif()
+
+add_test(NAME layers.includes COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-includes)
+
+# What users get, in the build that they get.
+if(CMAKE_BUILD_TYPE STREQUAL Release AND NOT QUINTOR_SANITIZE)
+    quintor_header_check()
+    add_test(NAME install.headers_compile_alone
+             COMMAND ${CMAKE_COMMAND} --build ${CMAKE_BINARY_DIR} --target header_check)
+    if(EXISTS ${CMAKE_SOURCE_DIR}/examples/embed.cpp)
+        add_test(NAME install.moved_tree_serves_cmake_and_pkgconfig
+                 COMMAND ${CMAKE_SOURCE_DIR}/tests/install/run ${CMAKE_BINARY_DIR} ${CMAKE_SOURCE_DIR}/examples/embed.cpp
+                         ${CMAKE_CXX_COMPILER})
+    endif()
 endif()
