@@ -1,0 +1,3 @@
+#include "foundations/mom/CMOMRvDataCallback.h"
+
+void CMOMRvDataCallback::OnTimeOut(CMOMRvListener * /*listener*/) {}
