@@ -45,6 +45,7 @@ private:
 
     // One waiting thread, on its own stack. Guarded by m_mutex.
     struct Waiter {
+        explicit Waiter(std::atomic<unsigned> *readers) : slot(readers) {}
         std::atomic<unsigned> *slot;  // the reader's counter; null for a writer
         bool granted = false;
         Waiter *next = nullptr;
