@@ -118,6 +118,10 @@ protected:
     CZelDoubleList *RSRetrieveQueryTableColDefs(CZelQuery *query) const;
 
 private:
+    int dropDatabase(CZelDbEntity &target, EZelStoreErrorStatus *status);
+    int dropTable(CZelDbEntity &target, EZelStoreErrorStatus *status);
+    void clearCacheFiles(CZelDbEntity &target, bool wholeDatabase);
+
     CZelTreeList *m_databases;  // name -> CZelDatabase*, owned
     CZelTreeList *m_indices;    // index name -> CZelTable* that has it, not owned
     mutable CZelRWLock m_lock;
