@@ -18,7 +18,7 @@ public:
     CZelAtom *RAVGetValue(unsigned int index) { return index < m_size ? m_entries[index] : nullptr; }
     CZelAtom *RAVGetLast() const { return m_size == 0 ? nullptr : m_entries[m_size - 1]; }
 
-    int RAVAddToEnd(CZelAtom *atom);                      // takes over; 1
+    int RAVAddToEnd(CZelAtom *atom);                      // takes over, null included; 1
     int RAVAddToEnd(CZelAtomVector *other, bool flag);    // moves all in and deletes `other`; the flag is true
     int RAVSetValue(unsigned int index, CZelAtom *atom);  // takes over, deletes the old; grows with nulls
     CZelAtom *RAVRemoveAtom(unsigned int index);          // the caller owns it; later entries move down
@@ -32,6 +32,8 @@ public:
     void RAVSortVec(int (*compare)(const void *, const void *));
 
 private:
+    void grow(unsigned int needed);
+
     CZelAtom **m_entries = nullptr;
     unsigned int m_size = 0;
     unsigned int m_capacity = 0;

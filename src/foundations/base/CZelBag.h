@@ -17,10 +17,11 @@ public:
     CZelBag &operator=(const CZelBag &) = delete;
 
     int RBAdd(void *data) { return m_list.RDLAddToListEnd(new CZelPointer(data)); }  // null included; 1
-    int RBAdd(CZelPointer *node);                                                    // takes over a ready node
-    int RBAdd(CZelBag *other);     // moves all elements of `other` in and deletes it
-    int RBAppend(CZelBag *other);  // appends copies of the pointers; null adds nothing
-    int RBAppend(CZelDoubleList *pointers);
+    int RBAdd(CZelPointer *node) { return m_list.RDLAddToListEnd(node); }            // takes over a ready node
+    int RBAdd(CZelBag *other);  // moves all elements of `other` in and deletes it; 1, or E_RCBadArgument
+    // Append copies of the pointers; null adds nothing. 1.
+    int RBAppend(const CZelBag *other);
+    int RBAppend(const CZelDoubleList *pointers);
     void RBEmptyBag() { m_list.RDLEmptyList(); }
 
     int RBLength() const { return m_list.RDLLength(); }
@@ -29,7 +30,7 @@ public:
 
     // For walks: the first node and the one behind a node, null at the end.
     CZelPointer *RBFirst() const { return static_cast<CZelPointer *>(m_list.RDLHead()); }
-    static CZelPointer *RBNext(const CZelPointer *node);
+    static CZelPointer *RBNext(const CZelPointer *node) { return static_cast<CZelPointer *>(node->m_next); }
 
     // Removes one node without a search. A walker takes the next node first.
     void RBFastDelete(CZelPointer *node) { m_list.RDLDeleteListable(node); }

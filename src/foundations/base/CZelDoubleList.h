@@ -4,6 +4,9 @@
 #include "foundations/base/CZelListable.h"
 #include "foundations/base/CZelPool.h"
 
+// Negative, 0 or positive.
+using ZelListCompare = int (*)(CZelListable *, CZelListable *);
+
 class QUINTOR_API CZelDoubleList {
 public:
     ZEL_POOLED
@@ -20,28 +23,42 @@ public:
     int RDLLength() const { return m_length; }
 
     int RDLAddToListEnd(CZelListable *item) {  // takes over; 1, or E_RCBadArgument for null
-        return item == nullptr ? refuseNull() : (linkBehind(m_tail, item), 1);
+        return item == nullptr ? refuseNull() : (linkAtEnd(item), 1);
     }
-    // Moves all elements of `other` behind the own ones and deletes `other`. The flag is true.
+    // Moves all elements of `other` behind the own ones and deletes `other`. The flag is true. 1, or
+    // E_RCBadArgument for null and for the list itself.
     int RDLAddToListEnd(CZelDoubleList *other, bool flag);
     int RDLAddToListHead(CZelListable *item);
-    // `before` null appends.
+    // `before` is linked here; null appends.
     int RDLInsertBefore(CZelListable *item, CZelListable *before);
 
-    void RDLDeleteListable(CZelListable *item);          // unlinks and deletes
-    int RDLAttemptToDeleteListable(CZelListable *item);  // the same; 1, or E_RCNotFound when not linked here
-    int RDLAttemptToDeleteFromList(CZelListable *item);  // unlinks only; 1, or E_RCNotFound
-    void RDLSpliceAndJoinAt(CZelListable *item);         // unlinks only
+    void RDLDeleteListable(CZelListable *item);   // unlinks and deletes
+    void RDLSpliceAndJoinAt(CZelListable *item);  // unlinks only
+    // The same for an element that may stand in no list or another: 1, or E_RCNotFound when it is not linked
+    // here. Takes as many steps as there are to the nearer end.
+    int RDLAttemptToDeleteListable(CZelListable *item);
+    int RDLAttemptToDeleteFromList(CZelListable *item);
 
-    // Replaces the head. With null the list forgets its elements without deleting them.
+    // Makes `head` and what follows it the elements; those ahead of it are forgotten, not deleted. With null
+    // the list forgets all.
     void RDLSetHead(CZelListable *head);
     void RDLEmptyList();  // deletes all elements
 
-    // Sorts in place, stable, n log n.
-    void RDLSortList(int (*compare)(CZelListable *, CZelListable *));
+    // Moves all elements of `other`, which stays, behind the own ones.
+    void RDLTakeFrom(CZelDoubleList &other);
+
+    // Sorts in place, stable, n log n, without taking memory.
+    void RDLSortList(ZelListCompare compare);
 
 private:
     static int refuseNull();
+    void linkAtEnd(CZelListable *item) {
+        item->m_prev = m_tail;
+        item->m_next = nullptr;
+        (m_tail != nullptr ? m_tail->m_next : m_head) = item;
+        m_tail = item;
+        ++m_length;
+    }
     void linkBehind(CZelListable *place, CZelListable *item) {  // place null: at the head
         item->m_prev = place;
         item->m_next = place != nullptr ? place->m_next : m_head;
@@ -50,6 +67,9 @@ private:
         ++m_length;
     }
     bool isLinkedHere(const CZelListable *item) const;
+    void copyFrom(const CZelDoubleList &other);
+    void linkBackwards();
+    static CZelListable *mergeRuns(CZelListable *early, CZelListable *late, ZelListCompare compare);
 
     CZelListable *m_head = nullptr;
     CZelListable *m_tail = nullptr;

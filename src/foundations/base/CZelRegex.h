@@ -6,7 +6,8 @@
 
 class QUINTOR_API CZelRegex {
 public:
-    // Flags: 2, extended syntax, is what every caller passes. Patterns are RE2's; back-references don't
+    // Flags: 2, extended syntax, is what every caller passes. Patterns are those of RE2, in UTF-8 or else in bytes:
+    // leftmost match, . takes a line feed too, ^ and $ are the ends of the text; back-references don't
     // compile.
     CZelRegex(const char *pattern, int flags);
     CZelRegex(const CZelRegex &) = delete;

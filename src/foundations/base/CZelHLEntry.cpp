@@ -1,0 +1,5 @@
+#include "foundations/base/CZelHLEntry.h"
+
+CZelListable *CZelHLEntry::RLTargetDeepCopy(const CZelListable *) const {
+    return new CZelHLEntry(*this);
+}

@@ -1,0 +1,5 @@
+#include "foundations/base/CZelPointer.h"
+
+CZelListable *CZelPointer::RLTargetDeepCopy(const CZelListable *) const {
+    return new CZelPointer(*this);
+}
