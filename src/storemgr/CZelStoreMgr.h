@@ -151,6 +151,11 @@ protected:
                       __boolean getRecs);
 
 private:
+    int dispatchAction(CZelDbObject *statement, EZelStoreErrorStatus *status);
+    int insertAndRelease(CZelSmartRecord *record, CZelDbEntity &table, EZelStoreErrorStatus *status);
+    int updateOrInsert(CZelSmartRecord *record, CZelDbEntity &table, const CZelAtomVector &keys,
+                       EZelStoreErrorStatus *status);
+
     CZelStore *m_Store = nullptr;
     CZelServPool *m_ServePool = nullptr;
     CZelRvNet *m_Net = nullptr;
