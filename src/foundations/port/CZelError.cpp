@@ -9,7 +9,7 @@
 
 #include "foundations/port/CZelErrorCapture.h"
 #include "foundations/port/ZelOutOfMemory.h"
-#include "foundations/port/ZelReportLine.h"
+#include "foundations/port/ZelReportLineImpl.h"
 
 namespace {
 

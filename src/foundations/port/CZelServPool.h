@@ -54,11 +54,12 @@ protected:
 private:
     struct State;
     static unsigned threadBody(void *pool);
+    bool launchOne();
     void *waitForWork(State &state);
 
     int m_threadCount;
     void *m_owner;
     WorkFunction m_function = nullptr;
-    std::shared_ptr<State> m_state;  // outlives the pool in a worker that destroys it
+    std::shared_ptr<State> m_state;  // queue and lock; outlives the pool in a worker that destroys it
     std::vector<std::unique_ptr<CZelThread>> m_threads;
 };

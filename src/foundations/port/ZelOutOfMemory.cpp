@@ -7,7 +7,7 @@
 #include <cstdlib>
 
 #include "foundations/port/ZelCodes.h"
-#include "foundations/port/ZelReportLine.h"
+#include "foundations/port/ZelReportLineImpl.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "foundations/port/ZelReportLine.h"
+#include "foundations/port/ZelReportLineImpl.h"
 
 #include <sys/syscall.h>
 #include <unistd.h>
