@@ -15,6 +15,8 @@ quintor_layer(QMTPort port PUBLIC Threads::Threads PRIVATE crypt)
 quintor_layer(QMTBase base PUBLIC QMTPort PRIVATE PkgConfig::RE2 crypt)
 quintor_layer(QMTMOM mom PUBLIC QMTBase)
 quintor_layer(QMTVersion version PUBLIC QMTBase)
+target_compile_definitions(QMTVersion PRIVATE QUINTOR_VERSION_MAJOR=${PROJECT_VERSION_MAJOR}
+    QUINTOR_VERSION_MINOR=${PROJECT_VERSION_MINOR} QUINTOR_VERSION_PATCH=${PROJECT_VERSION_PATCH})
 set(QUINTOR_LAYERS QMTVersion QMTMOM QMTBase QMTPort)
 
 # libQuintor: compiled once, linked twice.

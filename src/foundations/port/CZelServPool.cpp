@@ -104,18 +104,19 @@ void CZelServPool::MainWorkLoop() {
     const std::shared_ptr<State> state = m_state;
     const WorkFunction function = m_function;
     void *const owner = m_owner;
-    while (void *work = waitForWork(*state))
+    while (void *work = waitForWork(*state, this))
         function(work, owner);
 }
 
-// Null once the pool is stopping. An item that another thread takes first is waited for again.
-void *CZelServPool::waitForWork(State &state) {
+// Null once the pool is stopping, when it may be gone already. An item that another thread takes first is waited
+// for again.
+void *CZelServPool::waitForWork(State &state, CZelServPool *pool) {
     std::unique_lock<std::recursive_mutex> guard(state.mutex);
     for (;;) {
         state.arrived.wait(guard, [&state] { return state.stopping || !state.queue.empty(); });
         if (state.stopping)
             return nullptr;
-        if (void *work = RSPNextWork())
+        if (void *work = pool->RSPNextWork())
             return work;
     }
 }

@@ -55,7 +55,7 @@ private:
     struct State;
     static unsigned threadBody(void *pool);
     bool launchOne();
-    void *waitForWork(State &state);
+    static void *waitForWork(State &state, CZelServPool *pool);
 
     int m_threadCount;
     void *m_owner;

@@ -51,8 +51,9 @@ int CZelThread::RTCreateThread(unsigned (*body)(void *), void *arg, int) {
 int CZelThread::RTJoinThread() {
     if (!m_started || RTIsCurrentThread())
         return E_RCBadState;
-    m_started = false;
-    return pthread_join(m_thread, nullptr) == 0 ? E_RCOk : E_RCBadState;
+    const int status = pthread_join(m_thread, nullptr);
+    m_started = false;  // only now: the thread itself may have asked until its end
+    return status == 0 ? E_RCOk : E_RCBadState;
 }
 
 bool CZelThread::RTIsCurrentThread() const {
