@@ -19,6 +19,7 @@ class CZelDbObject;
 class CZelEvalClause;
 class CZelExpr;
 class CZelFilter;
+class CZelFilterParser;
 class CZelGraph;
 class CZelRecord;
 class CZelRecordVector;
@@ -140,7 +141,14 @@ private:
     void RCCDeleteContentsOfConstStore();
     char *RCCCompileOQLToString();
     CZelRecord *recordAt(int level) const;
-    const CZelAtom *fieldOf(const char *name) const;
+    const CZelAtom *fieldOf(const char *name);
+    CZelAtom *appendItem(const char *list, const char *item, bool unique);
+    CZelAtom *evaluateBuiltIn(const char *name);
+    const char *followIndirections(const char *name);
+    void sortStatement(CZelDbObject *statement, bool own);
+    void compileField(CZelVarBind &field, CZelFilterParser &parser);
+    void compileText(CZelVarBind &field, CZelFilterParser &parser);
+    void takeLastClause(CZelVarBind &field);
 
     CZelBag *m_ActiveSet = nullptr;              // not owned
     CZelRecordVector *m_RecordVector = nullptr;  // the last is the current record; records not owned

@@ -33,6 +33,7 @@ public:
 
 private:
     CZelRecord *GetShowRec(const char *database, const char *table);
+    int writeTable(CZelBag &out, const char *database, const char *table);
     int WriteSchemaDb(CZelBag &out, const char *database);
     int WriteSchemaTbl(CZelBag &out, const char *database, const char *table, const CZelRecord &schema);
     int WriteSchemaIdx(CZelBag &out, const char *database, const char *table);

@@ -1,0 +1,279 @@
+#include "clause/CZelCmdCmplr.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "clause/CZelEvalClause.h"
+#include "foundations/base/CZelAtom.h"
+#include "foundations/base/CZelAtomVector.h"
+#include "foundations/base/CZelRecord.h"
+#include "foundations/base/CZelRecordVector.h"
+#include "foundations/base/CZelStack.h"
+#include "foundations/base/CZelString.h"
+#include "foundations/port/CZelError.h"
+#include "oql/CZelDbEntity.h"
+#include "oql/CZelExpr.h"
+#include "oql/CZelFilterParser.h"
+#include "oql/CZelOQLParser.h"
+#include "store/CZelDatabase.h"
+#include "store/CZelFilter.h"
+#include "store/CZelTable.h"
+
+namespace {
+
+constexpr const char *NO_VALUE = "No Value";
+
+CZelDbObject *statementOf(const CZelPointer *node) {
+    return static_cast<CZelDbObject *>(node->RPData());
+}
+
+bool passesToStore(const CZelDbObject &statement) {
+    return statement.RDOType() == E_DODatabase || statement.RDOType() == E_DOTable;
+}
+
+bool isQuery(__e_dbObj kind) {
+    return kind == E_DONone || kind == E_DOQuery || kind == E_DOExit || kind == E_DOShow;
+}
+
+bool isAction(__e_dbObj kind) {
+    return (kind >= E_DODatabase && kind <= E_DOUpdate) || (kind >= E_DOQryInsert && kind <= E_DODropIndex);
+}
+
+// The parser's results have the last statement on top; this empties them into `bag` in the order of the text.
+// True when all of them can be run again.
+bool drainInTextOrder(CZelStack &results, CZelBag &bag) {
+    bool repeatable = true;
+    for (int i = 0; i < results.RSLength(); ++i) {
+        auto *statement = static_cast<CZelDbObject *>(results.RSPeek(i));
+        repeatable = repeatable && !passesToStore(*statement);
+        bag.RBAdd(static_cast<void *>(statement));
+    }
+    while (results.RSLength() > 0)
+        results.RSPop();
+    return repeatable;
+}
+
+// What the store has adopted stays; what it refused, and everything when `all`, goes.
+bool isOursToDelete(CZelDbObject *statement, __boolean all) {
+    switch (statement->RDOType()) {
+        case E_DODatabase:
+            return all == E_RBTrue || static_cast<CZelDatabase *>(statement)->RDGetStoreErrorStatus() != E_RSEOk;
+        case E_DOTable:
+            return all == E_RBTrue || static_cast<CZelTable *>(statement)->RTGetStoreErrorStatus() != E_RSEOk;
+        default:
+            return true;
+    }
+}
+
+}  // namespace
+
+CZelCmdCmplr::CZelCmdCmplr() : m_ConstStore(E_RBFalse) {
+    RCCInitStaticConstStore(0, nullptr);
+}
+
+CZelCmdCmplr::~CZelCmdCmplr() {
+    RCCPurge(E_RBFalse);
+    RCCDeleteContentsOfConstStore();
+    delete m_RecordVector;
+    delete m_EntityNames;
+}
+
+void CZelCmdCmplr::RCCSetCurrentRec(CZelRecord *record, int position) {
+    if (m_RecordVector == nullptr)
+        m_RecordVector = new CZelRecordVector();
+    m_RecordVector->RRVSetValue(position, record);
+}
+
+void CZelCmdCmplr::RCCAppendCurrentRec(CZelRecord *record) {
+    if (m_RecordVector == nullptr)
+        m_RecordVector = new CZelRecordVector();
+    m_RecordVector->RRVAddToEnd(record);
+}
+
+void CZelCmdCmplr::RCCSetRecordVector(CZelRecordVector *records) {
+    CZelRecordVector *copy = records != nullptr ? new CZelRecordVector(*records) : nullptr;
+    delete m_RecordVector;
+    m_RecordVector = copy;
+}
+
+void CZelCmdCmplr::RCCSetEntityName(const CZelAtom *name, unsigned int level) {
+    if (m_EntityNames == nullptr)
+        m_EntityNames = new CZelAtomVector(1);
+    while (m_EntityNames->RAVSize() < level)
+        m_EntityNames->RAVAddToEnd(new CZelAtom());
+    m_EntityNames->RAVAddToEnd(name != nullptr ? new CZelAtom(*name) : new CZelAtom());
+}
+
+void CZelCmdCmplr::RCCPurgeVectors() {
+    if (m_RecordVector != nullptr)
+        m_RecordVector->RRVReset();
+    if (m_EntityNames == nullptr)
+        return;
+    delete m_EntityNames;
+    m_EntityNames = new CZelAtomVector(1);
+}
+
+void CZelCmdCmplr::RCCReInitialise() {
+    RCCPurge(E_RBFalse);
+    RCCPurgeVectors();
+    m_Graph = nullptr;
+}
+
+bool CZelCmdCmplr::RCCPrecompileOQL(const char *text, CZelBag &bag) {
+    CZelOQLParser parser;
+    const int status = parser.ROPParse(text, E_RBFalse);
+    if (status == 1)
+        return drainInTextOrder(*parser.ROPResults(), bag);
+    ZEL_REPORT(status, "CZelCmdCmplr::RCCPrecompileOQL");
+    return true;
+}
+
+int CZelCmdCmplr::RCCCompileOQL(const char *text) {
+    CZelBag statements;
+    RCCPrecompileOQL(text, statements);
+    RCCCompileOQL(&statements, true);
+    return 1;
+}
+
+void CZelCmdCmplr::RCCCompileOQL(CZelBag *statements, bool own) {
+    if (statements == nullptr)
+        return;
+    for (CZelPointer *node = statements->RBFirst(); node != nullptr; node = CZelBag::RBNext(node))
+        sortStatement(statementOf(node), own);
+}
+
+void CZelCmdCmplr::sortStatement(CZelDbObject *statement, bool own) {
+    if (statement == nullptr) {
+        ZEL_REPORT(E_RCNull, nullptr);
+        return;
+    }
+    if (passesToStore(*statement) && !own)
+        ZEL_REPORT(E_RCBadValue, "CZelCmdCmplr::RCCCompileOQL");
+    if (isQuery(statement->RDOType()))
+        RCCAddToQueries(statement);
+    else if (isAction(statement->RDOType()))
+        RCCAddToSymbols(statement);
+    else if (own)
+        return delete statement;
+    if (own || passesToStore(*statement))
+        m_Statements.RBAdd(static_cast<void *>(statement));
+}
+
+void CZelCmdCmplr::RCCAddToSymbols(CZelDbObject *statement) {
+    m_Actions.RBAdd(static_cast<void *>(statement));
+    m_Clauses.RBAppend(statement->RDOCompilables());
+}
+
+void CZelCmdCmplr::RCCAddToQueries(CZelDbObject *statement) {
+    m_Queries.RBAdd(static_cast<void *>(statement));
+    m_Clauses.RBAppend(statement->RDOCompilables());
+}
+
+void CZelCmdCmplr::RCCSetNewClauseBag(CZelBag &clauses) {
+    m_Clauses.RBEmptyBag();
+    m_Clauses.RBAppend(&clauses);
+    clauses.RBEmptyBag();
+}
+
+void CZelCmdCmplr::RCCAppendClauseBag(CZelBag *clauses) {
+    m_Clauses.RBAppend(clauses);
+    delete clauses;
+}
+
+void CZelCmdCmplr::RCCCompileFilter(CZelFilter *filter) {
+    CZelBag found;
+    if (filter->RFEvalClauses(&found) != nullptr)
+        m_Clauses.RBAppend(&found);
+}
+
+int CZelCmdCmplr::RCCCompileClauses() {
+    for (CZelPointer *node = m_Clauses.RBFirst(); node != nullptr; node = CZelBag::RBNext(node))
+        RCCCompileExpr(static_cast<CZelExpr *>(node->RPData()));
+    return 1;
+}
+
+int CZelCmdCmplr::RCCCompileExpr(CZelExpr *expression) {
+    if (expression->REType() == E_RETClause) {
+        CZelEvalClause *clause = expression->REClauseVal();
+        expression->RESetClauseVal(clause != nullptr ? clause->RECEvaluateClause(*this) : nullptr);
+        return 1;
+    }
+    CZelBag *inner = expression->REType() == E_RETEntity ? expression->REEntityVal()->RDEClauses() : nullptr;
+    if (inner == nullptr)
+        return 1;
+    for (CZelPointer *node = inner->RBFirst(); node != nullptr; node = CZelBag::RBNext(node))
+        RCCCompileExpr(static_cast<CZelExpr *>(node->RPData()));
+    return 1;
+}
+
+int CZelCmdCmplr::RCCInitClauses() {
+    for (CZelPointer *node = m_Clauses.RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
+        auto *expression = static_cast<CZelExpr *>(node->RPData());
+        if (expression->REType() == E_RETClause)
+            expression->RESetClauseVal(nullptr);
+    }
+    return 1;
+}
+
+int CZelCmdCmplr::RCCCompileClausesInRec(CZelRecord *record) {
+    if (record == nullptr)
+        return 1;
+    CZelFilterParser parser;
+    const CZelVBList *values = record->RRVbIterator();
+    for (CZelVarBind *field = values->RVBLHead(); field != nullptr; field = values->RVBLGetNext(field))
+        compileField(*field, parser);
+    return 1;
+}
+
+void CZelCmdCmplr::compileField(CZelVarBind &field, CZelFilterParser &parser) {
+    const CZelAtom *value = field.RVBValue();
+    if (value == nullptr) {
+        ZEL_REPORT(E_RCBadArgument, "CZelCmdCmplr::RCCCompileClausesInRec");
+    } else if (value->RAObject() != nullptr && value->RAObject()->RVBLLength() > 0) {
+        CZelRecord members(value->RAObject());
+        RCCCompileClausesInRec(&members);
+        CZelAtom *object = members.RRRecordAsAtom();
+        field.RVBSetValue(&object);
+    } else {
+        compileText(field, parser);
+    }
+}
+
+void CZelCmdCmplr::compileText(CZelVarBind &field, CZelFilterParser &parser) {
+    CZelString text;
+    text.RSStrCat(&field.RVBName());
+    text.RSStrCat("=");
+    text.RSStrCat(field.RVBValue());
+    if (std::strstr(text.RSString(), "eval") == nullptr)
+        return;
+    CZelFilter *filter = parser.RFPParse(text.RSString(), nullptr);
+    if (filter != nullptr) {
+        RCCCompileFilter(filter);
+        RCCCompileClauses();
+        takeLastClause(field);
+        delete filter;
+    }
+    RCCPurge(E_RBFalse);
+}
+
+// The field takes the value of the last clause found. A text that only holds the word "eval" by chance has
+// none, and its field stays as it is.
+void CZelCmdCmplr::takeLastClause(CZelVarBind &field) {
+    const auto *node = static_cast<const CZelPointer *>(m_Clauses.RBIterator()->RDLTail());
+    const CZelExpr *last = node != nullptr ? static_cast<const CZelExpr *>(node->RPData()) : nullptr;
+    if (last == nullptr || last->REType() != E_RETClause)
+        return;
+    const CZelAtom noValue(NO_VALUE);
+    const CZelAtom *value = last->REHeadAtomVal();
+    field.RVBSetValue(value != nullptr ? value : &noValue);
+}
+
+void CZelCmdCmplr::RCCPurge(__boolean all) {
+    m_Actions.RBEmptyBag();
+    m_Clauses.RBEmptyBag();
+    m_Queries.RBEmptyBag();
+    for (CZelPointer *node = m_Statements.RBFirst(); node != nullptr; node = CZelBag::RBNext(node))
+        if (isOursToDelete(statementOf(node), all))
+            delete statementOf(node);
+    m_Statements.RBEmptyBag();
+}
