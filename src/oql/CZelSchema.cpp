@@ -27,6 +27,20 @@ long modificationTime(CZelReadOnlyFile &file) {
     return file.ROFGetFileDetails(details) == 0 ? static_cast<long>(details.st_mtime) : 0;
 }
 
+// The whole file as a text, new from malloc. Null when it can't be read, and, reported, when a NUL would hide
+// what stands behind it.
+char *readText(CZelReadOnlyFile &file) {
+    std::size_t length = 0;
+    char *contents = file.ROFReadAll(&length);
+    if (contents == nullptr || std::strlen(contents) == length)
+        return contents;
+    CZelString text("CZelSchema::RSReadSchema: not a text, there is a NUL byte in ");
+    text.RSStrCat(file.ROFFileName());
+    ZEL_REPORT(E_RCBadValue, text.RSString());
+    std::free(contents);
+    return nullptr;
+}
+
 // Reads byte by byte up to a ; with a newline right behind it. 0 when that border was reached, else the status
 // of the read that failed.
 int readToBorder(CZelReadOnlyFile &file, CZelString &block, unsigned int &bytesRead) {
@@ -65,7 +79,7 @@ int CZelSchema::RSReadSchema(const char *path, bool domainSpecific) {
         return E_RCFileOpen;
     if (__Zeltronix_Debug_Level >= 1)
         std::printf("CZelSchema::RSReadSchema: Reading from file: %s\n", file.ROFFileName());
-    char *contents = file.ROFReadAll();
+    char *contents = readText(file);
     if (contents != nullptr) {
         m_files.RAVAddToEnd(new CZelAtom(static_cast<const char *>(file.ROFFileName())));
         m_lastFileTime = modificationTime(file);
