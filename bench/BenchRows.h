@@ -1,0 +1,28 @@
+// The rows that both stores are filled with: seeded, so that every run sees the same.
+#pragma once
+
+#include <string>
+#include <vector>
+
+struct BenchRow {
+    std::string entityName;  // unique key
+    int entityType;          // 0 to 99
+    long long objectId;      // unique
+    std::string ipAddr;
+    long long speed;
+    float load;
+    int status;         // 0 to 3
+    std::string descr;  // about 30 bytes
+};
+
+constexpr int BENCH_ROWS = 200000;
+constexpr int BENCH_TYPES = 100;  // each is 1% of the rows
+
+std::vector<BenchRow> makeRows(int count);
+const std::vector<BenchRow> &benchRows();  // BENCH_ROWS of them
+
+// `count` positions of rows, in random order with a fixed seed; distinct while count <= rows.
+std::vector<int> randomPositions(int count, int rows, unsigned seed);
+
+// The row as an insert statement that both languages take.
+std::string insertText(const BenchRow &row, const char *table);

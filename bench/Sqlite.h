@@ -1,0 +1,50 @@
+// SQLite in memory with the rows of the bench.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <string>
+#include <vector>
+
+#include "bench/BenchRows.h"
+
+// A compiled statement.
+class SqliteStatement {
+public:
+    SqliteStatement(sqlite3 *database, const std::string &text);
+    SqliteStatement(const SqliteStatement &) = delete;
+    SqliteStatement &operator=(const SqliteStatement &) = delete;
+    ~SqliteStatement();
+
+    void bind(int place, const std::string &text);
+    void bind(int place, long long number);
+    void bind(int place, double number);
+    bool step();  // is there a row?
+    void reset();
+    void fetch(BenchRow &row);  // all eight columns, copied
+    sqlite3_stmt *get() const { return m_statement; }
+
+private:
+    sqlite3_stmt *m_statement = nullptr;
+};
+
+class Sqlite {
+public:
+    Sqlite();  // an empty table t with its indexes
+    explicit Sqlite(const std::vector<BenchRow> &rows);
+    Sqlite(const Sqlite &) = delete;
+    Sqlite &operator=(const Sqlite &) = delete;
+    ~Sqlite();
+
+    sqlite3 *get() const { return m_database; }
+    void run(const std::string &text);
+    void insertAll(const std::vector<BenchRow> &rows);  // prepared, one transaction
+
+    // Prepares, steps through and finalizes a select over all columns; the number of rows, the last left in `row`.
+    long select(const std::string &text, BenchRow &row);
+
+    static Sqlite &loaded();  // with benchRows(), made on first use
+
+private:
+    sqlite3 *m_database = nullptr;
+};

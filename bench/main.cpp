@@ -1,0 +1,12 @@
+#include "bench/PairTable.h"
+#include "bench/works.h"
+
+int main(int argc, char **argv) {
+    addMemoryMeasure();  // first, while this process has no memory to reuse
+    addParseWorks();
+    addInsertWorks();
+    addSelectWorks();
+    addChangeWorks();
+    addVendorWork();
+    return runPairs(argc, argv);
+}

@@ -1,0 +1,9 @@
+// The works of each kind, added to the table in the order in which it shows them.
+#pragma once
+
+void addParseWorks();
+void addInsertWorks();
+void addSelectWorks();
+void addChangeWorks();
+void addMemoryMeasure();
+void addVendorWork();  // only with QUINTOR_VENDORS in the environment
