@@ -1,24 +1,75 @@
 // Free lists for the small objects that rows, bags and statements are made of.
 //
 // Each size has a list per thread, so taking and giving back cost a few instructions and no lock. A block
-// may be given back by any thread. A thread that holds many more free blocks than it uses hands whole
-// batches, linked in order of address, to a list that all threads share, and so does a thread that ends.
+// may be given back by any thread. A thread that holds more than two batches of free blocks hands a whole
+// batch, linked in order of address, to a depot that all threads share, and so does a thread that ends.
 // Fresh blocks come from chunks in order of address, so that what is made together lies together.
 //
-// Under a sanitizer every block comes from malloc, so that misuse is seen where it happens.
+// A library built under a sanitizer takes every block from malloc, so that misuse is seen where it happens.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "foundations/port/ZelExport.h"
 
 class QUINTOR_API CZelPool {
 public:
-    // A block for `size` bytes, aligned to 16. Never null. Sizes above 128 come from malloc.
-    static void *RPTake(std::size_t size);
+    static constexpr std::size_t STEP = 16;  // sizes are rounded up to a multiple
+    static constexpr std::size_t LARGEST = 128;
+
+    // A block for `size` bytes, aligned to 16. Never null. Sizes above LARGEST come from malloc.
+    static void *RPTake(std::size_t size) {
+        if (size <= LARGEST) {
+            List &list = t_lists[classOf(size)];
+            if (list.m_head != nullptr) [[likely]] {
+                Block *block = list.m_head;
+                list.m_head = block->m_next;
+                ++list.m_room;
+                return block;
+            }
+        }
+        return takeSlowly(size);
+    }
 
     // Gives back a block taken with the same size. Null is accepted.
-    static void RPGive(void *block, std::size_t size) noexcept;
+    static void RPGive(void *memory, std::size_t size) noexcept {
+        if (memory == nullptr)
+            return;
+        if (size <= LARGEST) {
+            List &list = t_lists[classOf(size)];
+            if (list.m_room != 0) [[likely]] {
+                Block *block = static_cast<Block *>(memory);
+                block->m_next = list.m_head;
+                list.m_head = block;
+                --list.m_room;
+                return;
+            }
+        }
+        giveSlowly(memory, size);
+    }
+
+private:
+    friend class CZelPoolDepot;
+    friend class CZelPoolThread;
+
+    struct Block {
+        Block *m_next;
+        Block *m_nextBatch;  // in the first block of a batch in the depot
+    };
+    // A list starts without blocks and without room, so a thread's first step of a class is a slow one.
+    struct List {
+        Block *m_head;         // the latest given back first
+        std::uint32_t m_room;  // blocks that still fit in; with those in the list one batch
+        Block *m_reserve;      // one full batch, or null
+    };
+    static constexpr std::size_t CLASSES = LARGEST / STEP + 1;
+
+    static constexpr std::size_t classOf(std::size_t size) { return (size + STEP - 1) / STEP; }
+    static void *takeSlowly(std::size_t size);
+    static void giveSlowly(void *memory, std::size_t size) noexcept;
+
+    static constinit thread_local List t_lists[CLASSES];
 };
 
 // Class operator new and delete over the pool, for the public part of a class.
