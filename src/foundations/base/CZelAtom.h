@@ -6,11 +6,17 @@
 //
 // The text of an atom may lie inside the atom: RAString() is good until the atom changes, moves or dies.
 //
+// Lists and objects nest to any depth and are freed without deep recursion. Copying, printing, comparing and
+// packing go MAX_NESTING levels down: what lies deeper becomes undefined in a copy, prints NULL, compares
+// equal and can't be packed; each such operation reports E_RCBadValue once.
+//
 // Threads: no lock; several threads may read an atom that nobody changes.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <iosfwd>
 #include <string_view>
 
@@ -27,6 +33,8 @@ class QUINTOR_API CZelAtom {
 public:
     ZEL_POOLED
 
+    static constexpr int MAX_NESTING = 1000;  // levels of lists and objects
+
     CZelAtom() noexcept : m_heap{E_RDTUndefined, 0, 0, 0, {}} {}
     CZelAtom(int value) noexcept : m_heap{E_RDTInt, 0, 0, 0, {}} { m_heap.word.whole = value; }
     CZelAtom(long value) noexcept : m_heap{E_RDTLong, 0, 0, 0, {}} { m_heap.word.whole = value; }
@@ -35,15 +43,32 @@ public:
     CZelAtom(const char *text);                       // copies; null gives an undefined atom
     CZelAtom(char *text);                             // takes over a text from malloc; null likewise
     CZelAtom(const char *text, std::size_t length);   // copies; the text may hold no NUL
-    CZelAtom(bool lent, const char *text);            // refers to a text that outlives the atom; lent is true
+    CZelAtom(bool lent, const char *text);            // refers to a text that outlives the atom; lent is true.
+                                                      // A copy or move of it has a text of its own
     CZelAtom(unsigned char *data, int length);        // takes over a block from malloc
     CZelAtom(const unsigned char *data, int length);  // copies the block
     CZelAtom(CZelAtomVector *list);                   // takes over
     CZelAtom(CZelVBList *object);                     // takes over
-    CZelAtom(const CZelAtom &other);                  // deep copy; an interned text stays shared
-    CZelAtom(CZelAtom &&other) noexcept;              // leaves `other` undefined
-    CZelAtom &operator=(const CZelAtom &other);
-    CZelAtom &operator=(CZelAtom &&other) noexcept;
+    CZelAtom(const CZelAtom &other) {                 // deep copy; an interned text stays shared
+        if (other.isFlat())
+            takeBits(other);
+        else
+            copyMemory(other);
+    }
+    CZelAtom(CZelAtom &&other) noexcept {  // leaves `other` undefined
+        takeBits(other);
+        other.m_heap = {E_RDTUndefined, 0, 0, 0, {}};
+        if (isLent())
+            ownLentText();
+    }
+    CZelAtom &operator=(const CZelAtom &other) { return *this = CZelAtom(other); }
+    CZelAtom &operator=(CZelAtom &&other) noexcept {
+        if (this == &other)
+            return *this;
+        CZelAtom former;  // dies last: `other` may lie inside the old value
+        former.takeBits(*this);
+        return *new (static_cast<void *>(this)) CZelAtom(static_cast<CZelAtom &&>(other));
+    }
     ~CZelAtom() {
         if (ownsMemory())
             release();
@@ -65,7 +90,8 @@ public:
                m_heap.type == E_RDTLong64;
     }
 
-    // The number, converted between the numeric types (a float truncates and clamps); 0 for others.
+    // The number, converted between the numeric types; 0 for others. A float loses its fraction and is
+    // clamped to the range, NaN gives 0; RAInt gives the low 32 bits of a wider integer.
     int RAInt() const;
     long RALong() const;
     long long RALongLong() const;
@@ -89,7 +115,14 @@ public:
     bool RAIsInterned() const { return (m_heap.flags & INTERNED) != 0; }
 
     // Two text atoms of the same bytes.
-    bool RASameText(const CZelAtom &other) const;
+    bool RASameText(const CZelAtom &other) const {
+        if (m_heap.type != E_RDTText || other.m_heap.type != E_RDTText)
+            return false;
+        if (isInline() && other.isInline())
+            return sameBits(other);
+        std::size_t length = RATextLength();
+        return length == other.RATextLength() && std::memcmp(RAString(), other.RAString(), length) == 0;
+    }
 
     const CZelAtomVector *RAList() const { return m_heap.type == E_RDTList ? m_heap.word.list : nullptr; }
     CZelAtomVector *RAList() { return m_heap.type == E_RDTList ? m_heap.word.list : nullptr; }
@@ -108,8 +141,10 @@ public:
     const CZelVarBind *RASubVarBind(const char *name) const;
 
     // The printable form, new from malloc. A text stands as it is at the top and quoted inside lists and
-    // objects; a float is the shortest text that reads back; undefined is "undefined" at the top, NULL
-    // inside; data is its bytes in hex.
+    // objects; a float is the shortest text that reads back, always with '.' or 'e', infinity 1e999;
+    // undefined is "undefined" at the top, NULL inside; NaN "nan" at the top, NULL inside; data is its bytes
+    // in hex, quoted inside. A member name that is no identifier of OQL is reported (E_RCBadValue) and
+    // written with '_' for each byte that can't stand in one, behind an x if it starts with no letter.
     char *RAStrRep() const;
 
     // A list in the literal syntax of OQL, new from malloc; the argument is E_RBTrue. Null for others.
@@ -120,15 +155,15 @@ public:
 
     // --- changing; the old value is freed ---
 
-    void RASet();
-    void RASet(int value);
-    void RASet(long value);
-    void RASet(long long value);
-    void RASet(float value);
-    void RASet(char *text);             // takes over a text from malloc
-    void RASet(const char *text);       // copies
-    void RASet(const CZelAtom *other);  // copies; null makes undefined
-    void RASet(CZelAtom *other);        // moves, leaves `other` undefined
+    void RASet() { *this = CZelAtom(); }
+    void RASet(int value) { *this = CZelAtom(value); }
+    void RASet(long value) { *this = CZelAtom(value); }
+    void RASet(long long value) { *this = CZelAtom(value); }
+    void RASet(float value) { *this = CZelAtom(value); }
+    void RASet(char *text) { *this = CZelAtom(text); }        // takes over a text from malloc
+    void RASet(const char *text) { *this = CZelAtom(text); }  // copies
+    void RASet(const CZelAtom *other);                        // copies; null makes undefined
+    void RASet(CZelAtom *other);                              // moves, leaves `other` undefined
 
     // Converts between int, long, text, float and long64 in place. 1 for equal types, an undefined atom and
     // success. E_RCBadType, the atom unchanged: another source or target, a text that does not wholly spell
@@ -147,10 +182,18 @@ public:
 
     // A total order: null, numbers by value (NaN before all numbers), text by its bytes, data, list, object.
     // Negative, 0, positive. *status, if given, becomes E_RCBadType when the types can't be ordered by value.
-    int RALex(const CZelAtom *other, int *status) const;
+    int RALex(const CZelAtom *other, int *status) const {
+        if (other != nullptr && isShort(*other))
+            return lexShort(*other);
+        return lexFully(other, status);
+    }
 
     // The same order over two possibly null pointers, no status.
-    static int RACompare(const CZelAtom *left, const CZelAtom *right);
+    static int RACompare(const CZelAtom *left, const CZelAtom *right) {
+        if (left == nullptr)
+            return RAIsNull(right) ? 0 : -1;
+        return left->RALex(right, nullptr);
+    }
 
 private:
     friend class CZelName;
@@ -190,9 +233,72 @@ private:
         constexpr unsigned owning = 1U << E_RDTText | 1U << E_RDTData | 1U << E_RDTList | 1U << E_RDTObject;
         return ((owning >> m_heap.type) & 1U) != 0 && (m_heap.flags & (INLINE | BORROWED)) == 0;
     }
+    bool isLent() const { return (m_heap.flags & (BORROWED | INTERNED)) == BORROWED; }
+    // Is a copy of the 16 bytes a copy of the value?
+    bool isFlat() const { return !ownsMemory() && !isLent(); }
+
+    void takeBits(const CZelAtom &other) { std::memcpy(static_cast<void *>(this), &other, sizeof(CZelAtom)); }
+    std::uint64_t bits(std::size_t half) const {
+        std::uint64_t word;
+        std::memcpy(&word, reinterpret_cast<const char *>(this) + half * sizeof(word), sizeof(word));
+        return word;
+    }
+    // Texts inside their atoms are filled up with zeros, so that they compare as two words.
+    bool sameBits(const CZelAtom &other) const { return bits(0) == other.bits(0) && bits(1) == other.bits(1); }
+
+    void setAbsent() {
+        RASet();
+        m_heap.flags = ABSENT;
+    }
     void release() noexcept;  // frees what is owned; the atom is undefined afterwards
+    void releaseNest() noexcept;
+    void releaseOutermost() noexcept;
+    void deleteNest() noexcept;
+    void copyMemory(const CZelAtom &other);
+    void copyNest(const CZelAtom &other);
+    void ownLentText() noexcept;
     void setText(const char *text, std::size_t length);
+    void setInline(const char *text, std::size_t length);
     void takeText(char *text, std::size_t length);
+
+    // The short roads of comparing: two whole numbers, or two texts that both lie in their atoms.
+    bool isWhole() const {
+        constexpr unsigned whole = 1U << E_RDTInt | 1U << E_RDTLong | 1U << E_RDTLong64;
+        return ((whole >> m_heap.type) & 1U) != 0;
+    }
+    bool isShort(const CZelAtom &other) const {
+        return (isWhole() && other.isWhole()) || (m_heap.flags & other.m_heap.flags & INLINE) != 0;
+    }
+    template <class Value>
+    static int order(Value left, Value right) {
+        return static_cast<int>(left > right) - static_cast<int>(left < right);
+    }
+    int lexShort(const CZelAtom &other) const {
+        if (isWhole())
+            return order(m_heap.word.whole, other.m_heap.word.whole);
+        std::uint64_t mine = inlineText(0), theirs = other.inlineText(0);
+        return mine != theirs ? order(mine, theirs) : order(inlineText(1), other.inlineText(1));
+    }
+    // The text in the atom as two numbers that order as its bytes do; the first holds six bytes of it.
+    std::uint64_t inlineText(std::size_t half) const {
+        constexpr std::uint64_t SIX_BYTES = 0xFFFFFFFFFFFFU;
+        std::uint64_t word = bits(half);
+        if constexpr (std::endian::native == std::endian::little)
+            word = __builtin_bswap64(word);
+        return half == 0 ? word & SIX_BYTES : word;
+    }
+    int lexFully(const CZelAtom *other, int *status) const;
+    int lexNumber(const CZelAtom &other) const;
+    int lexNest(const CZelAtom &other) const;
+    int rank() const;
+    bool holdsValue(const CZelAtom &value) const;
+    bool isRelated(EZelOper op, const CZelAtom &right) const;
+    bool isBetween(const CZelAtom &value, bool negated) const;
+    bool isLike(const CZelAtom &text, bool negated) const;
+    bool exists() const;
+    bool coerceToText();
+    bool coerceToFloat();
+    bool coerceToWhole(EZelDataType type);
 
     union {
         Heap m_heap;

@@ -2,7 +2,10 @@
 // that is never freed, so that two names are equal when their texts lie at the same address.
 //
 // The table is bounded, so that names from outside can't fill memory: a name that is too long, or comes
-// when the table is full, is not interned and is then compared by its bytes. Readers take no lock.
+// when the table is full, is not interned and is then compared by its bytes. Since a full table stays full,
+// a name that could not be interned once never becomes interned.
+//
+// Threads: any. A look-up takes no lock; entering a new name takes one.
 #pragma once
 
 #include <cstddef>
@@ -18,6 +21,9 @@ public:
     // The atom of a name, entered on first sight. Null when the name is too long or the table is full.
     static const CZelAtom *RNIntern(const char *text, std::size_t length);
 
+    // The atom of a name that is in the table, or null. Enters nothing.
+    static const CZelAtom *RNFind(const char *text, std::size_t length);
+
     // The atom of an interned name by any atom that shares its text (RAIsInterned), or null.
     static const CZelAtom *RNAtomOf(const CZelAtom &name) {
         return name.RAIsInterned() ? fromText(name.RAString()) : nullptr;
@@ -30,9 +36,14 @@ public:
         return left.RASameText(right);
     }
 
+    // How many names the table holds.
+    static std::size_t RNCount();
+
 private:
     // An entry is an atom with its text right behind it.
     static const CZelAtom *fromText(const char *text) {
         return reinterpret_cast<const CZelAtom *>(text - sizeof(CZelAtom));
     }
+    friend class CZelNameTable;
+    static CZelAtom atomOver(char *text, std::size_t length);
 };

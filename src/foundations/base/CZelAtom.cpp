@@ -1,0 +1,150 @@
+#include "foundations/base/CZelAtom.h"
+
+#include <cstdlib>
+
+#include "foundations/base/CZelAtomVector.h"
+#include "foundations/base/CZelName.h"
+#include "foundations/base/CZelUChar.h"
+#include "foundations/base/CZelVBList.h"
+#include "foundations/base/ZelMalloc.h"
+#include "foundations/port/CZelError.h"
+
+CZelAtom::CZelAtom(const char *text) : CZelAtom() {
+    if (text != nullptr)
+        setText(text, std::strlen(text));
+}
+
+CZelAtom::CZelAtom(char *text) : CZelAtom() {
+    if (text != nullptr)
+        takeText(text, std::strlen(text));
+}
+
+CZelAtom::CZelAtom(const char *text, std::size_t length) : CZelAtom() {
+    if (text != nullptr)
+        setText(text, length);
+}
+
+CZelAtom::CZelAtom(bool, const char *text) : CZelAtom() {
+    if (text == nullptr)
+        return;
+    m_heap = {E_RDTText, BORROWED, 0, static_cast<std::uint32_t>(std::strlen(text)), {}};
+    m_heap.word.text = const_cast<char *>(text);
+}
+
+CZelAtom::CZelAtom(unsigned char *data, int length) : m_heap{E_RDTData, 0, 0, 0, {}} {
+    m_heap.word.data = new CZelUChar(data, length);
+}
+
+CZelAtom::CZelAtom(const unsigned char *data, int length) : m_heap{E_RDTData, 0, 0, 0, {}} {
+    std::size_t size = data == nullptr || length < 0 ? 0 : static_cast<std::size_t>(length);
+    unsigned char *copy = static_cast<unsigned char *>(ZelMalloc(size));
+    if (size != 0)
+        std::memcpy(copy, data, size);
+    m_heap.word.data = new CZelUChar(copy, static_cast<int>(size));
+}
+
+CZelAtom::CZelAtom(CZelAtomVector *list) : m_heap{E_RDTList, 0, 0, 0, {}} {
+    m_heap.word.list = list;
+}
+
+CZelAtom::CZelAtom(CZelVBList *object) : m_heap{E_RDTObject, 0, 0, 0, {}} {
+    m_heap.word.object = object;
+}
+
+CZelAtom CZelAtom::RAName(const char *text, std::size_t length) {
+    const CZelAtom *name = CZelName::RNIntern(text, length);
+    return name != nullptr ? CZelAtom(*name) : CZelAtom(text, length);
+}
+
+CZelAtom CZelAtom::RAName(const char *text) {
+    return text == nullptr ? CZelAtom() : RAName(text, std::strlen(text));
+}
+
+CZelAtomVector *CZelAtom::RATakeList() {
+    CZelAtomVector *list = RAList();
+    if (list != nullptr)
+        m_heap.word.list = nullptr;
+    return list;
+}
+
+void CZelAtom::RAUChar(unsigned char **data, int *length) const {
+    const CZelUChar *block = RAUChar();
+    *data = block == nullptr ? nullptr : block->RUCData();
+    *length = block == nullptr ? 0 : block->RUCLength();
+}
+
+const CZelAtom *CZelAtom::RASubVal(const char *name) const {
+    const CZelVarBind *member = RASubVarBind(name);
+    return member == nullptr ? nullptr : member->RVBValue();
+}
+
+const CZelVarBind *CZelAtom::RASubVarBind(const char *name) const {
+    return RAObject() == nullptr || name == nullptr ? nullptr : RAObject()->RVBLFind(name);
+}
+
+const char *CZelAtom::RAGetDataTypeString(EZelDataType type) {
+    static constexpr const char *NAMES[] = {"int",  "long",    "text", "float",  "long64",
+                                            "data", "locator", "list", "object", "undefined"};
+    return type < E_RDTInt || type > E_RDTUndefined ? NAMES[E_RDTUndefined] : NAMES[type];
+}
+
+void CZelAtom::RASet(const CZelAtom *other) {
+    *this = other == nullptr ? CZelAtom() : CZelAtom(*other);
+}
+
+void CZelAtom::RASet(CZelAtom *other) {
+    if (other == nullptr)
+        RASet();
+    else
+        *this = std::move(*other);
+}
+
+void CZelAtom::release() noexcept {
+    if (m_heap.type == E_RDTText)
+        std::free(m_heap.word.text);
+    else if (m_heap.type == E_RDTData)
+        delete m_heap.word.data;
+    else
+        releaseNest();
+    m_heap = {E_RDTUndefined, 0, 0, 0, {}};
+}
+
+void CZelAtom::copyMemory(const CZelAtom &other) {
+    if (other.m_heap.type == E_RDTText) {
+        setText(other.RAString(), other.RATextLength());
+    } else if (other.m_heap.type == E_RDTData) {
+        m_heap = {E_RDTData, 0, 0, 0, {}};
+        m_heap.word.data = new CZelUChar(*other.m_heap.word.data);
+    } else {
+        copyNest(other);
+    }
+}
+
+void CZelAtom::ownLentText() noexcept {
+    setText(m_heap.word.text, m_heap.length);
+}
+
+void CZelAtom::setText(const char *text, std::size_t length) {
+    if (length <= INLINE_MAX)
+        setInline(text, length);
+    else
+        takeText(ZelStrDup(text, length), length);
+}
+
+void CZelAtom::setInline(const char *text, std::size_t length) {
+    m_inline = {E_RDTText, static_cast<std::uint8_t>(INLINE | length << 4), {}};
+    std::memcpy(m_inline.text, text, length);
+}
+
+void CZelAtom::takeText(char *text, std::size_t length) {
+    CZelMallocText owner(text);
+    if (length <= INLINE_MAX) {
+        setInline(text, length);
+    } else if (length > UINT32_MAX) {
+        m_heap = {E_RDTUndefined, 0, 0, 0, {}};
+        ZEL_REPORT(E_RCBadValue, "CZelAtom: a text of 4 GiB or more is no value.");
+    } else {
+        m_heap = {E_RDTText, 0, 0, static_cast<std::uint32_t>(length), {}};
+        m_heap.word.text = owner.release();
+    }
+}
