@@ -32,9 +32,12 @@ public:
     int RRAddOrSetValue(const CZelAtom *name, const CZelAtom *value);
     int RRDeleteValueOf(const CZelAtom &name);  // 1 or E_RCNotFound
 
-    // Writes below a name. Keys as in RRValueOfNested; missing steps are made (a text key an object, an int
-    // key a list), all sets every element, any the first, next appends. A list index above one million is
-    // E_RCBadValue; a step into a value of another kind E_RCBadType.
+    // Writes a copy below a name; null writes an undefined value. Keys as in RRValueOfNested, left on their
+    // stack. Missing steps are made (a text key an object, an int key a list); all sets every element, any the
+    // first, next appends; all and any make an element in an empty list. E_RCBadValue for a list index above
+    // one million, a selector that is none, or more keys than CZelAtom::MAX_NESTING; E_RCBadType for a key
+    // that is neither text nor integer or a step into a value of another kind; then nothing has changed,
+    // except that with all the elements that could be written are.
     int RRAddOrSetValueNested(const CZelAtom &name, CZelStack &keys, const CZelAtom *value);
 
     // The value of a name, owned by the record; null when absent.
@@ -57,7 +60,7 @@ public:
     // All values in the packed form; *data comes from malloc and is the caller's.
     void ROMEncode(unsigned char **data, int *length) const;
 
-    void RRPrint() const;  // to standard output
+    void RRPrint() const;  // to standard output, "name=value" and a line feed for each pair
 
 protected:
     // Keys from the bottom up: the first key leads one level into the value of `name`, the top key reaches
@@ -66,6 +69,10 @@ protected:
     int RRInitFromVarList(CZelVBList *values);  // takes the list as the record's contents; 1 or E_RCBadArgument
 
     CZelVBList m_values;
+
+private:
+    static void discard(CZelAtom **value);
+    static const CZelAtom *descend(const CZelAtom *value, const CZelAtomVector &path, unsigned int first);
 };
 
 QUINTOR_API std::ostream &operator<<(std::ostream &out, const CZelBaseRecord *record);

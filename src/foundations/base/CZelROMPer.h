@@ -3,6 +3,9 @@
 // head of the source.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+
 #include "foundations/base/ZelEnums.h"
 #include "foundations/port/ZelExport.h"
 
@@ -12,7 +15,7 @@ class CZelVarBind;
 class QUINTOR_API CZelROMPer {
 public:
     static constexpr int INITIAL_SIZE = 2048;  // what encoders of records pass
-    static constexpr int MAX_DEPTH = 1000;     // of nested lists and objects, when reading
+    static constexpr int MAX_DEPTH = 1000;     // of nested lists and objects, written and read
 
     explicit CZelROMPer(int initialSize);  // an empty packet for writing
     // Opens a packet for reading; it stays the caller's. The flag is E_RBTrue.
@@ -21,22 +24,38 @@ public:
     CZelROMPer &operator=(const CZelROMPer &) = delete;
     virtual ~CZelROMPer();
 
-    int RRAddAttrVal(const CZelAtom *name, const CZelAtom *value);  // 1, or E_RCBadArgument, E_RCBadValue (too long)
-    int RRAppendFrom(const unsigned char *data, int length);        // an already packed block; 1 or a code
-    int RRCreatedLength() const { return m_length; }                // bytes, appended blocks included
-    int RRCopiedLength() const { return m_copied; }                 // bytes that came by RRAppendFrom
+    // Appends a pair; a null value is packed as no value. 1; E_RCBadArgument for a name that is no text, or a
+    // packet opened for reading; E_RCBadValue for a value that is nested too deep or too long for a packet,
+    // which is then as it was.
+    int RRAddAttrVal(const CZelAtom *name, const CZelAtom *value);
+    int RRAppendFrom(const unsigned char *data, int length);  // an already packed block; 1 or a code as above
+    int RRAddPad();                                           // an entry that readers skip, for a record without pairs
+    int RRCreatedLength() const { return m_length; }          // bytes, appended blocks included
+    int RRCopiedLength() const { return m_copied; }           // bytes that came by RRAppendFrom
     unsigned char *RRPacket() const { return m_data; }
-    unsigned char *RRTakePacket();  // detaches; from malloc unless opened for reading
 
-    // The next pair as a new binding (or in `reuse`, when given), null at the end. *status is 1, or the code
-    // of a damaged pair, which comes as a binding that means nothing; the walk goes on behind it.
+    // Detaches the packet, which comes from malloc and is as large as it is long; the builder is empty then.
+    // A reader gives the pointer it was opened with.
+    unsigned char *RRTakePacket();
+
+    // The next pair as a new binding (or in `reuse`, when given), null at the end. *status, if given, is 1, or
+    // E_RCBadValue for a damaged pair, which comes as a binding without name and value; the walk goes on behind
+    // it. Where a damaged pair's end can't be told either, the walk goes on at the next place that holds a
+    // pair's intact head.
     CZelVarBind *RRGetNextAttrVal(int *status, CZelVarBind *reuse);
 
 private:
+    unsigned char *reserve(std::size_t size);
+    void grow(std::size_t needed);
+    bool nextBody(const unsigned char **body, std::size_t *length);
+    bool headAt(int position, std::uint32_t *size, std::uint32_t *check) const;
+    void skipToHead();
+    static CZelVarBind *give(const CZelAtom &name, CZelAtom *value, CZelVarBind *reuse);
+
     unsigned char *m_data;
-    int m_length;    // bytes in use
-    int m_capacity;  // bytes allocated; 0 when reading
+    int m_length = 0;    // bytes in use
+    int m_capacity = 0;  // bytes there are; 0 when reading
     int m_copied = 0;
-    int m_position = 0;  // reading
-    bool m_owned;
+    int m_position = 0;                   // reading
+    unsigned char m_small[INITIAL_SIZE];  // the packet, until it outgrows it
 };

@@ -49,5 +49,6 @@ public:
     void ROMEncodeSubSet(unsigned char **data, int *length, CZelBag *columns) const;
 
 private:
+    void discardDamaged(int status);
     static void RRSubKeysFromExprs(const CZelDoubleList *colSpec, CZelStack &keys);
 };

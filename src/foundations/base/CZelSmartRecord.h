@@ -16,11 +16,12 @@ public:
     explicit CZelSmartRecord(const CZelVBList *values) : CZelRecord(values) {}
     explicit CZelSmartRecord(CZelVBList *values) : CZelRecord(values) {}
     CZelSmartRecord(const CZelRecord &other) : CZelRecord(other) {}
+    CZelSmartRecord(const CZelSmartRecord &other) : CZelRecord(other) {}  // a row of its own, with one user
 
     void RSRAddUser();
     void RSRDeleteUser();  // deletes the record with its last user
     void RSRSortRecord();  // the bindings by RALex on their names
-    int RSRUsers() const { return m_users; }
+    int RSRUsers() const;
 
     void BeginRead() override;
     void EndRead() override;

@@ -20,8 +20,11 @@ public:
     CZelVarBind *RVBLGetNext(const CZelVarBind *binding) const { return binding->m_next; }
     int RVBLLength() const { return m_length; }
 
-    // The first binding of that name, or null.
-    CZelVarBind *RVBLFind(const CZelAtom &name) const;
+    // The first binding of that name, or null. A name that is interned is found by address alone.
+    CZelVarBind *RVBLFind(const CZelAtom &name) const {
+        const CZelAtom *interned = CZelName::RNAtomOf(name);
+        return interned != nullptr ? findInterned(interned) : findText(name.RATextView());
+    }
     CZelVarBind *RVBLFind(const char *name) const;
 
     int RVBLRemove(const CZelVarBind *binding);  // unlinks and deletes; 1 or E_RCNotFound
@@ -32,6 +35,14 @@ public:
     void RVBLSortList(int (*compare)(const void *, const void *));
 
 private:
+    CZelVarBind *findInterned(const CZelAtom *name) const {
+        CZelVarBind *binding = m_head;
+        while (binding != nullptr && binding->m_name != name)
+            binding = binding->m_next;
+        return binding;
+    }
+    CZelVarBind *findText(std::string_view name) const;
+
     CZelVarBind *m_head = nullptr;
     CZelVarBind *m_tail = nullptr;
     int m_length = 0;

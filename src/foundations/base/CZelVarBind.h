@@ -4,7 +4,9 @@
 // same as one whose value is undefined: RVBValue() is null only for the first.
 #pragma once
 
-#include "foundations/base/CZelAtom.h"
+#include <utility>
+
+#include "foundations/base/CZelName.h"
 
 class QUINTOR_API CZelVarBind {
 public:
@@ -20,8 +22,10 @@ public:
     CZelVarBind(const CZelAtom &name, CZelAtom **value);
     CZelVarBind(const CZelAtom &name, const char *value);
     CZelVarBind(const CZelAtom &name, int value);
-    CZelVarBind(const CZelAtom &name, CZelAtom &&value);  // moves the value in
-    CZelVarBind(const CZelVarBind &other);                // deep; not linked anywhere
+    CZelVarBind(const CZelAtom &name, CZelAtom &&value)  // moves the value in
+        : m_name(nameOf(name)), m_value(std::move(value)) {}
+    CZelVarBind(const CZelVarBind &other)  // deep; not linked anywhere
+        : m_name(other.m_name->RAIsInterned() ? other.m_name : new CZelAtom(*other.m_name)), m_value(other.m_value) {}
     CZelVarBind &operator=(const CZelVarBind &) = delete;
     ~CZelVarBind() {
         if (!m_name->RAIsInterned())
@@ -32,8 +36,14 @@ public:
     const CZelAtom *RVBValue() const { return hasValue() ? &m_value : nullptr; }
     CZelAtom *RVBValue() { return hasValue() ? &m_value : nullptr; }
 
+    // The value to be changed in place, undefined at first where there is none.
+    CZelAtom *RVBForWriting() {
+        m_value.m_heap.flags &= static_cast<std::uint8_t>(~CZelAtom::ABSENT);
+        return &m_value;
+    }
+
     // Is this its name? Addresses first, bytes only where one of the two is not interned.
-    bool RVBNamed(const CZelAtom &name) const;
+    bool RVBNamed(const CZelAtom &name) const { return CZelName::RNSame(*m_name, name); }
     bool RVBNamed(const char *name) const;
 
     // Replace the value; 1.
@@ -48,13 +58,24 @@ public:
     // Sets element `index` of a list value; at or past its end the element is added. 1 or E_RCBadType.
     int RVBAddOrSetListVal(const CZelAtom &element, unsigned int index);
 
-    // "name=value", new from malloc; the value as RAStrRep gives it, NULL when there is none.
+    // "name=value", new from malloc; the value as RAStrRep gives it, NULL when there is none
+    // or it is undefined.
     char *RVBVbAsString() const;
 
 private:
     friend class CZelVBList;
 
+    friend class CZelROMPer;
+
     bool hasValue() const { return (m_value.m_heap.flags & CZelAtom::ABSENT) == 0; }
+    CZelAtomVector *listForWriting();
+    static const CZelAtom *nameOf(const char *text);
+    static const CZelAtom *nameOf(const CZelAtom &name) {
+        const CZelAtom *interned = CZelName::RNAtomOf(name);
+        return interned != nullptr ? interned : newName(name);
+    }
+    static const CZelAtom *newName(const CZelAtom &name);
+    void rename(const CZelAtom &name);
 
     CZelVarBind *m_next = nullptr;
     const CZelAtom *m_name;  // of CZelName, or owned when not interned
