@@ -56,6 +56,13 @@ public:
     void RBAppendPrint(CZelString &out, bool resolved);
 
 private:
+    void copyFrom(const CZelBoolean &other);
+    void deleteOperands();
+    void adoptExpressions();
+    CZelExpr *rightExpression() const;  // through the override; null for a query
+    __boolean listToList(const CZelAtomVector &left, EZelListUpdateType leftKind, const CZelAtomVector &right,
+                         EZelListUpdateType rightKind) const;
+
     CZelExpr *m_left = nullptr;
     union {
         CZelExpr *m_right = nullptr;

@@ -60,6 +60,9 @@ public:
     CZelAtom *ExtractQueryCondition(const char *column);
 
 private:
+    int addBranch(CZelFilter *&place, CZelFilter *branch);
+    bool replaceHere(const CZelFilter *old, CZelFilter *replacement);
+
     CZelFilter *m_left = nullptr;
     CZelFilter *m_right = nullptr;
     CZelBoolean *m_kernel = nullptr;
