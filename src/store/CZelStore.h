@@ -118,6 +118,8 @@ protected:
     CZelDoubleList *RSRetrieveQueryTableColDefs(CZelQuery *query) const;
 
 private:
+    CZelTable *tableOf(const CZelQuery *query, EZelStoreErrorStatus *status) const;  // the first source; or null
+    int countRows(CZelQuery *query, EZelStoreErrorStatus *status);
     int dropDatabase(CZelDbEntity &target, EZelStoreErrorStatus *status);
     int dropTable(CZelDbEntity &target, EZelStoreErrorStatus *status);
     void clearCacheFiles(CZelDbEntity &target, bool wholeDatabase);

@@ -15,8 +15,10 @@
 
 class CZelAtom;
 class CZelAtomVector;
+class CZelBPlusTree;
 class CZelBoolean;
 class CZelColDef;
+class CZelColumnReader;
 class CZelDatabase;
 class CZelDbEntity;
 class CZelDelete;
@@ -28,6 +30,7 @@ class CZelIndex;
 class CZelInsert;
 class CZelObjectStore;
 class CZelPointer;
+class CZelQuery;
 class CZelRWLock;
 class CZelRecord;
 class CZelRecordCache;
@@ -162,8 +165,24 @@ protected:
     void RTAddDelObjStoreIndex(CZelBag *columns, __boolean add);
 
 private:
+    friend class CZelFilterWalk;
+
     void RTClearMemory();
     bool isLive() const { return m_objectStore != nullptr; }
+
+    // Steps of queries. New bags are the caller's; `input` as above.
+    static CZelBag *refuseCached(const char *operation);  // reports; an empty bag
+    CZelBag *allRows() const;
+    CZelBag *inputOrAllRows(const CZelBag *input) const;
+    CZelBag *evalConstant(CZelBoolean *boolean, const CZelAtom *left, const CZelAtom *right, const CZelBag *input);
+    CZelBag *evalColumn(CZelBoolean *boolean, CZelExpr *column, const CZelAtom *value, __boolean reversed,
+                        CZelBag *input);
+    CZelBag *evalAgainst(CZelBoolean *boolean, CZelQuery &query, CZelBag *input);
+    void selectMembers(const CZelColumnReader &column, const CZelAtom &list, bool negated, const CZelBag *input,
+                       CZelBag &result) const;
+    const CZelBPlusTree *uniqueTreeOf(const CZelColumnReader &column) const;
+    static __boolean compareColumns(const CZelColumnReader &left, const CZelColumnReader &right,
+                                    const CZelBoolean &boolean, const CZelRecord &record);
 
     CZelRWLock *m_lock = nullptr;  // around every touch of the cache
     CZelAtom *m_name = nullptr;    // null until named, like the next two

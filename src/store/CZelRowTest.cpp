@@ -1,0 +1,162 @@
+#include "store/CZelRowTest.h"
+
+#include <cstring>
+
+#include "foundations/base/CZelBag.h"
+#include "foundations/base/CZelRecord.h"
+#include "store/CZelBoolean.h"
+
+namespace {
+
+// The rows of a table are the elements of its list; those of a bag stand behind its pointers.
+struct ListRows {
+    const CZelListable *node;
+    const CZelDoubleList &list;
+    explicit ListRows(const CZelDoubleList &rows) : node(rows.RDLHead()), list(rows) {}
+    CZelRecord *row() const { return static_cast<CZelRecord *>(const_cast<CZelListable *>(node)); }
+    void advance() { node = list.RDLGetNext(node); }
+};
+
+struct BagRows {
+    const CZelPointer *node;
+    explicit BagRows(const CZelBag &rows) : node(rows.RBFirst()) {}
+    CZelRecord *row() const { return static_cast<CZelRecord *>(node->RPData()); }
+    void advance() { node = CZelBag::RBNext(node); }
+};
+
+constexpr unsigned int LESS = 1, EQUAL = 2, GREATER = 4;
+
+unsigned int ordersOf(EZelOper op) {
+    constexpr unsigned int ORDERS[] = {EQUAL, LESS | GREATER, LESS, LESS | EQUAL, GREATER, GREATER | EQUAL};
+    return ORDERS[op];
+}
+
+unsigned int mirrored(unsigned int orders) {
+    return (orders & EQUAL) | ((orders & LESS) != 0 ? GREATER : 0) | ((orders & GREATER) != 0 ? LESS : 0);
+}
+
+bool isIn(unsigned int orders, int order) {
+    const int bit = (order > 0) - (order < 0) + 1;
+    return (orders >> bit & 1U) != 0;
+}
+
+bool isText(const CZelAtom &value) {
+    return value.RAType() == E_RDTText;
+}
+
+bool holds(std::string_view text, std::string_view part) {
+    return part.empty() || memmem(text.data(), text.size(), part.data(), part.size()) != nullptr;
+}
+
+}  // namespace
+
+CZelRowTest::CZelRowTest(const CZelBoolean &boolean, const CZelDbEntity &column, bool swapped, const CZelAtom *value)
+    : m_boolean(boolean), m_column(column), m_swapped(swapped), m_value(value) {
+    m_onNull = boolean.RBEvalAtomToAtom(nullptr, ZelBool(swapped), value) == E_RBTrue;
+    const CZelAtom anything(0);
+    if (!CZelAtom::RAIsNull(value)) {
+        prepare(*value);
+    } else if (boolean.RBOperand() != E_ROExists) {
+        m_kind = PRESENCE;
+        m_onPresent = boolean.RBEvalAtomToAtom(&anything, ZelBool(swapped), value) == E_RBTrue;
+    }
+}
+
+void CZelRowTest::prepare(const CZelAtom &value) {
+    const EZelOper op = m_boolean.RBOperand();
+    const bool isLike = op == E_ROLike || op == E_RONotLike;
+    m_negated = op == E_RONotEqual || op == E_RONotLike;
+    if (isLike && isText(value) && !m_swapped) {
+        preparePattern(value.RATextView());
+    } else if (op <= E_ROGreaterEqual) {
+        m_orders = m_swapped ? mirrored(ordersOf(op)) : ordersOf(op);
+        if (value.RAIsNumber())
+            m_kind = NUMBER;
+        else if (isText(value))
+            m_kind = op <= E_RONotEqual ? SAME_TEXT : TEXT;
+    }
+}
+
+// One part between wildcards at its ends; any other pattern stays with the general rule.
+void CZelRowTest::preparePattern(std::string_view pattern) {
+    const bool openFront = !pattern.empty() && pattern.front() == '%';
+    m_part = pattern.substr(openFront ? 1 : 0);
+    const bool openBack = !m_part.empty() && m_part.back() == '%';
+    m_part = m_part.substr(0, m_part.size() - (openBack ? 1 : 0));
+    if (m_part.find_first_of("%_") != std::string_view::npos)
+        return;
+    if (openFront)
+        m_kind = openBack || m_part.empty() ? TEXT_PART : TEXT_SUFFIX;
+    else
+        m_kind = openBack ? TEXT_PREFIX : GENERAL;
+}
+
+bool CZelRowTest::accepts(const CZelRecord &row) const {
+    const CZelColumnReader::Side side = m_column.side(row);
+    if (side.list != nullptr)
+        return m_boolean.RBEvalListToAtom(side.list, ZelBool(m_swapped), m_value, m_column.kind()) == E_RBTrue;
+    return m_boolean.RBEvalAtomToAtom(side.value, ZelBool(m_swapped), m_value) == E_RBTrue;
+}
+
+void CZelRowTest::select(const CZelDoubleList &rows, CZelBag &passed) const {
+    dispatch(ListRows(rows), passed);
+}
+
+void CZelRowTest::select(const CZelBag &rows, CZelBag &passed) const {
+    dispatch(BagRows(rows), passed);
+}
+
+// The test gets present values only.
+template <class Rows, class Test>
+void CZelRowTest::scan(Rows rows, CZelBag &passed, Test test) const {
+    for (; rows.node != nullptr; rows.advance()) {
+        CZelRecord *row = rows.row();
+        const CZelAtom *value = m_column.value(*row);
+        if (CZelAtom::RAIsNull(value) ? m_onNull : test(*value))
+            passed.RBAdd(static_cast<void *>(row));
+    }
+}
+
+template <class Rows>
+void CZelRowTest::dispatch(Rows rows, CZelBag &passed) const {
+    if (m_column.isWild()) {
+        for (; rows.node != nullptr; rows.advance()) {
+            if (accepts(*rows.row()))
+                passed.RBAdd(static_cast<void *>(rows.row()));
+        }
+        return;
+    }
+    const bool differs = m_orders == (LESS | GREATER);
+    const bool negated = m_negated;
+    switch (m_kind) {
+        case PRESENCE:
+            return scan(rows, passed, [this](const CZelAtom &) { return m_onPresent; });
+        case NUMBER:
+            return scan(rows, passed, [=, this](const CZelAtom &value) {
+                return value.RAIsNumber() ? isIn(m_orders, value.RALex(m_value, nullptr)) : differs;
+            });
+        case TEXT:
+            return scan(rows, passed, [this](const CZelAtom &value) {
+                return isText(value) && isIn(m_orders, value.RALex(m_value, nullptr));
+            });
+        case SAME_TEXT:
+            return scan(rows, passed,
+                        [=, this](const CZelAtom &value) { return value.RASameText(*m_value) != negated; });
+        case TEXT_PREFIX:
+            return scan(rows, passed, [=, this](const CZelAtom &value) {
+                return isText(value) && value.RATextView().starts_with(m_part) != negated;
+            });
+        case TEXT_SUFFIX:
+            return scan(rows, passed, [=, this](const CZelAtom &value) {
+                return isText(value) && value.RATextView().ends_with(m_part) != negated;
+            });
+        case TEXT_PART:
+            return scan(rows, passed, [=, this](const CZelAtom &value) {
+                return isText(value) && holds(value.RATextView(), m_part) != negated;
+            });
+        case GENERAL:
+            return scan(rows, passed, [this](const CZelAtom &value) {
+                return m_boolean.RBEvalAtomToAtom(&value, ZelBool(m_swapped), m_value) == E_RBTrue;
+            });
+    }
+}

@@ -1,0 +1,236 @@
+// From a condition to rows: what each comparison asks of the table, and the rows as the caller gets them.
+#include <cstring>
+
+#include "foundations/base/CZelAtom.h"
+#include "foundations/base/CZelAtomVector.h"
+#include "foundations/base/CZelBag.h"
+#include "foundations/base/CZelRecord.h"
+#include "foundations/base/CZelTreeList.h"
+#include "foundations/port/CZelError.h"
+#include "oql/CZelDbEntity.h"
+#include "oql/CZelExpr.h"
+#include "oql/CZelQuery.h"
+#include "store/CZelBoolean.h"
+#include "store/CZelColumnReader.h"
+#include "store/CZelFilter.h"
+#include "store/CZelFilterWalk.h"
+#include "store/CZelObjectStore.h"
+#include "store/CZelStore.h"
+#include "store/CZelTable.h"
+
+namespace {
+
+constexpr int DEEPEST_SUBQUERY = 200;  // subqueries within subqueries take stack
+
+// How many subqueries this thread is in.
+class SubQueryLevel {
+public:
+    SubQueryLevel() { ++s_depth; }
+    SubQueryLevel(const SubQueryLevel &) = delete;
+    SubQueryLevel &operator=(const SubQueryLevel &) = delete;
+    ~SubQueryLevel() { --s_depth; }
+    static bool isTooDeep() { return s_depth > DEEPEST_SUBQUERY; }
+
+private:
+    static thread_local int s_depth;
+};
+thread_local int SubQueryLevel::s_depth = 0;
+
+EZelOper mirrored(EZelOper op) {
+    switch (op) {
+        case E_ROLess:
+            return E_ROGreater;
+        case E_ROLessEqual:
+            return E_ROGreaterEqual;
+        case E_ROGreater:
+            return E_ROLess;
+        case E_ROGreaterEqual:
+            return E_ROLessEqual;
+        default:
+            return op;
+    }
+}
+
+const CZelAtom *headOf(const CZelExpr *expression) {
+    return expression != nullptr ? expression->REHeadAtomVal() : nullptr;
+}
+
+CZelDbEntity *entityOf(const CZelExpr *expression) {
+    return expression != nullptr ? expression->REEntityVal() : nullptr;
+}
+
+void setIfGiven(__boolean *flag, __boolean value) {
+    if (flag != nullptr)
+        *flag = value;
+}
+
+CZelAtom *encoded(const CZelRecord &record) {
+    unsigned char *block = nullptr;
+    int length = 0;
+    record.ROMEncode(&block, &length);
+    return new CZelAtom(block, length);
+}
+
+// What an item of a selection reads. An atom is the column's name.
+CZelColumnReader readerOf(const CZelExpr *item) {
+    const CZelDbEntity *entity = item->REEntityVal();
+    return entity != nullptr ? CZelColumnReader(entity->RDEColNameAtom(), entity->RDEColSpec())
+                             : CZelColumnReader(item->REHeadAtomVal(), nullptr);
+}
+
+void collect(const CZelExpr *item, const CZelBag &rows, CZelAtomVector &values) {
+    if (item == nullptr || (item->REType() != E_RETAtom && item->REType() != E_RETEntity)) {
+        ZEL_REPORT(E_RCBadArgument, "CZelTable::RTEvalSubQuery: a selection that names no column");
+        return;
+    }
+    const CZelColumnReader reader = readerOf(item);
+    for (const CZelPointer *node = rows.RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
+        const CZelAtom *value = reader.value(*static_cast<const CZelRecord *>(node->RPData()));
+        if (value != nullptr)
+            values.RAVAddToEnd(new CZelAtom(*value));
+    }
+}
+
+}  // namespace
+
+CZelBag *CZelTable::refuseCached(const char *operation) {
+    ZEL_REPORT(E_RCUnsupported, operation);
+    return new CZelBag;
+}
+
+CZelBag *CZelTable::allRows() const {
+    if (m_cache != nullptr)
+        return refuseCached("CZelTable::allRows: a cached table");
+    auto *rows = new CZelBag;
+    if (m_rows == nullptr)
+        return rows;
+    for (CZelListable *row = m_rows->RDLHead(); row != nullptr; row = m_rows->RDLGetNext(row))
+        rows->RBAdd(static_cast<void *>(static_cast<CZelRecord *>(row)));
+    return rows;
+}
+
+CZelBag *CZelTable::inputOrAllRows(const CZelBag *input) const {
+    return input != nullptr ? new CZelBag(*input) : allRows();
+}
+
+CZelBag *CZelTable::RTReturnRows(CZelFilter *filter) {
+    return RTReturnRows(filter, E_RBFalse);
+}
+
+CZelBag *CZelTable::RTReturnPossibleRows(CZelFilter *filter) {
+    return RTReturnRows(filter, E_RBTrue);
+}
+
+CZelBag *CZelTable::RTReturnRows(CZelFilter *filter, __boolean partial) {
+    if (m_cache != nullptr)
+        return refuseCached("CZelTable::RTReturnRows: a cached table");
+    if (filter == nullptr || !isLive())
+        return allRows();
+    return partial == E_RBTrue ? RTEvalPartialFilter(filter) : RTEvalFilter(filter);
+}
+
+CZelBag *CZelTable::RTReturnROMPRows(CZelFilter *filter, __boolean partial) {
+    if (m_cache != nullptr)
+        return refuseCached("CZelTable::RTReturnROMPRows: a cached table");
+    CZelBag *rows = RTReturnRows(filter, partial);
+    for (CZelPointer *node = rows != nullptr ? rows->RBFirst() : nullptr; node != nullptr; node = CZelBag::RBNext(node))
+        node->RPSetData(encoded(*static_cast<CZelRecord *>(node->RPData())));
+    return rows;
+}
+
+CZelBag *CZelTable::RTEvalFilter(CZelFilter *filter) {
+    return RTEvalFilter(filter, E_RBFalse, nullptr, nullptr);
+}
+
+CZelBag *CZelTable::RTEvalPartialFilter(CZelFilter *filter) {
+    return RTEvalFilter(filter, E_RBTrue, nullptr, nullptr);
+}
+
+CZelBag *CZelTable::RTEvalFilter(CZelFilter *filter, __boolean partial, __boolean *all, CZelBag *input) {
+    return CZelFilterWalk(*this, partial == E_RBTrue).run(filter, input, all);
+}
+
+CZelBag *CZelTable::RTEvalBoolean(CZelBoolean *boolean) {
+    return RTEvalBoolean(boolean, nullptr, nullptr);
+}
+
+CZelBag *CZelTable::RTEvalBoolean(CZelBoolean *boolean, __boolean *evaluated, CZelBag *input) {
+    const bool isQuery = boolean->RBRvalType() == E_RBRQuery;
+    if (!isQuery && boolean->RBOperand() != E_RONone && boolean->RBEvalType() == E_RBEColumnColumn)
+        return RTEvalSelfJoin(boolean, evaluated, input);
+    setIfGiven(evaluated, E_RBTrue);
+    if (isQuery)
+        return RTEvalSubQuery(boolean, E_RBFalse, input);
+    if (boolean->RBOperand() == E_RONone)
+        return inputOrAllRows(input);
+    if (boolean->RBEvalType() == E_RBEValueValue)
+        return evalConstant(boolean, headOf(boolean->RBLeft()), headOf(boolean->RBRight()), input);
+    const __boolean reversed = ZelBool(boolean->RBEvalType() == E_RBEValueColumn);
+    CZelExpr *column = reversed == E_RBTrue ? boolean->RBRight() : boolean->RBLeft();
+    const CZelAtom *value = headOf(reversed == E_RBTrue ? boolean->RBLeft() : boolean->RBRight());
+    if (RTMatchSelfTest(entityOf(column)) == E_RBTrue)
+        return evalColumn(boolean, column, value, reversed, input);
+    setIfGiven(evaluated, E_RBFalse);
+    return nullptr;
+}
+
+CZelBag *CZelTable::evalConstant(CZelBoolean *boolean, const CZelAtom *left, const CZelAtom *right,
+                                 const CZelBag *input) {
+    return CZelBoolean::RBEvalExpr(left, right, boolean->RBOperand()) == E_RBTrue ? inputOrAllRows(input) : new CZelBag;
+}
+
+CZelBag *CZelTable::evalColumn(CZelBoolean *boolean, CZelExpr *column, const CZelAtom *value, __boolean reversed,
+                               CZelBag *input) {
+    const CZelAtom *name = entityOf(column)->RDEColNameAtom();
+    const bool isIndexed = name != nullptr && m_indexedColumns != nullptr && m_indexedColumns->RTLGet(name) != nullptr;
+    return isIndexed ? RTEvalIndexed(boolean, column, value, reversed, input)
+                     : RTEvalUnIndexed(boolean, column, value, reversed, input);
+}
+
+// A name without its table belongs to any table.
+__boolean CZelTable::RTMatchSelfTest(CZelDbEntity *entity) {
+    if (entity == nullptr || m_identifier == nullptr)
+        return E_RBFalse;
+    const char *ident = entity->RDEIdent();
+    return ZelBool(ident == nullptr || m_identifier->RATextView() == ident);
+}
+
+CZelBag *CZelTable::RTEvalIndexed(CZelBoolean *boolean, CZelExpr *column, const CZelAtom *value, __boolean reversed,
+                                  CZelBag *input) {
+    const EZelOper op = boolean->RBOperand();
+    const CZelAtom *name = entityOf(column) != nullptr ? entityOf(column)->RDEColNameAtom() : nullptr;
+    if (op > E_ROGreaterEqual || name == nullptr || m_objectStore == nullptr)
+        return RTEvalUnIndexed(boolean, column, value, reversed, input);
+    return m_objectStore->ROSQuery(*name, value, reversed == E_RBTrue ? mirrored(op) : op);
+}
+
+CZelBag *CZelTable::RTEvalSubQuery(CZelBoolean *boolean, __boolean joined, CZelBag *input) {
+    CZelQuery *query = boolean->RBRightQuery();
+    const SubQueryLevel level;
+    if (query == nullptr || query->RQSelection() == nullptr || m_store == nullptr)
+        ZEL_REPORT(E_RCBadArgument, "CZelTable::RTEvalSubQuery: a subquery that selects no column");
+    else if (joined == E_RBTrue)
+        ZEL_REPORT(E_RCUnsupported, "CZelTable::RTEvalSubQuery: joins are not carried out by this build");
+    else if (SubQueryLevel::isTooDeep())
+        ZEL_REPORT(E_RCUnsupported, "CZelTable::RTEvalSubQuery: subqueries are nested too deep");
+    else
+        return evalAgainst(boolean, *query, input);
+    return new CZelBag;
+}
+
+// The values of all rows make one list. The caller holds the store lock.
+CZelBag *CZelTable::evalAgainst(CZelBoolean *boolean, CZelQuery &query, CZelBag *input) {
+    EZelStoreErrorStatus status = E_RSEOk;
+    auto *values = new CZelAtomVector;
+    const CZelAtom list(values);
+    CZelBag *rows = m_store->RSExecSimpleQuery(&query, &status, E_RBFalse, E_RBFalse);
+    const CZelBag *selection = query.RQSelection();
+    for (const CZelPointer *node = selection->RBFirst(); rows != nullptr && node != nullptr;
+         node = CZelBag::RBNext(node))
+        collect(static_cast<const CZelExpr *>(node->RPData()), *rows, *values);
+    const bool owned = m_store->RSOwnResultsOfSimpleQry(&query);
+    const CZelBagGuard<CZelRecord> ownedRows(owned ? rows : nullptr);
+    if (!owned)
+        delete rows;
+    return RTEvalUnIndexed(boolean, boolean->RBLeft(), &list, E_RBFalse, input);
+}
