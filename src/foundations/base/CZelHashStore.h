@@ -1,4 +1,8 @@
-// A hash table from a text or an unsigned long to a pointer. It owns its keys, not the objects.
+// A hash table from a text or an unsigned long to a pointer. It owns its keys, not the objects. Every number is
+// a key, 0 and addresses included. A node is good until the store changes. A key of the other kind than the
+// store's is E_RCBadArgument, and is never found.
+//
+// Threads: no lock; several readers may look up while nobody changes.
 #pragma once
 
 #include "foundations/base/CZelHashNode.h"
@@ -23,10 +27,14 @@ public:
     int RHSDeleteObject(const char *key);  // 1 or E_RCNotInTree
     int RHSLength() const;
 
-    // A new stack of all objects, the caller's; the store is empty afterwards.
+    // A new stack of all objects in no given order, the caller's; the store is empty afterwards and can be
+    // filled again.
     CZelStack *RHSRetrieveAll();
 
 private:
     struct Table;
+    void freeKeys();
+    int addAtZero(void *object);
+
     Table *m_table;
 };

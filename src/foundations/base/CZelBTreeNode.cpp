@@ -1,0 +1,70 @@
+#include "foundations/base/CZelBTreeNode.h"
+
+#include "foundations/base/CZelObjectSet.h"
+
+CZelDoubleList *CZelBTreeNode::RBTNGetDataList() const {
+    return RBTNNodeHasList() == E_RBTrue ? objects()->list() : nullptr;
+}
+
+bool CZelBTreeNode::RBTNHolds(const void *other) const {
+    return hasSet() ? objects()->holds(other) : object() == other;
+}
+
+void CZelBTreeNode::set(void *first) {
+    m_word = reinterpret_cast<std::uintptr_t>(first);
+    if (hasSet())
+        makeSet(first);
+}
+
+bool CZelBTreeNode::add(void *more) {
+    if (!hasSet()) {
+        if (object() == more)
+            return false;
+        makeSet(object());
+    }
+    return objects()->add(more);
+}
+
+CZelBTreeNode::Removal CZelBTreeNode::remove(void *which) {
+    if (!hasSet())
+        return object() == which ? Removal::LEFT_NONE : Removal::ABSENT;
+    if (!objects()->remove(which))
+        return Removal::ABSENT;
+    if (objects()->length() > 1)
+        return Removal::LEFT_SOME;
+    bool isEmpty = objects()->length() == 0;
+    void *last = oldestOfSet();
+    release();
+    if (isEmpty)
+        return Removal::LEFT_NONE;
+    set(last);
+    return Removal::LEFT_SOME;
+}
+
+void CZelBTreeNode::release() {
+    if (hasSet())
+        delete objects();
+    m_word = 0;
+}
+
+void CZelBTreeNode::makeSet(void *object) {
+    CZelObjectSet *objects = new CZelObjectSet;
+    objects->add(object);
+    m_word = reinterpret_cast<std::uintptr_t>(objects) | SET;
+}
+
+void *CZelBTreeNode::onlyOfSet() const {
+    return countOfSet() == 1 ? oldestOfSet() : nullptr;
+}
+
+void *CZelBTreeNode::oldestOfSet() const {
+    return objects()->first();
+}
+
+unsigned int CZelBTreeNode::countOfSet() const {
+    return objects()->length();
+}
+
+void CZelBTreeNode::appendSetTo(CZelBag &bag) const {
+    objects()->appendTo(bag);
+}

@@ -1,0 +1,61 @@
+// The objects under one crowded key: a set of pointers in the order in which they came. Adding, removing and
+// asking for one take constant time; an object takes some 16 bytes.
+//
+// Objects stand in an array; a removed one leaves a gap, and gaps are closed when they are the greater part.
+// A set of more than a few has behind the array an open-addressing table from object to place.
+//
+// Threads: no lock; several readers may read while nobody changes, also when they ask for the list.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+#include "foundations/base/CZelPool.h"
+
+class CZelBag;
+class CZelDoubleList;
+
+class CZelObjectSet {
+public:
+    ZEL_POOLED
+
+    CZelObjectSet() = default;
+    CZelObjectSet(const CZelObjectSet &) = delete;
+    CZelObjectSet &operator=(const CZelObjectSet &) = delete;
+    ~CZelObjectSet();
+
+    bool add(void *object);     // false when it is there
+    bool remove(void *object);  // false when it is not there
+    bool holds(const void *object) const { return find(object) != NOWHERE; }
+    unsigned int length() const { return m_live; }
+    void *first() const;  // the oldest; null when empty
+    void appendTo(CZelBag &bag) const;
+
+    // The objects as CZelPointer, oldest first; the set's, good until it changes.
+    CZelDoubleList *list() const;
+
+private:
+    static constexpr std::uint32_t NOWHERE = 0xFFFFFFFFU;
+    static constexpr std::uint32_t MOST_UNINDEXED = 16;
+
+    static void *gap();
+    bool isIndexed() const { return m_places != 0; }
+    std::uint32_t *index() const { return reinterpret_cast<std::uint32_t *>(m_objects + m_capacity); }
+    std::uint32_t home(const void *object) const;
+    std::uint32_t after(std::uint32_t place) const { return (place + 1) & (m_places - 1); }
+    std::uint32_t findPlace(const void *object) const;
+    std::uint32_t find(const void *object) const;
+    void enter(std::uint32_t position);
+    void leave(std::uint32_t place);
+    void rebuild(std::uint32_t capacity);
+    void makeSpace();
+    void closeGaps();
+    void dropList();
+
+    void **m_objects = nullptr;  // m_capacity objects, then m_places numbers: a position + 1, 0 for none
+    std::uint32_t m_used = 0;    // objects and gaps
+    std::uint32_t m_live = 0;    // objects
+    std::uint32_t m_capacity = 0;
+    std::uint32_t m_places = 0;                              // a power of two; 0 without an index
+    mutable std::atomic<CZelDoubleList *> m_list = nullptr;  // made when asked for, dropped by a change
+};
