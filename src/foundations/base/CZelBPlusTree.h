@@ -11,6 +11,7 @@
 
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelBTreeNode.h"
+#include "foundations/base/CZelKeyTree.h"
 
 class CZelAtomVector;
 class CZelBag;
@@ -20,7 +21,6 @@ public:
     explicit CZelBPlusTree(bool degenerate);
     CZelBPlusTree(const CZelBPlusTree &) = delete;
     CZelBPlusTree &operator=(const CZelBPlusTree &) = delete;
-    ~CZelBPlusTree();
 
     // 1, or E_RCKeyExists when a unique tree has another object under this non-null key. `flag` has no effect.
     int RBPTAddObjectToTree(const CZelAtom *key, void *object, bool flag);
@@ -28,19 +28,36 @@ public:
     // Removes exactly this object under this key; 1 or E_RCNotInTree.
     int RBPTLiteralDeleteObjectInTree(const CZelAtom *key, void *object);
 
-    CZelBTreeNode *RBPTGetNodeForKey(const CZelAtom *key) const;  // null when the key is absent
+    // The tree's, good until it changes; null when the key is absent.
+    CZelBTreeNode *RBPTGetNodeForKey(const CZelAtom *key) const;
 
     // A new bag of the objects whose key stands in relation `op` to `key`, in key order and, under one key,
     // in the order in which they were added; null when nothing matches. `= null` gives the objects under the
-    // null key, `<> value` includes them (first), ranges never do. Only the six relational operators.
+    // null key, `<> value` includes them (first), ranges never do. A range holds only keys of the value's type,
+    // all numbers being of one type. Only the six relational operators.
     CZelBag *RBPTComputeQueryOp(const CZelAtom *key, EZelOper op) const;
+
+    // The same without a bag of its own, or by number alone. RBPTCountQuery builds nothing and takes no time for
+    // `=` and `<>`; for a range it walks the result.
+    int RBPTAppendQuery(const CZelAtom *key, EZelOper op, CZelBag &bag) const;  // gives how many were appended
+    int RBPTCountQuery(const CZelAtom *key, EZelOper op) const;
+
+    // The oldest object under a key, in a unique tree the only one under a non-null key; null when absent.
+    void *RBPTFindSingle(const CZelAtom *key) const;
+    bool RBPTHasKey(const CZelAtom *key) const { return RBPTGetNodeForKey(key) != nullptr; }
 
     CZelAtomVector *RBPTTreeKeysToAtomVector() const;  // new, in order; the null key is an undefined atom
     __boolean RBPTIsDegenerate() const { return ZelBool(m_degenerate); }
-    __boolean RBPTIsEmpty() const;
+    __boolean RBPTIsEmpty() const { return ZelBool(m_length == 0); }
+    int RBPTLength() const { return m_length; }  // in objects
 
 private:
-    struct Impl;
+    struct Stretch;
+    struct Answer;
+    Stretch range(const CZelAtom &key, EZelOper op) const;
+    Answer answer(const CZelAtom *key, EZelOper op) const;
+
     bool m_degenerate;
-    Impl *m_impl;
+    int m_length = 0;
+    CZelKeyTree m_tree;
 };

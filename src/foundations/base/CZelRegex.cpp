@@ -10,6 +10,7 @@
 namespace {
 
 constexpr int64_t MOST_MEMORY = 16 << 20;
+constexpr int MOST_GROUPS = 10;  // with the whole match; each takes memory for every place in the pattern
 
 RE2::Options options(RE2::Options::Encoding encoding) {
     RE2::Options result;
@@ -28,6 +29,10 @@ std::unique_ptr<RE2> compile(const char *pattern) {
     return compiled;
 }
 
+std::size_t groupsToKeep(const RE2 &pattern) {
+    return static_cast<std::size_t>(std::min(pattern.NumberOfCapturingGroups() + 1, MOST_GROUPS));
+}
+
 }  // namespace
 
 struct CZelRegex::Impl {
@@ -40,7 +45,7 @@ CZelRegex::CZelRegex(const char *pattern, int) : m_impl(new Impl) {
         return;
     m_impl->m_pattern = compile(pattern);
     if (m_impl->m_pattern->ok())
-        m_impl->m_groups.resize(static_cast<std::size_t>(m_impl->m_pattern->NumberOfCapturingGroups()) + 1);
+        m_impl->m_groups.resize(groupsToKeep(*m_impl->m_pattern));
 }
 
 CZelRegex::~CZelRegex() {

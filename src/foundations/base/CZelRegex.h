@@ -19,8 +19,8 @@ public:
     // Searches the text, which stays alive while captures are read. Non-zero on a match.
     int RRStep(const char *text);
 
-    // Start and end of sub-expression n of the last match (0 is the whole match), into the text; null when
-    // it took no part.
+    // Start and end of sub-expression n of the last match (0 is the whole match, 9 the last that is kept),
+    // into the text; null when it took no part.
     const char *SubExprStart(int n) const;
     const char *SubExprEnd(int n) const;
 

@@ -6,6 +6,7 @@
 
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelDoubleList.h"
+#include "foundations/base/CZelKeyTree.h"
 #include "foundations/base/CZelPointer.h"
 
 class CZelAtomVector;
@@ -15,10 +16,9 @@ public:
     explicit CZelTreeList(__boolean flag);  // E_RBFalse everywhere
     CZelTreeList(const CZelTreeList &) = delete;
     CZelTreeList &operator=(const CZelTreeList &) = delete;
-    ~CZelTreeList();
 
-    // Adds; 1, or E_RCDuplicate when the key is there (nothing changes; a ready node stays the caller's).
-    // The key is copied. The flag is true.
+    // Adds; 1, E_RCDuplicate when the key is there, or E_RCBadArgument for a null key or node. After a failure
+    // nothing has changed and a ready node stays the caller's. The key is copied. The flag is true.
     int RTLAdd(const CZelAtom *key, void *data, bool flag);
     int RTLAdd(const CZelAtom *key, CZelPointer *node, bool flag);
     int RTLAdd(const char *key, void *data);
@@ -34,17 +34,13 @@ public:
 
     int RTLDelete(const CZelAtom *key);  // removes key and node, not the data; 1 or E_RCNotInTree
 
-    // The nodes themselves, in key order; the tree's.
+    // The nodes themselves, in key order; the tree's, changed by nobody else.
     CZelDoubleList *RTLIterator() const { return const_cast<CZelDoubleList *>(&m_nodes); }
     CZelAtomVector *RTLGetKeys() const;  // new, key copies
     int RTLLength() const { return m_nodes.RDLLength(); }
     void RTLEmptyTree();
 
 private:
-    struct Entry;
-    Entry *find(const CZelAtom &key) const;
-    int insert(const CZelAtom &key, CZelPointer *node);
-
-    Entry *m_root = nullptr;
+    CZelKeyTree m_tree;  // key -> the node
     CZelDoubleList m_nodes;
 };

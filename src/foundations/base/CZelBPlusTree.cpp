@@ -1,0 +1,52 @@
+#include "foundations/base/CZelBPlusTree.h"
+
+#include "foundations/base/CZelAtomVector.h"
+#include "foundations/base/CZelKeyTree_nodes.h"
+#include "foundations/port/ZelCodes.h"
+
+namespace {
+
+// The null key stands first in the tree, as an undefined atom.
+const CZelAtom &keyOrNull(const CZelAtom *key) {
+    static const CZelAtom null;
+    return key == nullptr ? null : *key;
+}
+
+}  // namespace
+
+CZelBPlusTree::CZelBPlusTree(bool degenerate) : m_degenerate(degenerate) {}
+
+int CZelBPlusTree::RBPTAddObjectToTree(const CZelAtom *key, void *object, bool) {
+    bool isNew = false;
+    CZelBTreeNode &entry = m_tree.RKTAdd(keyOrNull(key), object, &isNew).entry();
+    if (!isNew) {
+        if (!m_degenerate && !CZelAtom::RAIsNull(key))
+            return entry.RBTNHolds(object) ? E_RCOk : E_RCKeyExists;
+        isNew = entry.add(object);
+    }
+    m_length += isNew ? 1 : 0;
+    return E_RCOk;
+}
+
+int CZelBPlusTree::RBPTLiteralDeleteObjectInTree(const CZelAtom *key, void *object) {
+    if (!m_tree.RKTRemove(keyOrNull(key), object))
+        return E_RCNotInTree;
+    --m_length;
+    return E_RCOk;
+}
+
+CZelBTreeNode *CZelBPlusTree::RBPTGetNodeForKey(const CZelAtom *key) const {
+    return m_tree.RKTFind(keyOrNull(key));
+}
+
+void *CZelBPlusTree::RBPTFindSingle(const CZelAtom *key) const {
+    const CZelBTreeNode *entry = RBPTGetNodeForKey(key);
+    return entry == nullptr ? nullptr : entry->RBTNOldest();
+}
+
+CZelAtomVector *CZelBPlusTree::RBPTTreeKeysToAtomVector() const {
+    CZelAtomVector *keys = new CZelAtomVector(static_cast<unsigned int>(m_tree.RKTLength()));
+    for (CZelKeyTree::Place place = m_tree.RKTFirst(); !place.isEnd(); place.next())
+        keys->RAVAddToEnd(new CZelAtom(place.key()));
+    return keys;
+}

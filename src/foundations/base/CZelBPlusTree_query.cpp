@@ -1,0 +1,82 @@
+// Queries of an index tree: each operator is at most two stretches of entries, found by descent.
+//
+// Only keys of one type are less or greater than each other, where all numbers are of one type. So a range ends
+// where the keys of another type begin; null is less or greater than nothing.
+#include "foundations/base/CZelBPlusTree.h"
+#include "foundations/base/CZelBag.h"
+#include "foundations/base/CZelKeyTree_nodes.h"
+
+using Place = CZelKeyTree::Place;
+
+struct CZelBPlusTree::Stretch {
+    Place from = CZelKeyTree::RKTEnd();
+    Place to = CZelKeyTree::RKTEnd();
+};
+
+struct CZelBPlusTree::Answer {
+    Stretch first;
+    Stretch second;
+};
+
+CZelBPlusTree::Stretch CZelBPlusTree::range(const CZelAtom &key, EZelOper op) const {
+    if (key.RAIsUndefined())
+        return {};
+    switch (op) {
+        case E_ROLess:
+            return {m_tree.RKTStartOfType(key), m_tree.RKTFrom(key)};
+        case E_ROLessEqual:
+            return {m_tree.RKTStartOfType(key), m_tree.RKTBehind(key)};
+        case E_ROGreater:
+            return {m_tree.RKTBehind(key), m_tree.RKTEndOfType(key)};
+        case E_ROGreaterEqual:
+            return {m_tree.RKTFrom(key), m_tree.RKTEndOfType(key)};
+        default:
+            return {};
+    }
+}
+
+CZelBPlusTree::Answer CZelBPlusTree::answer(const CZelAtom *key, EZelOper op) const {
+    static const CZelAtom null;
+    const CZelAtom &value = key == nullptr ? null : *key;
+    switch (op) {
+        case E_ROEqual:
+            return {{m_tree.RKTFrom(value), m_tree.RKTBehind(value)}, {}};
+        case E_RONotEqual:
+            return {{m_tree.RKTFirst(), m_tree.RKTFrom(value)}, {m_tree.RKTBehind(value), CZelKeyTree::RKTEnd()}};
+        default:
+            return {range(value, op), {}};
+    }
+}
+
+int CZelBPlusTree::RBPTAppendQuery(const CZelAtom *key, EZelOper op, CZelBag &bag) const {
+    int before = bag.RBLength();
+    if (op == E_ROEqual) {
+        const CZelBTreeNode *entry = RBPTGetNodeForKey(key);
+        if (entry != nullptr)
+            entry->RBTNAppendTo(bag);
+    } else {
+        Answer found = answer(key, op);
+        CZelKeyTree::RKTAppend(found.first.from, found.first.to, bag);
+        CZelKeyTree::RKTAppend(found.second.from, found.second.to, bag);
+    }
+    return bag.RBLength() - before;
+}
+
+CZelBag *CZelBPlusTree::RBPTComputeQueryOp(const CZelAtom *key, EZelOper op) const {
+    CZelBag *bag = new CZelBag;
+    if (RBPTAppendQuery(key, op, *bag) != 0)
+        return bag;
+    delete bag;
+    return nullptr;
+}
+
+int CZelBPlusTree::RBPTCountQuery(const CZelAtom *key, EZelOper op) const {
+    const CZelBTreeNode *entry = op > E_RONotEqual ? nullptr : RBPTGetNodeForKey(key);
+    int equal = entry == nullptr ? 0 : static_cast<int>(entry->RBTNCount());
+    if (op == E_ROEqual)
+        return equal;
+    if (op == E_RONotEqual)
+        return RBPTLength() - equal;
+    Stretch stretch = answer(key, op).first;
+    return static_cast<int>(CZelKeyTree::RKTCount(stretch.from, stretch.to));
+}

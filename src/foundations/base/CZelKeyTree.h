@@ -1,0 +1,110 @@
+// An ordered map from key atoms to tree entries: what index trees and dictionaries are made of.
+//
+// Keys are ordered as RALex orders them and copied in; two keys that it calls equal are one. It is a B+ tree:
+// the entries lie in leaves of up to 64, linked in key order, and nodes of the same shape lead down to them.
+// A leaf has memory for little more than it holds; keys that come in rising or falling order fill leaves
+// wholly, and a node that has become small joins its neighbour. A tree of a few keys is one small block.
+//
+// Threads: no lock; several readers may look up and walk while nobody changes.
+#pragma once
+
+#include <cstddef>
+
+#include "foundations/base/CZelAtom.h"
+#include "foundations/base/CZelBTreeNode.h"
+#include "foundations/port/ZelExport.h"
+
+class QUINTOR_API CZelKeyTree {
+    struct Item;
+    struct Node;
+
+public:
+    // A place among the entries in key order, good until the tree changes. What it gives is not asked for at
+    // the end.
+    class QUINTOR_API Place {
+    public:
+        bool isEnd() const { return m_leaf == nullptr; }
+        const CZelAtom &key() const;
+        CZelBTreeNode &entry() const;
+        void next();
+        bool operator==(const Place &other) const = default;
+
+    private:
+        friend class CZelKeyTree;
+        Place(const Node *leaf, unsigned int index) : m_leaf(leaf), m_index(index) {}
+        const Node *m_leaf;
+        unsigned int m_index;
+    };
+
+    CZelKeyTree() = default;
+    CZelKeyTree(const CZelKeyTree &) = delete;
+    CZelKeyTree &operator=(const CZelKeyTree &) = delete;
+    ~CZelKeyTree() { RKTEmpty(); }
+
+    std::size_t RKTLength() const { return m_length; }  // in keys
+
+    // The entry of a key, or null.
+    CZelBTreeNode *RKTFind(const CZelAtom &key) const;
+
+    Place RKTFirst() const;
+    static Place RKTEnd() { return {nullptr, 0}; }
+    Place RKTFrom(const CZelAtom &key) const;    // the first entry whose key is not less
+    Place RKTBehind(const CZelAtom &key) const;  // the first entry whose key is greater
+
+    // Where the entries begin and end whose keys can be less or greater than `key`: those of its type, all numbers
+    // being of one type.
+    Place RKTStartOfType(const CZelAtom &key) const;
+    Place RKTEndOfType(const CZelAtom &key) const;
+
+    // All objects of the entries in [from, to): appended to a bag, or counted.
+    static void RKTAppend(Place from, Place to, CZelBag &bag);
+    static std::size_t RKTCount(Place from, Place to);
+
+    // The entry of a key, made for `object` alone when there was none.
+    Place RKTAdd(const CZelAtom &key, void *object, bool *isNew);
+
+    // Takes the object from the entry of the key, and the entry out when it was the only one; false when it does
+    // not stand there.
+    bool RKTRemove(const CZelAtom &key, void *object);
+
+    void RKTEmpty();
+
+private:
+    struct Way;
+    union Loose;
+    class Wanted;
+
+    // Looking up.
+    bool descend(const Wanted &wanted, Way &way) const;
+    static const Item *findByAddress(const Node *node, const CZelAtom &name);
+    template <class Before>
+    Place firstNot(Before before) const;
+
+    // Nodes by themselves.
+    static unsigned int spaceFor(unsigned int count);
+    static Node *makeNode(unsigned int capacity);
+    static Node *resize(Node *node, unsigned int capacity);
+    static void insertItem(Node *node, unsigned int index, Item &item);
+    static void removeItem(Node *node, unsigned int index);
+    static void moveItems(Node *from, unsigned int index, Node *to);
+    static void linkBehind(Node *node, Node *right);
+    static void dropNode(Node *node);
+    static void freeNode(Node *node, unsigned int depth);
+
+    // Changes along a way.
+    Node *&slot(Way &way, unsigned int level);
+    Place insert(Way &way, Item &item);
+    Place put(Way &way, unsigned int level, unsigned int index, Item &item, Node **right);
+    Node *split(Way &way, unsigned int level, unsigned int index);
+    static CZelAtom separator(const CZelAtom &left, const CZelAtom &right);
+    static CZelAtom lowKey(const Node *left, Node *right, bool areLeaves);
+    void growRoot(Item &right);
+    void tidy(Way &way);
+    bool joinNeighbour(Way &way, unsigned int level);
+    static void join(Node *parent, unsigned int index, bool areLeaves);
+    void shortenRoot();
+
+    Node *m_root = nullptr;
+    unsigned int m_depth = 0;  // levels above the leaves
+    std::size_t m_length = 0;
+};

@@ -1,0 +1,260 @@
+// Adding to and removing from a key tree. A full node splits: in the middle, or at its end when it is the last
+// leaf and the new key comes behind all others, so that rising keys leave full leaves behind; falling keys
+// likewise. The key that tells two leaves apart is cut to the bytes that do so.
+#include <algorithm>
+#include <cassert>
+#include <cstdlib>
+#include <utility>
+
+#include "foundations/base/CZelKeyTree.h"
+#include "foundations/base/CZelKeyTree_nodes.h"
+#include "foundations/base/ZelMalloc.h"
+
+// Space grows in quarters of a full node, and in halves below one.
+unsigned int CZelKeyTree::spaceFor(unsigned int count) {
+    constexpr unsigned int QUARTER = Node::MOST / 4;
+    constexpr unsigned int FIRST = 4;
+    if (count > QUARTER)
+        return (count + QUARTER - 1) / QUARTER * QUARTER;
+    return std::max(std::bit_ceil(count), FIRST);
+}
+
+CZelKeyTree::Node *CZelKeyTree::makeNode(unsigned int capacity) {
+    void *block = ZelMalloc(sizeof(Node) + capacity * sizeof(Item));
+    return new (block) Node{nullptr, nullptr, 0, static_cast<std::uint16_t>(capacity)};
+}
+
+// Gives the node another capacity. It may move: its neighbours learn that here, its parent through the caller.
+CZelKeyTree::Node *CZelKeyTree::resize(Node *node, unsigned int capacity) {
+    node = static_cast<Node *>(ZelRealloc(node, sizeof(Node) + capacity * sizeof(Item)));
+    node->capacity = static_cast<std::uint16_t>(capacity);
+    if (node->prev != nullptr)
+        node->prev->next = node;
+    if (node->next != nullptr)
+        node->next->prev = node;
+    return node;
+}
+
+// Moves the item in: the caller's is no longer an object.
+void CZelKeyTree::insertItem(Node *node, unsigned int index, Item &item) {
+    Item *place = node->items() + index;
+    std::memmove(static_cast<void *>(place + 1), static_cast<void *>(place), (node->count - index) * sizeof(Item));
+    std::memcpy(static_cast<void *>(place), static_cast<void *>(&item), sizeof(Item));
+    ++node->count;
+}
+
+void CZelKeyTree::removeItem(Node *node, unsigned int index) {
+    Item *place = node->items() + index;
+    place->key.~CZelAtom();
+    --node->count;
+    std::memmove(static_cast<void *>(place), static_cast<void *>(place + 1), (node->count - index) * sizeof(Item));
+}
+
+// Moves the items from `index` on behind those of another node.
+void CZelKeyTree::moveItems(Node *from, unsigned int index, Node *to) {
+    unsigned int moved = from->count - index;
+    std::memcpy(static_cast<void *>(to->items() + to->count), static_cast<void *>(from->items() + index),
+                moved * sizeof(Item));
+    to->count = static_cast<std::uint16_t>(to->count + moved);
+    from->count = static_cast<std::uint16_t>(index);
+}
+
+// A short key that is greater than `left` and not greater than `right`.
+CZelAtom CZelKeyTree::separator(const CZelAtom &left, const CZelAtom &right) {
+    if (left.RAType() != E_RDTText || right.RAType() != E_RDTText)
+        return right;
+    std::string_view low = left.RATextView();
+    std::string_view high = right.RATextView();
+    auto common =
+        static_cast<std::size_t>(std::mismatch(low.begin(), low.end(), high.begin(), high.end()).first - low.begin());
+    return CZelAtom(high.data(), std::min(common + 1, high.size()));
+}
+
+// Where the pointer to the way's node of this level lies.
+CZelKeyTree::Node *&CZelKeyTree::slot(Way &way, unsigned int level) {
+    if (level == 0)
+        return m_root;
+    return way.nodes[level - 1]->items()[way.indexes[level - 1]].child;
+}
+
+CZelKeyTree::Place CZelKeyTree::RKTAdd(const CZelAtom &key, void *object, bool *isNew) {
+    if (m_root == nullptr)
+        m_root = makeNode(spaceFor(1));
+    Way way;
+    *isNew = !descend(Wanted(key), way);
+    if (!*isNew)
+        return {way.nodes[m_depth], way.indexes[m_depth]};
+    ++m_length;
+    Loose loose;
+    new (&loose.item.key) CZelAtom(key);
+    loose.item.entry.set(object);
+    return insert(way, loose.item);
+}
+
+// Puts the item where the way ends. While nodes split, their new right parts go into the nodes above.
+CZelKeyTree::Place CZelKeyTree::insert(Way &way, Item &item) {
+    unsigned int level = m_depth;
+    Node *right = nullptr;
+    Place place = put(way, level, way.indexes[level], item, &right);
+    while (right != nullptr) {
+        Loose branch;
+        new (&branch.item.key) CZelAtom(lowKey(way.nodes[level], right, level == m_depth));
+        branch.item.child = right;
+        right = nullptr;
+        if (level == 0)
+            growRoot(branch.item);
+        else
+            put(way, level - 1, way.indexes[level - 1] + 1, branch.item, &right);
+        --level;
+    }
+    return place;
+}
+
+// Puts the item at this index of the way's node, which gives a part to *right if it is full.
+CZelKeyTree::Place CZelKeyTree::put(Way &way, unsigned int level, unsigned int index, Item &item, Node **right) {
+    Node *&node = way.nodes[level];
+    if (node->count == Node::MOST)
+        *right = split(way, level, index);
+    else if (node->count == node->capacity)
+        node = slot(way, level) = resize(node, spaceFor(node->count + 1U));
+    bool goesRight = *right != nullptr && (index > node->count || index == Node::MOST);
+    Node *target = goesRight ? *right : node;
+    if (goesRight)
+        index -= node->count;
+    insertItem(target, index, item);
+    return {target, index};
+}
+
+// Gives the way's node a new right neighbour, both with room for the item that is to stand at `index`.
+CZelKeyTree::Node *CZelKeyTree::split(Way &way, unsigned int level, unsigned int index) {
+    Node *node = way.nodes[level];
+    unsigned int kept = Node::MOST / 2;
+    if (index == Node::MOST && node->next == nullptr)
+        kept = Node::MOST;
+    else if (index == 0 && node->prev == nullptr)
+        kept = 0;
+    Node *right = makeNode(spaceFor(Node::MOST - kept + 1));
+    moveItems(node, kept, right);
+    if (level == m_depth)
+        linkBehind(node, right);
+    if (kept != Node::MOST)
+        way.nodes[level] = slot(way, level) = resize(node, spaceFor(kept + 1));
+    return right;
+}
+
+void CZelKeyTree::linkBehind(Node *node, Node *right) {
+    right->prev = node;
+    right->next = node->next;
+    if (right->next != nullptr)
+        right->next->prev = right;
+    node->next = right;
+}
+
+// The key for the parent of a node that has just split. Above the leaves the first key of the right part is of no
+// use there any more.
+CZelAtom CZelKeyTree::lowKey(const Node *left, Node *right, bool areLeaves) {
+    CZelAtom &first = right->items()[0].key;
+    return areLeaves ? separator(left->items()[left->count - 1].key, first) : CZelAtom(std::move(first));
+}
+
+void CZelKeyTree::growRoot(Item &right) {
+    Loose left;
+    new (&left.item.key) CZelAtom();
+    left.item.child = m_root;
+    m_root = makeNode(spaceFor(2));
+    insertItem(m_root, 0, left.item);
+    insertItem(m_root, 1, right);
+    ++m_depth;
+    assert(m_depth < Way::LONGEST);
+}
+
+bool CZelKeyTree::RKTRemove(const CZelAtom &key, void *object) {
+    Way way;
+    if (m_root == nullptr || !descend(Wanted(key), way))
+        return false;
+    Node *leaf = way.nodes[m_depth];
+    unsigned int index = way.indexes[m_depth];
+    CZelBTreeNode::Removal removal = leaf->items()[index].entry.remove(object);
+    if (removal == CZelBTreeNode::Removal::LEFT_NONE) {
+        removeItem(leaf, index);
+        --m_length;
+        tidy(way);
+    }
+    return removal != CZelBTreeNode::Removal::ABSENT;
+}
+
+// The leaf at the end of the way has lost an item. Frees a node that is empty, joins one that is small, and goes
+// on with the parent, which then lost an item too.
+void CZelKeyTree::tidy(Way &way) {
+    for (unsigned int level = m_depth; level > 0; --level) {
+        Node *node = way.nodes[level];
+        if (node->count == 0) {
+            removeItem(way.nodes[level - 1], way.indexes[level - 1]);
+            dropNode(node);
+        } else if (node->count >= Node::FEW || !joinNeighbour(way, level)) {
+            return;
+        }
+    }
+    shortenRoot();
+}
+
+void CZelKeyTree::shortenRoot() {
+    while (m_depth > 0 && m_root->count == 1) {
+        Node *child = m_root->items()[0].child;
+        removeItem(m_root, 0);
+        dropNode(m_root);
+        m_root = child;
+        --m_depth;
+    }
+    if (m_root->count == 0)
+        RKTEmpty();
+}
+
+bool CZelKeyTree::joinNeighbour(Way &way, unsigned int level) {
+    Node *parent = way.nodes[level - 1];
+    unsigned int own = way.indexes[level - 1];
+    for (unsigned int right = own == 0 ? 1 : own; right <= own + 1 && right < parent->count; ++right) {
+        const Item *pair = parent->items() + right - 1;
+        if (pair[0].child->count + pair[1].child->count <= static_cast<int>(Node::MOST_JOINED)) {
+            join(parent, right, level == m_depth);
+            return true;
+        }
+    }
+    return false;
+}
+
+// Moves the items of a child into the one on its left.
+void CZelKeyTree::join(Node *parent, unsigned int index, bool areLeaves) {
+    Node *&left = parent->items()[index - 1].child;
+    Node *right = parent->items()[index].child;
+    unsigned int count = left->count + right->count;
+    if (left->capacity < count)
+        left = resize(left, spaceFor(count));
+    if (!areLeaves)
+        right->items()[0].key = std::move(parent->items()[index].key);
+    moveItems(right, 0, left);
+    removeItem(parent, index);
+    dropNode(right);
+}
+
+// Frees a node without items.
+void CZelKeyTree::dropNode(Node *node) {
+    if (node->prev != nullptr)
+        node->prev->next = node->next;
+    if (node->next != nullptr)
+        node->next->prev = node->prev;
+    std::free(node);
+}
+
+// Frees a node with all below it.
+void CZelKeyTree::freeNode(Node *node, unsigned int depth) {
+    for (unsigned int i = 0; i < node->count; ++i) {
+        Item &item = node->items()[i];
+        item.key.~CZelAtom();
+        if (depth == 0)
+            item.entry.release();
+        else
+            freeNode(item.child, depth - 1);
+    }
+    std::free(node);
+}
