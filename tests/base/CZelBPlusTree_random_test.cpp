@@ -1,0 +1,165 @@
+// Index trees beside a plain map from key to objects. A query's answer is what a walk over all keys gives that
+// asks each of them by RAEvalRelop: an indexed column answers as an unindexed one.
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "base/TreeKeys.h"
+#include "foundations/base/CZelBPlusTree.h"
+#include "foundations/base/CZelBag.h"
+#include "foundations/port/ZelCodes.h"
+
+namespace {
+
+using Objects = std::vector<void *>;
+
+class BPlusTreeRandomTest : public testing::TestWithParam<bool> {
+protected:
+    bool isDegenerate() const { return GetParam(); }
+
+    int addToModel(const CZelAtom &key, void *object) {
+        Objects &objects = m_model[key];
+        if (std::find(objects.begin(), objects.end(), object) != objects.end())
+            return E_RCOk;
+        if (!isDegenerate() && !key.RAIsUndefined() && !objects.empty())
+            return E_RCKeyExists;
+        objects.push_back(object);
+        ++m_length;
+        return E_RCOk;
+    }
+    int removeFromModel(const CZelAtom &key, void *object) {
+        auto place = m_model.find(key);
+        if (place == m_model.end())
+            return E_RCNotInTree;
+        auto found = std::find(place->second.begin(), place->second.end(), object);
+        if (found == place->second.end())
+            return E_RCNotInTree;
+        place->second.erase(found);
+        --m_length;
+        if (place->second.empty())
+            m_model.erase(place);
+        return E_RCOk;
+    }
+    Objects askModel(EZelOper op, const CZelAtom &value) const {
+        Objects answer;
+        for (const auto &[key, objects] : m_model) {
+            if (holds(key, op, value))
+                answer.insert(answer.end(), objects.begin(), objects.end());
+        }
+        return answer;
+    }
+    static bool holds(const CZelAtom &key, EZelOper op, const CZelAtom &value) {
+        if (key.RAIsUndefined() || value.RAIsUndefined())
+            return op <= E_RONotEqual && (key.RAIsUndefined() && value.RAIsUndefined()) == (op == E_ROEqual);
+        return key.RAEvalRelop(op, &value) == E_RBTrue;
+    }
+
+    void step(TestRandom &random, const CZelAtom &key, bool growing) {
+        void *object = &m_objects[random.below(OBJECTS)];
+        const CZelAtom *argument = key.RAIsUndefined() && random.oneIn(2) ? nullptr : &key;
+        if (random.below(4) < (growing ? 3U : 1U))
+            ASSERT_EQ(addToModel(key, object), m_tree.RBPTAddObjectToTree(argument, object, random.oneIn(2)));
+        else
+            ASSERT_EQ(removeFromModel(key, object), m_tree.RBPTLiteralDeleteObjectInTree(argument, object));
+        ASSERT_EQ(m_length, m_tree.RBPTLength());
+    }
+    void compareAnswers(const CZelAtom &value) {
+        for (int op = E_ROEqual; op <= E_ROGreaterEqual; ++op) {
+            Objects expected = askModel(static_cast<EZelOper>(op), value);
+            CZelBag bag;
+            int count = m_tree.RBPTAppendQuery(&value, static_cast<EZelOper>(op), bag);
+            Objects found;
+            for (const CZelPointer *node = bag.RBFirst(); node != nullptr; node = CZelBag::RBNext(node))
+                found.push_back(node->RPData());
+            ASSERT_EQ(expected, found) << op;
+            ASSERT_EQ(count, m_tree.RBPTCountQuery(&value, static_cast<EZelOper>(op)));
+        }
+    }
+    void compareNode(const CZelAtom &key) {
+        auto place = m_model.find(key);
+        const CZelBTreeNode *node = m_tree.RBPTGetNodeForKey(&key);
+        ASSERT_EQ(place == m_model.end(), node == nullptr);
+        if (node == nullptr)
+            return;
+        const Objects &objects = place->second;
+        ASSERT_EQ(objects.size(), node->RBTNCount());
+        ASSERT_EQ(ZelBool(objects.size() > 1), node->RBTNNodeHasList());
+        ASSERT_EQ(objects.size() == 1 ? objects[0] : nullptr, node->RBTNGetData());
+        ASSERT_EQ(objects[0], m_tree.RBPTFindSingle(&key));
+        ASSERT_TRUE(node->RBTNHolds(objects.back()));
+        ASSERT_FALSE(node->RBTNHolds(this));
+    }
+    void compareKeys() {
+        std::unique_ptr<CZelAtomVector> keys(m_tree.RBPTTreeKeysToAtomVector());
+        ASSERT_EQ(m_model.size(), keys->RAVSize());
+        unsigned int i = 0;
+        for (const auto &entry : m_model)
+            ASSERT_EQ(0, keys->RAVGetValue(i++)->RALex(&entry.first, nullptr));
+    }
+    // Growing and shrinking in turns, at last to nothing.
+    void play(TestRandom &random, unsigned variety, unsigned steps) {
+        TreeKeys keys(random, variety);
+        for (unsigned i = 0; i < steps && !HasFatalFailure(); ++i) {
+            CZelAtom key = random.oneIn(40) ? CZelAtom() : keys.key();
+            step(random, key, i / 20000 % 3 != 2);
+            if (i % 97 == 0)
+                compareNode(key);
+            if (i % 4999 == 0)
+                compareAnswers(keys.key());
+        }
+        compareKeys();
+        removeAll(random);
+    }
+    void removeAll(TestRandom &random) {
+        while (!m_model.empty() && !HasFatalFailure()) {
+            auto place = m_model.begin();
+            std::advance(place, random.below(static_cast<unsigned>(std::min<std::size_t>(m_model.size(), 40))));
+            CZelAtom key(place->first);
+            void *object = place->second[random.below(static_cast<unsigned>(place->second.size()))];
+            ASSERT_EQ(removeFromModel(key, object), m_tree.RBPTLiteralDeleteObjectInTree(&key, object));
+        }
+        ASSERT_EQ(E_RBTrue, m_tree.RBPTIsEmpty());
+    }
+
+    static constexpr unsigned OBJECTS = 5000;
+    long m_objects[OBJECTS] = {};
+    std::map<CZelAtom, Objects, LessByLex> m_model;
+    int m_length = 0;
+    CZelBPlusTree m_tree{GetParam()};
+};
+
+TEST_P(BPlusTreeRandomTest, AgreesWithAPlainMapOverManyKeys) {
+    TestRandom random;
+    play(random, 30000, 200000);
+}
+
+TEST_P(BPlusTreeRandomTest, AgreesWithAPlainMapOverFewCrowdedKeys) {
+    TestRandom random;
+    play(random, 3, 100000);
+}
+
+TEST_P(BPlusTreeRandomTest, KeysInRisingAndFallingOrderAreAllFound) {
+    for (bool rising : {true, false}) {
+        for (int i = 0; i < 100000; ++i) {
+            CZelAtom key(rising ? i : 99999 - i);
+            ASSERT_EQ(E_RCOk, m_tree.RBPTAddObjectToTree(&key, &m_objects[key.RAInt() % OBJECTS], false));
+        }
+        for (int i = 0; i < 100000; i += 701) {
+            CZelAtom key(i);
+            ASSERT_EQ(&m_objects[i % static_cast<int>(OBJECTS)], m_tree.RBPTFindSingle(&key));
+            ASSERT_EQ(i, m_tree.RBPTCountQuery(&key, E_ROLess));
+        }
+        for (int i = 0; i < 100000; ++i) {
+            CZelAtom key(rising ? i : 99999 - i);
+            ASSERT_EQ(E_RCOk, m_tree.RBPTLiteralDeleteObjectInTree(&key, &m_objects[key.RAInt() % OBJECTS]));
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, BPlusTreeRandomTest, testing::Bool(),
+                         [](const auto &kind) { return kind.param ? "Degenerate" : "Unique"; });
+
+}  // namespace
