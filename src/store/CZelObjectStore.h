@@ -6,7 +6,9 @@
 // Threads: no lock of its own. A change needs the store lock as writer; several readers may query.
 #pragma once
 
-#include "foundations/base/CZelPool.h"
+#include <cstddef>
+#include <vector>
+
 #include "foundations/base/ZelEnums.h"
 #include "foundations/port/ZelExport.h"
 
@@ -15,9 +17,15 @@ class CZelBPlusTree;
 class CZelBTreeNode;
 class CZelBag;
 class CZelDoubleList;
-class CZelPointer;
 class CZelRecord;
 class CZelTreeList;
+
+// What a row has in one column, and the column's tree (null: it has none).
+struct SZelIndexValue {
+    CZelBPlusTree *m_tree;
+    const CZelAtom *m_value;   // null: the row has no value, which stands under the null key
+    const CZelAtom *m_column;  // its name
+};
 
 class QUINTOR_API CZelObjectStore {
 public:
@@ -55,12 +63,29 @@ public:
 
     CZelBPlusTree *ROSTree(const CZelAtom &column) const;  // the column's tree, or null; the store's
 
+    // --- the same steps over columns whose trees the caller has at hand ---
+
+    CZelBPlusTree *ROSTreeFor(const CZelAtom &column);  // made, degenerate, when there is none
+    bool ROSIsKey(const CZelAtom &column) const;        // a column of the primary key?
+    int ROSKeyCount() const;                            // columns of the primary key
+
+    // Changes whenever a tree is made, replaced or removed: trees at hand are then to be asked for again.
+    unsigned long ROSGeneration() const { return m_generation; }
+
+    int ROSAdd(void *object, const SZelIndexValue *values, std::size_t count);
+    int ROSDelete(void *object, const SZelIndexValue *values, std::size_t count);
+    int ROSCheckPrimaryKey(const SZelIndexValue *keys, std::size_t count);
+
 private:
     int ROSCreateIndex(const CZelAtom *column, __boolean degenerate);
-    int ROSRollback(void *object, CZelDoubleList *bindings, CZelPointer *stop);
-    int ROSRollback(void *object, CZelBag *bindings, CZelDoubleList *nulls, CZelPointer *stop);
-    CZelBPlusTree *ROSIndexFor(CZelAtom *column);
+    void ROSRollback(void *object, const SZelIndexValue *values, std::size_t count);
+    int addTree(const CZelAtom &column, CZelBPlusTree *tree);
+    void removeTree(const CZelAtom *column);
+    bool findKeyColumn(const CZelAtom &key, const CZelRecord &record, const CZelDoubleList &changes);
+    bool isOneUnderAllFound() const;
 
-    CZelTreeList *m_indexes;   // column name -> CZelBPlusTree*; trees owned
-    CZelTreeList *m_keyNames;  // primary key column -> text atom, owned; null until keys are set
+    CZelTreeList *m_indexes;             // column name -> CZelBPlusTree*; trees owned
+    CZelTreeList *m_keyNames = nullptr;  // primary key column -> text atom, owned; null until keys are set
+    unsigned long m_generation = 0;
+    std::vector<const CZelBTreeNode *> m_found;  // entries that the key check in progress has come to
 };

@@ -11,6 +11,8 @@
 // lock guards a cache, is taken as writer around every touch of it, and always after the store lock.
 #pragma once
 
+#include <vector>
+
 #include "oql/CZelDbObject.h"
 
 class CZelAtom;
@@ -36,6 +38,7 @@ class CZelRecord;
 class CZelRecordCache;
 class CZelStack;
 class CZelString;
+class CZelTablePlan;
 class CZelTableProps;
 class CZelTblAttr;
 class CZelTblCallback;
@@ -167,7 +170,6 @@ protected:
 private:
     friend class CZelFilterWalk;
 
-    void RTClearMemory();
     bool isLive() const { return m_objectStore != nullptr; }
 
     // Steps of queries. New bags are the caller's; `input` as above.
@@ -183,6 +185,50 @@ private:
     const CZelBPlusTree *uniqueTreeOf(const CZelColumnReader &column) const;
     static __boolean compareColumns(const CZelColumnReader &left, const CZelColumnReader &right,
                                     const CZelBoolean &boolean, const CZelRecord &record);
+
+    // Steps of coming to life and of its end.
+    void makeDictionaries();
+    void takeAttributes(CZelStack &attributes);
+    void takeColumn(CZelColDef *column);
+    void takeProperties(const CZelTableProps &properties);
+    void copyIndexes(const CZelTable &source);
+    void removeUnindexable();
+    void makeObjectStore();
+    void makeRows();
+    void dropRows();
+    int addRole(CZelTreeList &role, CZelColDef *column);
+    CZelColDef *columnNamed(const CZelAtom *name) const;
+    bool isSetBySystem(const CZelAtom &column) const;  // a counter or a timestamp?
+    void appendSystemColumns(CZelString &out) const;
+    CZelVarBind *columnSchema(CZelColDef &column) const;
+
+    // What rows need, laid out flat; built anew when columns or trees have changed.
+    CZelTablePlan &plan();
+    void forgetPlan();
+
+    // Steps of row operations on a plain table.
+    int refuse(const char *operation, const void *argument) const;  // 1 when the operation can go on
+    int addPlainRow(CZelRecord *record, __boolean flag);
+    int checkKeys(CZelRecord *record);
+    CZelFilter *equalityFilter(const CZelRecord &record, const CZelAtomVector &columns) const;
+    void countDuplicate(CZelRecord &row) const;
+    void stamp(CZelRecord &row, const CZelAtom &now) const;
+    void deleteRow(CZelRecord *row, __boolean flag);
+    int checkUpdateOfRows(CZelBag &rows, CZelDoubleList *changes);
+    int checkKeysStayApart(CZelBag &rows, const CZelDoubleList &changes) const;
+
+    struct Change;  // one assignment of an update
+    int updateRows(CZelBag &rows, CZelUpdate &statement, CZelDoubleList *changes, __boolean flag);
+    std::vector<Change> resolveChanges(const CZelDoubleList *changes) const;
+    bool isUpdateAccepted(CZelRecord *row, __boolean flag, CZelUpdate &statement);
+    int applyChange(CZelRecord &row, const Change &change);
+    int updateIndexed(CZelRecord &row, const Change &change);
+
+    // Steps of created indexes.
+    bool areColumns(const CZelAtomVector *names) const;
+    void countIndex(const CZelAtom &name, CZelBag &added);
+    void uncountIndex(const CZelAtom &name, CZelBag &removed);
+    void moveRows(const CZelColDef &column, bool add);
 
     CZelRWLock *m_lock = nullptr;  // around every touch of the cache
     CZelAtom *m_name = nullptr;    // null until named, like the next two
@@ -202,6 +248,7 @@ private:
     CZelAtomVector *m_counters = nullptr;
     CZelAtomVector *m_timestamps = nullptr;
     CZelObjectStore *m_objectStore = nullptr;  // made when the table becomes live
+    CZelTablePlan *m_plan = nullptr;           // null until rows need it
     CZelRecordCache *m_cache = nullptr;        // null on a plain table
     CZelDoubleList *m_rows = nullptr;          // the records themselves, in order of insertion
     CZelBag *m_scratch = nullptr;              // tuples of the join step in progress

@@ -1,0 +1,50 @@
+// What the rows of one live table need, laid out flat, so that a row costs no look-up by name, no bag and no
+// memory: its columns, and its indexed and key columns with their trees.
+//
+// It refers to the table's column definitions and to the object store's trees. Whoever changes the table's
+// dictionaries throws the plan away; a change of the trees shows in isCurrent.
+//
+// Threads: it has working places of its own, so one row at a time; the store lock is held as writer.
+#pragma once
+
+#include <vector>
+
+#include "foundations/base/CZelAtom.h"
+#include "store/CZelObjectStore.h"
+
+class CZelColDef;
+class CZelRecord;
+class CZelTreeList;
+
+class CZelTablePlan {
+public:
+    CZelTablePlan(const CZelTreeList &columns, const CZelTreeList &indexed, const CZelTreeList &keys,
+                  CZelObjectStore &store);
+    CZelTablePlan(const CZelTablePlan &) = delete;
+    CZelTablePlan &operator=(const CZelTablePlan &) = delete;
+
+    bool isCurrent() const { return m_generation == m_store.ROSGeneration(); }
+    const std::vector<CZelColDef *> &columns() const { return m_columns; }  // in name order
+
+    // May a row with this key come in? 1, E_RCKeyExists, or E_RCKeyMissing. A single key column is left to its
+    // tree, which refuses by itself in `enter`.
+    int checkKey(const CZelRecord &row);
+
+    int enter(CZelRecord &row);  // into all trees, or into none: 1 or the code of the tree that refused
+    void leave(CZelRecord &row);
+
+private:
+    using Values = std::vector<SZelIndexValue>;
+
+    void addIndex(const CZelColDef &column);
+    void addKey(const CZelColDef &column);
+    bool isLeftToTree(const CZelTreeList &indexed) const;
+    void readIndexed(const CZelRecord &row);
+
+    CZelObjectStore &m_store;
+    unsigned long m_generation;
+    std::vector<CZelColDef *> m_columns;
+    Values m_indexes;  // the trees of the indexed columns; m_value is that of the row in progress
+    Values m_keys;     // the same of the key columns
+    bool m_isKeyLeftToTree;
+};
