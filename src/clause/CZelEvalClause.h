@@ -32,5 +32,4 @@ public:
 private:
     char *m_text;
     CZelColDef *m_type;
-    CZelBag *m_compiled = nullptr;  // of compiled nodes; null until the first parse
 };

@@ -63,6 +63,8 @@ public:
     void RDEDump();
 
 private:
+    int replacePart(CZelExpr *&part, const CZelAtom &name);
+
     CZelExpr *m_database = nullptr;
     CZelExpr *m_table = nullptr;
     CZelExpr *m_column = nullptr;

@@ -80,6 +80,7 @@ public:
 
 private:
     void clearHeld();
+    CZelAtom *ownConstant();
 
     EZelExprType m_type;
     __boolean m_hasAtom = E_RBFalse;       // m_atom is a value

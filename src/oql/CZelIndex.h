@@ -30,6 +30,8 @@ public:
     char *RIPrint();
 
 private:
+    void keepName(const CZelIndex &other);
+
     CZelExpr *m_name;
     CZelDbEntity *m_table;
     CZelAtomVector *m_columns;

@@ -7,7 +7,9 @@
 class CZelAtomVector;
 class CZelDbEntity;
 class CZelRecord;
+class CZelString;
 class CZelTreeList;
+class CZelVBList;
 
 class QUINTOR_API CZelInsert : public CZelDbObject {
 public:
@@ -44,6 +46,11 @@ public:
     void RIDump();
 
 private:
+    CZelRecord *labelledRecord() const;
+    CZelRecord *positionalRecord(CZelTreeList *columns) const;
+    CZelVBList *constantPairs();
+    void appendNamedValues(CZelString &text);
+    void appendPlainValues(CZelString &text);
     CZelRecord *RILinkBagVal(CZelBag *names, CZelBag *values);
 
     CZelDbEntity *m_target;

@@ -34,6 +34,9 @@ public:
     CZelInsert *RQICreateRecord(CZelTuple *row);  // for a joined row
 
 private:
+    CZelInsert *selectedInsert(const CZelRecord &row);
+    CZelInsert *makeInsert(CZelAtomVector *labels, CZelAtomVector *values) const;
+
     CZelDbEntity *m_target;
     CZelAtomVector *m_uniques;
     CZelQuery *m_query;

@@ -70,6 +70,10 @@ public:
     CZelBag *RCDIndexBag(CZelVarBind *object, const char *prefix, CZelBag *bag);
 
 private:
+    bool fits(const CZelAtom &value, CZelAtom **replacement);
+    bool takesNull() const;
+    CZelAtom *forgivingCopy(const CZelAtom &value) const;
+
     CZelAtom *m_name = nullptr;
     int m_maxLen = -1;
     EZelDataType m_dataType = E_RDTUndefined;

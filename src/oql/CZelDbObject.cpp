@@ -1,0 +1,10 @@
+#include "oql/CZelDbObject.h"
+
+#include <cstdio>
+
+CZelDbObject::~CZelDbObject() = default;
+
+char *CZelDbObject::RDOAsString() {
+    std::printf("CZelDbObject::RDOAsString: %d\n", m_kind);
+    return nullptr;
+}

@@ -1,0 +1,143 @@
+// Folding of constants.
+#include <cstdint>
+#include <cstdio>
+
+#include "foundations/port/ZelDebug.h"
+#include "oql/CZelExpr.h"
+
+namespace {
+
+enum Operator { ADD, SUBTRACT, MULTIPLY, DIVIDE };
+
+// The kind of number that an operation computes in; long counts as int.
+enum Kind { INT, FLOAT, LONG64, NONE };
+
+Kind kindOf(const CZelAtom &atom) {
+    switch (atom.RAType()) {
+        case E_RDTInt:
+        case E_RDTLong:
+            return INT;
+        case E_RDTFloat:
+            return FLOAT;
+        case E_RDTLong64:
+            return LONG64;
+        default:
+            return NONE;
+    }
+}
+
+Kind commonKind(Kind left, Kind right) {
+    if (left == NONE || right == NONE)
+        return NONE;
+    if (left == FLOAT || right == FLOAT)
+        return FLOAT;
+    return left == LONG64 || right == LONG64 ? LONG64 : INT;
+}
+
+void traceBadExpression() {
+    if (__Zeltronix_Debug_Level >= 4)
+        std::puts("Attempt to evaluate bad expression");
+}
+
+bool isZero(const CZelAtom &number) {
+    return number.RAType() == E_RDTFloat ? number.RAFloat() == 0.0F : number.RALongLong() == 0;
+}
+
+// Whole numbers wrap: they are computed without sign, and the smallest divided by -1 is itself.
+template <class Signed, class Unsigned>
+Signed computeWhole(Operator op, Signed left, Signed right) {
+    const auto a = static_cast<Unsigned>(left);
+    const auto b = static_cast<Unsigned>(right);
+    switch (op) {
+        case ADD:
+            return static_cast<Signed>(a + b);
+        case SUBTRACT:
+            return static_cast<Signed>(a - b);
+        case MULTIPLY:
+            return static_cast<Signed>(a * b);
+        case DIVIDE:
+            break;
+    }
+    return right == -1 ? static_cast<Signed>(Unsigned{0} - a) : left / right;
+}
+
+float computeFloat(Operator op, float left, float right) {
+    switch (op) {
+        case ADD:
+            return left + right;
+        case SUBTRACT:
+            return left - right;
+        case MULTIPLY:
+            return left * right;
+        case DIVIDE:
+            break;
+    }
+    return left / right;
+}
+
+void fold(CZelAtom &left, Operator op, const CZelAtom &right) {
+    const Kind kind = commonKind(kindOf(left), kindOf(right));
+    if (kind == NONE)
+        return traceBadExpression();
+    if (op == DIVIDE && isZero(right))
+        return;
+    if (kind == FLOAT)
+        left.RASet(computeFloat(op, left.RAFloat(), right.RAFloat()));
+    else if (kind == LONG64)
+        left.RASet(computeWhole<long long, unsigned long long>(op, left.RALongLong(), right.RALongLong()));
+    else
+        left.RASet(computeWhole<int, unsigned int>(op, left.RAInt(), right.RAInt()));
+}
+
+void negate(CZelAtom &atom) {
+    switch (atom.RAType()) {
+        case E_RDTInt:
+            return atom.RASet(computeWhole<int, unsigned int>(SUBTRACT, 0, atom.RAInt()));
+        case E_RDTLong:
+            return atom.RASet(computeWhole<long, unsigned long>(SUBTRACT, 0L, atom.RALong()));
+        case E_RDTFloat:
+            return atom.RASet(-atom.RAFloat());
+        case E_RDTLong64:
+            return atom.RASet(computeWhole<long long, unsigned long long>(SUBTRACT, 0LL, atom.RALongLong()));
+        default:
+            return traceBadExpression();
+    }
+}
+
+}  // namespace
+
+// The constant that an operation changes, or null when this is none.
+CZelAtom *CZelExpr::ownConstant() {
+    return m_type == E_RETAtom && m_isOverridden != E_RBTrue && m_hasAtom == E_RBTrue ? &m_atom : nullptr;
+}
+
+void CZelExpr::REAddVal(const CZelAtom *other) {
+    if (CZelAtom *own = other != nullptr ? ownConstant() : nullptr)
+        fold(*own, ADD, *other);
+}
+
+void CZelExpr::RESubVal(const CZelAtom *other) {
+    if (CZelAtom *own = other != nullptr ? ownConstant() : nullptr)
+        fold(*own, SUBTRACT, *other);
+}
+
+void CZelExpr::REMulVal(const CZelAtom *other) {
+    if (CZelAtom *own = other != nullptr ? ownConstant() : nullptr)
+        fold(*own, MULTIPLY, *other);
+}
+
+void CZelExpr::REDivVal(const CZelAtom *other) {
+    if (CZelAtom *own = other != nullptr ? ownConstant() : nullptr)
+        fold(*own, DIVIDE, *other);
+}
+
+void CZelExpr::REPositivise() {
+    const CZelAtom *own = ownConstant();
+    if (own != nullptr && kindOf(*own) == NONE)
+        traceBadExpression();
+}
+
+void CZelExpr::RENegativise() {
+    if (CZelAtom *own = ownConstant())
+        negate(*own);
+}

@@ -1,0 +1,23 @@
+#include "oql/CZelOrder.h"
+
+#include "foundations/base/CZelString.h"
+#include "foundations/base/ZelMalloc.h"
+#include "oql/CZelDbEntity.h"
+
+CZelOrder::CZelOrder(CZelDbEntity *column, EZelOrderDirection direction) : m_column(column), m_direction(direction) {}
+
+CZelOrder::CZelOrder(const CZelOrder &other)
+    : m_column(other.m_column != nullptr ? new CZelDbEntity(*other.m_column) : nullptr),
+      m_direction(other.m_direction) {}
+
+CZelOrder::~CZelOrder() {
+    delete m_column;
+}
+
+char *CZelOrder::ROPrint() {
+    CZelString text("");
+    if (m_column != nullptr)
+        text.RSStrCat(CZelMallocText(m_column->RDEPrint()).get());
+    text.RSStrCat(m_direction == E_RODDescending ? " DESC " : " ASC ");
+    return text.RSTakeString();
+}

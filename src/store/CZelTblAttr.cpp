@@ -1,0 +1,3 @@
+#include "store/CZelTblAttr.h"
+
+CZelTblAttr::~CZelTblAttr() = default;
