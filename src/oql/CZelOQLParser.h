@@ -22,8 +22,8 @@ public:
     // is E_RCSyntax when `strict` is E_RBTrue, else 1.
     int ROPParse(const char *text, __boolean strict);
 
-    // The same on a file's contents. E_RCNull for a null path or an unreadable file, E_RCOpenFailed when it
-    // can't be opened.
+    // The same on a file's contents. E_RCNull for a null path, an unreadable file and one with a NUL byte,
+    // E_RCOpenFailed when it can't be opened; all reported.
     int ROPParseFromFile(const char *path, __boolean strict);
 
     void ROPPurge();                                     // deletes every statement on the results stack
@@ -41,6 +41,8 @@ protected:
     void ROPDeleteStackObjects(CZelStack *statements);  // pops and deletes everything
 
 private:
+    void keepFailedResults();
+
     CZelStack *m_results;
     CZelStack *m_failed = nullptr;
     int m_errorLine = 0;

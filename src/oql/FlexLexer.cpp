@@ -1,0 +1,3 @@
+#include "oql/FlexLexer.h"
+
+FlexLexer::~FlexLexer() = default;
