@@ -107,7 +107,7 @@ protected:
             step(random, key, i / 20000 % 3 != 2);
             if (i % 97 == 0)
                 compareNode(key);
-            if (i % 4999 == 0)
+            if (i % 9973 == 0)
                 compareAnswers(keys.key());
         }
         compareKeys();
@@ -133,7 +133,7 @@ protected:
 
 TEST_P(BPlusTreeRandomTest, AgreesWithAPlainMapOverManyKeys) {
     TestRandom random;
-    play(random, 30000, 200000);
+    play(random, 8000, 150000);
 }
 
 TEST_P(BPlusTreeRandomTest, AgreesWithAPlainMapOverFewCrowdedKeys) {
