@@ -47,7 +47,7 @@ public:
     // Moves all elements of `other`, which stays, behind the own ones.
     void RDLTakeFrom(CZelDoubleList &other);
 
-    // Sorts in place, stable, n log n, without taking memory.
+    // Sorts in place, stable, n log n.
     void RDLSortList(ZelListCompare compare);
 
 private:
@@ -69,7 +69,6 @@ private:
     bool isLinkedHere(const CZelListable *item) const;
     void copyFrom(const CZelDoubleList &other);
     void linkBackwards();
-    static CZelListable *mergeRuns(CZelListable *early, CZelListable *late, ZelListCompare compare);
 
     CZelListable *m_head = nullptr;
     CZelListable *m_tail = nullptr;
