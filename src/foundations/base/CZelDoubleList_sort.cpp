@@ -16,10 +16,7 @@ void CZelDoubleList::RDLSortList(ZelListCompare compare) {
         *end++ = item;
     std::stable_sort(items.get(), end,
                      [compare](CZelListable *left, CZelListable *right) { return compare(left, right) < 0; });
-    m_head = nullptr;
-    while (end != items.get()) {
-        (*--end)->m_next = m_head;
-        m_head = *end;
-    }
-    linkBackwards();
+    RDLSetHead(nullptr);
+    for (CZelListable **item = items.get(); item != end; ++item)
+        linkAtEnd(*item);
 }
