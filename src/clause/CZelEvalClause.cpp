@@ -20,9 +20,9 @@ CZelEvalClause::~CZelEvalClause() {
 char *CZelEvalClause::RECPrint() const {
     CZelString text("eval(");
     text.RSStrCat(CZelMallocText(m_type != nullptr ? m_type->RCDTypeText() : nullptr).get());
-    text.RSStrCat(",'");
-    text.RSStrCat(m_text);
-    text.RSStrCat("')");
+    text.RSStrCat(',');
+    text.RSStrCatQuoted(m_text != nullptr ? m_text : "");
+    text.RSStrCat(')');
     return text.RSTakeString();
 }
 

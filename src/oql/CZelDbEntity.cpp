@@ -3,7 +3,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 
+#include "clause/CZelEvalClause.h"
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelBag.h"
 #include "foundations/base/CZelDoubleList.h"
@@ -11,6 +13,8 @@
 #include "foundations/base/ZelMalloc.h"
 #include "foundations/port/CZelError.h"
 #include "oql/CZelExpr.h"
+#include "oql/ZelStatementTextImpl.h"
+#include "store/CZelColDef.h"
 
 namespace {
 
@@ -57,50 +61,64 @@ const char *textOf(const CZelAtom *atom) {
     return atom != nullptr ? atom->RAString() : nullptr;
 }
 
-bool isUnevaluated(const CZelExpr &part) {
-    return part.REType() == E_RETClause && part.REClauseResult() == nullptr;
-}
-
-// A part's name, or the clause that will give it.
-void appendPart(CZelString &text, CZelExpr *part, const char *name) {
+// The text of a name atom may lie in the atom, so it is the atom that is handed on.
+bool appendName(CZelString &out, const CZelExpr *part, const CZelAtom *name, bool quoted) {
     if (part == nullptr)
-        return;
-    if (isUnevaluated(*part))
-        text.RSStrCat(CZelMallocText(part->REPrint()).get());
-    else
-        text.RSStrCat(name);
+        return true;
+    if (name == nullptr)
+        return part->REAppendPrint(out);  // a clause that is not evaluated yet stands as it was written
+    if (!quoted)
+        return ZelAppendName(out, *name);
+    out.RSStrCatQuoted(name);
+    return true;
 }
 
-void appendIndex(CZelString &text, int index) {
+bool isOdd(const CZelAtom *name) {
+    return name != nullptr && !ZelIsName(*name);
+}
+
+bool appendIndex(CZelString &out, int index) {
     if (index >= 0) {
-        text.RSStrCat('(');
-        text.RSStrCat(index);
-        text.RSStrCat(')');
+        out.RSStrCat('(');
+        out.RSStrCat(index);
+        out.RSStrCat(')');
     } else if (index == E_RLUAll) {
-        text.RSStrCat("(*)");
+        out.RSStrCat("(*)");
     } else if (index == E_RLUNext) {
-        text.RSStrCat("(next)");
+        out.RSStrCat("(next)");
     } else if (index == E_RLUAny) {
-        text.RSStrCat("(any)");
+        out.RSStrCat("(any)");
     } else {
         ZEL_REPORT(E_RCBadValue, "Unsupported or invalid column selector");
+        return false;
     }
+    return true;
 }
 
-void appendKey(CZelString &text, CZelExpr &key) {
-    const CZelAtom *atom = key.REAtomVal();
-    if (isUnevaluated(key)) {
-        text.RSStrCat('(');
-        text.RSStrCat(CZelMallocText(key.REPrint()).get());
-        text.RSStrCat(')');
-    } else if (atom != nullptr && atom->RAType() == E_RDTInt) {
-        appendIndex(text, atom->RAInt());
-    } else if (atom != nullptr && atom->RAType() == E_RDTText) {
-        text.RSStrCat("->");
-        text.RSStrCat(atom->RAString());
-    } else {
+// A clause that gives a text names a member, any other selects an element.
+bool appendClauseKey(CZelString &out, const CZelExpr &key) {
+    const CZelEvalClause *clause = key.REClauseVal();
+    const CZelColDef *type = clause != nullptr ? clause->RECColDef() : nullptr;
+    const bool isMember = type != nullptr && type->RCDDataType() == E_RDTText;
+    out.RSStrCat(isMember ? "->" : "(");
+    if (!key.REAppendPrint(out))
+        return false;
+    out.RSStrCat(isMember ? "" : ")");
+    return true;
+}
+
+bool appendKey(CZelString &out, const CZelExpr &key) {
+    const CZelAtom *value = key.REAtomVal();
+    if (value == nullptr && key.REClauseVal() != nullptr)
+        return appendClauseKey(out, key);
+    if (value != nullptr && value->RAType() == E_RDTInt)
+        return appendIndex(out, value->RAInt());
+    if (value == nullptr || value->RAType() != E_RDTText) {
         ZEL_REPORT(E_RCBadValue, "Unsupported or invalid data type");
+        return false;
     }
+    out.RSStrCat("->");
+    return ZelAppendName(out, *value);
 }
 
 }  // namespace
@@ -144,17 +162,28 @@ void CZelDbEntity::RDEMakeIdent() {
 }
 
 const char *CZelDbEntity::RDEIdent() {
-    if (m_ident != nullptr)
-        return m_ident;
-    const char *database = RDEDbName();
-    const char *table = RDETblName();
-    if (database == nullptr || table == nullptr)
+    const CZelAtom *database = RDEDbNameAtom();
+    const CZelAtom *table = RDETblNameAtom();
+    if (textOf(database) == nullptr || textOf(table) == nullptr)
         return nullptr;
-    CZelString ident(database);
+    if (m_ident != nullptr && (RDEEvalsInside() == E_RBFalse || isIdentOf(*database, *table)))
+        return m_ident;
+    CZelString ident;
+    ident.RSStrCat(database->RATextView());
     ident.RSStrCat('_');
-    ident.RSStrCat(table);
+    ident.RSStrCat(table->RATextView());
+    std::free(m_ident);
     m_ident = ident.RSTakeString();
     return m_ident;
+}
+
+// A clause may have got another value since the ident was made.
+bool CZelDbEntity::isIdentOf(const CZelAtom &database, const CZelAtom &table) const {
+    const std::string_view ident(m_ident);
+    const std::string_view first = database.RATextView();
+    const std::string_view second = table.RATextView();
+    return ident.size() == first.size() + 1 + second.size() && ident.starts_with(first) && ident.ends_with(second) &&
+           ident[first.size()] == '_';
 }
 
 const CZelAtom *CZelDbEntity::RDEDbNameAtom() const {
@@ -238,26 +267,49 @@ __boolean CZelDbEntity::RDEIsColSpecWild(EZelListUpdateType *selector) const {
     const CZelAtom *key = last != nullptr ? last->REHeadAtomVal() : nullptr;
     if (key == nullptr || key->RAType() != E_RDTInt || key->RAInt() > E_RLUAll || key->RAInt() < E_RLUAny)
         return E_RBFalse;
-    *selector = static_cast<EZelListUpdateType>(key->RAInt());
+    if (selector != nullptr)
+        *selector = static_cast<EZelListUpdateType>(key->RAInt());
     return E_RBTrue;
 }
 
 char *CZelDbEntity::RDEPrint() {
-    CZelString text("");
-    appendPart(text, m_database, RDEDbName());
+    CZelString out;
+    return RDEAppendPrint(out) ? out.RSTakeString() : nullptr;
+}
+
+bool CZelDbEntity::RDEAppendPrint(CZelString &out) const {
+    if (!appendParts(out))
+        return false;
+    CZelListable *key = m_colSpec != nullptr ? m_colSpec->RDLHead() : nullptr;
+    for (; key != nullptr; key = m_colSpec->RDLGetNext(key))
+        if (!appendKey(out, *static_cast<const CZelExpr *>(key)))
+            return false;
+    return true;
+}
+
+bool CZelDbEntity::appendParts(CZelString &out) const {
+    const bool quoted = isWrittenQuoted();
+    if (!appendName(out, m_database, RDEDbNameAtom(), quoted))
+        return false;
     if (m_database != nullptr && (m_table != nullptr || m_column != nullptr))
-        text.RSStrCat('.');
-    appendPart(text, m_table, RDETblName());
+        out.RSStrCat('.');
+    if (!appendName(out, m_table, RDETblNameAtom(), quoted))
+        return false;
     if ((m_database != nullptr || m_table != nullptr) && m_column != nullptr)
-        text.RSStrCat('.');
-    appendPart(text, m_column, RDEColName());
-    for (CZelListable *key = m_colSpec != nullptr ? m_colSpec->RDLHead() : nullptr; key != nullptr;
-         key = m_colSpec->RDLGetNext(key))
-        appendKey(text, *static_cast<CZelExpr *>(key));
-    return text.RSTakeString();
+        out.RSStrCat('.');
+    return appendName(out, m_column, RDEColNameAtom(), false);
+}
+
+// Only where the grammar has quoted names, both are known and one needs it.
+bool CZelDbEntity::isWrittenQuoted() const {
+    if (m_database == nullptr || m_column != nullptr || m_colSpec != nullptr)
+        return false;
+    if (RDEDbNameAtom() == nullptr || (m_table != nullptr && RDETblNameAtom() == nullptr))
+        return false;
+    return isOdd(RDEDbNameAtom()) || isOdd(RDETblNameAtom());
 }
 
 void CZelDbEntity::RDEDump() {
     const CZelMallocText text(RDEPrint());
-    std::printf("%s\n", text.get());
+    std::puts(text != nullptr ? text.get() : "");
 }

@@ -13,6 +13,7 @@ class CZelAtom;
 class CZelBag;
 class CZelDoubleList;
 class CZelExpr;
+class CZelString;
 
 class QUINTOR_API CZelDbEntity {
 public:
@@ -27,8 +28,7 @@ public:
     CZelDbEntity &operator=(const CZelDbEntity &) = delete;
     virtual ~CZelDbEntity();
 
-    // Forgets the ident and builds it again if database and table names are known. RDEIdent does so by itself
-    // when the names become known after an evaluation.
+    // Forgets the ident. RDEIdent builds it from the names as they then stand, also after each evaluation.
     void RDEMakeIdent();
 
     // The names; null for a part that is absent or not evaluated yet.
@@ -59,11 +59,18 @@ public:
     // Does the chain end in a selector (-4 to -1)? *selector is set only then.
     __boolean RDEIsColSpecWild(EZelListUpdateType *selector) const;
 
-    char *RDEPrint();  // new from malloc
+    // The name as OQL writes it, new from malloc. Names that are no identifiers are quoted where the grammar
+    // takes a quoted name: a database alone, or database and table. Null, reported, for any other such name
+    // and for a key that is neither a member's name nor an index or selector.
+    char *RDEPrint();
+    bool RDEAppendPrint(CZelString &out) const;
     void RDEDump();
 
 private:
     int replacePart(CZelExpr *&part, const CZelAtom &name);
+    bool isIdentOf(const CZelAtom &database, const CZelAtom &table) const;
+    bool isWrittenQuoted() const;
+    bool appendParts(CZelString &out) const;
 
     CZelExpr *m_database = nullptr;
     CZelExpr *m_table = nullptr;

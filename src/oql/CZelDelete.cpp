@@ -46,11 +46,13 @@ void CZelDelete::RDSetTarget(CZelDbEntity *target) {
 
 char *CZelDelete::RDOAsString() {
     CZelString text("delete from ");
-    ZelAppendEntity(text, m_target);
+    if (!ZelAppendEntity(text, m_target))
+        return nullptr;
     if (m_filter != nullptr) {
         text.RSStrCat(" where ");
-        ZelAppendFilter(text, *m_filter, true);
+        if (!ZelAppendFilter(text, *m_filter, true))
+            return nullptr;
     }
-    text.RSStrCat(";");
+    text.RSStrCat(';');
     return text.RSTakeString();
 }

@@ -9,6 +9,7 @@
 #include "foundations/base/ZelMalloc.h"
 #include "foundations/port/CZelError.h"
 #include "oql/CZelExpr.h"
+#include "oql/ZelStatementTextImpl.h"
 
 CZelDropIndex::CZelDropIndex(char *name)
     : CZelDbObject(E_DODropIndex), m_name(name != nullptr ? new CZelExpr(CZelAtom(name)) : nullptr) {}
@@ -51,7 +52,8 @@ char *CZelDropIndex::RDOAsString() {
         return nullptr;
     }
     CZelString text("drop index ");
-    text.RSStrCat(RDIName());
+    if (!ZelAppendName(text, *RDIName()))
+        return nullptr;
     text.RSStrCat(" ;\n");
     return text.RSTakeString();
 }

@@ -30,7 +30,7 @@ char *CZelDropObject::RDOAsString() {
         return nullptr;
     }
     const CZelMallocText target(m_target != nullptr ? m_target->RDEPrint() : nullptr);
-    if (target == nullptr) {
+    if (target == nullptr || *target == '\0') {
         ZEL_REPORT(E_RCNull, "CZelDropObject::RDOAsString: no target");
         return nullptr;
     }

@@ -1,7 +1,6 @@
 #include "oql/CZelExpr.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <utility>
 
 #include "clause/CZelEvalClause.h"
@@ -14,23 +13,32 @@
 #include "oql/CZelDbEntity.h"
 #include "store/CZelBoolean.h"
 
+namespace {
+
+// Bags hold plain pointers; what is read from them is not changed through them.
+void addTo(CZelBag &bag, const CZelAtom *atom) {
+    bag.RBAdd(const_cast<void *>(static_cast<const void *>(atom)));
+}
+
+}  // namespace
+
 CZelExpr::CZelExpr() : m_type(E_RETFunction), m_entity(nullptr) {}
 
-CZelExpr::CZelExpr(const CZelAtom *atom) : m_type(E_RETAtom), m_hasAtom(ZelBool(atom != nullptr)), m_entity(nullptr) {
+CZelExpr::CZelExpr(const CZelAtom *atom) : m_type(E_RETAtom), m_hasAtom(atom != nullptr), m_entity(nullptr) {
     if (atom != nullptr)
         m_atom = *atom;
 }
 
-CZelExpr::CZelExpr(CZelAtom **atom) : m_type(E_RETAtom), m_hasAtom(ZelBool(*atom != nullptr)), m_entity(nullptr) {
-    if (*atom == nullptr)
+CZelExpr::CZelExpr(CZelAtom **atom) : m_type(E_RETAtom), m_entity(nullptr) {
+    CZelAtom *owned = atom != nullptr ? std::exchange(*atom, nullptr) : nullptr;
+    if (owned == nullptr)
         return;
-    m_atom = std::move(**atom);
-    delete *atom;
-    *atom = nullptr;
+    m_atom = std::move(*owned);
+    m_hasAtom = true;
+    delete owned;
 }
 
-CZelExpr::CZelExpr(CZelAtom &&atom)
-    : m_type(E_RETAtom), m_hasAtom(E_RBTrue), m_atom(std::move(atom)), m_entity(nullptr) {}
+CZelExpr::CZelExpr(CZelAtom &&atom) : m_type(E_RETAtom), m_hasAtom(true), m_atom(std::move(atom)), m_entity(nullptr) {}
 
 CZelExpr::CZelExpr(CZelDbEntity *entity) : m_type(E_RETEntity), m_entity(entity) {}
 
@@ -40,13 +48,17 @@ CZelExpr::CZelExpr(const CZelExpr &other)
     : CZelListable(other), m_type(other.m_type), m_hasAtom(other.m_hasAtom), m_atom(other.m_atom), m_entity(nullptr) {
     if (m_type == E_RETEntity && other.m_entity != nullptr)
         m_entity = new CZelDbEntity(*other.m_entity);
-    if (m_type == E_RETClause && other.m_clause != nullptr)
+    else if (m_type == E_RETClause && other.m_clause != nullptr)
         m_clause = new CZelEvalClause(*other.m_clause);
 }
 
 CZelExpr::~CZelExpr() {
     clearHeld();
     delete m_clauseValue;
+}
+
+CZelListable *CZelExpr::RLTargetDeepCopy(const CZelListable *source) const {
+    return new CZelExpr(*static_cast<const CZelExpr *>(source));
 }
 
 void CZelExpr::clearHeld() {
@@ -57,24 +69,22 @@ void CZelExpr::clearHeld() {
     m_entity = nullptr;
 }
 
-CZelListable *CZelExpr::RLTargetDeepCopy(const CZelListable *source) const {
-    return new CZelExpr(*static_cast<const CZelExpr *>(source));
-}
-
 void CZelExpr::RESetOverride(const CZelAtom *atom) {
     clearHeld();
-    m_override = atom;
-    m_isOverridden = E_RBTrue;
     m_type = E_RETAtom;
+    m_override = atom;
+    m_isOverridden = true;
     if (m_holder != nullptr)
         m_holder->RBEstablishType();
 }
 
 void CZelExpr::RESetClauseVal(CZelVarBind *value) {
-    if (m_type == E_RETEntity)
+    if (m_type != E_RETClause) {
         clearHeld();
-    m_type = E_RETClause;
-    delete m_clauseValue;
+        m_type = E_RETClause;
+    }
+    if (value != m_clauseValue)
+        delete m_clauseValue;
     m_clauseValue = value;
 }
 
@@ -83,60 +93,73 @@ CZelVarBind *CZelExpr::RETakeClauseVal() {
 }
 
 int CZelExpr::RESetHeadAtomVal(const CZelAtom *atom) {
-    if (m_isOverridden == E_RBTrue) {
+    if (m_isOverridden) {
         m_override = atom;
         return 1;
     }
-    switch (m_type) {
-        case E_RETAtom:
-            m_hasAtom = ZelBool(atom != nullptr);
-            m_atom = atom != nullptr ? *atom : CZelAtom();
-            return 1;
-        case E_RETClause:
-            break;
-        default:
-            return E_RCBadValue;
-    }
-    if (m_clauseValue == nullptr || atom == nullptr)
-        return ZEL_FAIL(E_RCNull, "CZelExpr::RESetHeadAtomVal");
-    const int status = m_clauseValue->RVBAddOrSetListVal(*atom, 0);
-    return status == 1 ? 1 : ZEL_FAIL(status, "CZelExpr::RESetHeadAtomVal");
+    if (m_type == E_RETClause && (m_clauseValue == nullptr || atom == nullptr))
+        return ZEL_FAIL(E_RCNull, "CZelExpr::RESetHeadAtomVal: no result of the clause, or no value for it");
+    if (m_type != E_RETAtom || atom != nullptr)
+        return RESetHeadAtomVal(atom != nullptr ? CZelAtom(*atom) : CZelAtom());
+    m_atom.RASet();
+    m_hasAtom = false;
+    return 1;
 }
 
-// The list of a clause's result; null without one, reported when the result is none.
-static const CZelAtomVector *resultList(const CZelVarBind *result) {
-    const CZelAtom *value = result != nullptr ? result->RVBValue() : nullptr;
-    if (value == nullptr)
-        return nullptr;
-    if (value->RAType() != E_RDTList)
-        ZEL_REPORT(E_RCBadType, "CZelExpr: the result of a clause is no list");
-    return value->RAList();
+int CZelExpr::RESetHeadAtomVal(CZelAtom &&atom) {
+    if (m_type == E_RETAtom) {
+        m_atom = std::move(atom);
+        m_hasAtom = true;
+        m_isOverridden = false;
+        return 1;
+    }
+    if (m_type != E_RETClause)
+        return E_RCBadValue;
+    if (m_clauseValue == nullptr)
+        return ZEL_FAIL(E_RCNull, "CZelExpr::RESetHeadAtomVal: the clause has no result");
+    const int status = m_clauseValue->RVBAddOrSetListVal(atom, 0);
+    return status == 1 ? status : ZEL_FAIL(status, "CZelExpr::RESetHeadAtomVal: the clause's result is no list");
+}
+
+const CZelAtomVector *CZelExpr::resultList() const {
+    const CZelAtom *result = m_clauseValue != nullptr ? std::as_const(*m_clauseValue).RVBValue() : nullptr;
+    return result != nullptr ? result->RAList() : nullptr;
 }
 
 const CZelAtom *CZelExpr::REHeadAtomVal() const {
-    if (m_isOverridden == E_RBTrue)
+    if (m_isOverridden)
         return m_override;
     if (m_type == E_RETAtom)
-        return m_hasAtom == E_RBTrue ? &m_atom : nullptr;
-    if (m_type != E_RETClause)
+        return m_hasAtom ? &m_atom : nullptr;
+    if (m_type != E_RETClause || m_clauseValue == nullptr)
         return nullptr;
-    const CZelAtomVector *list = resultList(m_clauseValue);
+    const CZelAtomVector *list = resultList();
+    if (list == nullptr)
+        ZEL_REPORT(E_RCBadType, "CZelExpr::REHeadAtomVal: the clause's result is no list");
     return list != nullptr ? list->RAVGetValue(0) : nullptr;
 }
 
+int CZelExpr::REValueCount() const {
+    if (m_isOverridden || m_type == E_RETAtom)
+        return 1;
+    if (m_type != E_RETClause || m_clauseValue == nullptr)
+        return -1;
+    const CZelAtomVector *list = resultList();
+    return list != nullptr ? static_cast<int>(list->RAVSize()) : 0;
+}
+
 CZelBag *CZelExpr::REBagVal() {
-    const bool single = m_isOverridden == E_RBTrue || m_type == E_RETAtom;
-    if (!single && (m_type != E_RETClause || m_clauseValue == nullptr))
+    const int count = REValueCount();
+    if (count < 0)
         return nullptr;
-    auto *bag = new CZelBag();
-    if (single) {
-        bag->RBAdd(const_cast<void *>(static_cast<const void *>(REHeadAtomVal())));
+    auto *bag = new CZelBag;
+    if (m_isOverridden || m_type == E_RETAtom) {
+        addTo(*bag, REHeadAtomVal());
         return bag;
     }
-    CZelAtom *value = m_clauseValue->RVBValue();
-    CZelAtomVector *list = value != nullptr ? value->RAList() : nullptr;
-    for (unsigned int i = 0; list != nullptr && i < list->RAVSize(); ++i)
-        bag->RBAdd(static_cast<void *>(list->RAVGetValue(i)));
+    const CZelAtomVector *list = resultList();
+    for (int i = 0; i < count; ++i)
+        addTo(*bag, list->RAVGetValue(static_cast<unsigned int>(i)));
     return bag;
 }
 
@@ -144,48 +167,51 @@ CZelEvalClause *CZelExpr::RETakeEvalClause() {
     return m_type == E_RETClause ? std::exchange(m_clause, nullptr) : nullptr;
 }
 
-char *CZelExpr::REPrint() {
-    if (m_type == E_RETEntity && m_entity != nullptr)
-        return m_entity->RDEPrint();
-    if (m_type == E_RETClause && m_clause != nullptr)
-        return m_clause->RECPrint();
-    CZelString text("");
+bool CZelExpr::REAppendPrint(CZelString &out) const {
     if (m_type == E_RETAtom)
-        text.RSStrCatQuoted(REHeadAtomVal());
-    return text.RSTakeString();
+        out.RSStrCatQuoted(REHeadAtomVal());
+    else if (m_type == E_RETEntity && m_entity != nullptr)
+        return m_entity->RDEAppendPrint(out);
+    else if (m_type == E_RETClause && m_clause != nullptr)
+        out.RSStrCat(CZelMallocText(m_clause->RECPrint()).get());
+    return true;
+}
+
+char *CZelExpr::REPrint() {
+    CZelString out;
+    return REAppendPrint(out) ? out.RSTakeString() : nullptr;
 }
 
 void CZelExpr::REDump() {
     const CZelMallocText text(REPrint());
-    std::printf("%s\n", text != nullptr ? text.get() : "NULL");
+    std::fputs(text != nullptr ? text.get() : "", stdout);
 }
 
 CZelBag *CZelExpr::RECopyAtomBag(CZelBag *atoms) {
     if (atoms == nullptr)
         return nullptr;
-    auto *copies = new CZelBag();
+    auto *copies = new CZelBag;
     for (CZelPointer *node = atoms->RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
         const auto *atom = static_cast<const CZelAtom *>(node->RPData());
-        if (atom == nullptr)
-            ZEL_REPORT(E_RCBadArgument, "CZelExpr::RECopyAtomBag");
+        if (atom != nullptr)
+            copies->RBAdd(new CZelAtom(*atom));
         else
-            copies->RBAdd(static_cast<void *>(new CZelAtom(*atom)));
+            ZEL_REPORT(E_RCBadArgument, "CZelExpr::RECopyAtomBag: a value is null");
     }
     return copies;
 }
 
 void CZelExpr::REDeleteAtomBag(CZelBag *atoms) {
-    if (atoms == nullptr)
-        return;
-    for (CZelPointer *node = atoms->RBFirst(); node != nullptr; node = CZelBag::RBNext(node))
+    CZelPointer *node = atoms != nullptr ? atoms->RBFirst() : nullptr;
+    for (; node != nullptr; node = CZelBag::RBNext(node))
         delete static_cast<CZelAtom *>(node->RPData());
-    atoms->RBEmptyBag();
 }
 
 int CZelExpr::RESetInternal(CZelDbEntity *entity) {
     if (m_type != E_RETEntity)
         return E_RCBadType;
-    delete m_entity;
+    if (entity != m_entity)
+        delete m_entity;
     m_entity = entity;
     return 1;
 }

@@ -9,10 +9,12 @@
 #include "foundations/base/CZelListable.h"
 #include "foundations/base/CZelPool.h"
 
+class CZelAtomVector;
 class CZelBag;
 class CZelBoolean;
 class CZelDbEntity;
 class CZelEvalClause;
+class CZelString;
 class CZelVarBind;
 
 class QUINTOR_API CZelExpr : public CZelListable {
@@ -45,6 +47,9 @@ public:
     // without a result or a null atom.
     int RESetHeadAtomVal(const CZelAtom *atom);
 
+    // The same with the value moved in. In the place of an override the expression then has a value of its own.
+    int RESetHeadAtomVal(CZelAtom &&atom);
+
     // The value: override, constant, or first element of the clause's result; null when there is none.
     const CZelAtom *REHeadAtomVal() const;
     const CZelAtom *REAtomVal() const { return REHeadAtomVal(); }
@@ -52,6 +57,9 @@ public:
     // All values in a new bag, the caller's; the atoms stay the expression's. A constant without a value gives
     // one null entry; a clause without a result, an entity and a function give null.
     CZelBag *REBagVal();
+
+    // How many values REBagVal would give, -1 where it gives null. Makes nothing and reports nothing.
+    int REValueCount() const;
 
     // What it holds; null when it is of another type.
     CZelDbEntity *REEntityVal() const { return m_type == E_RETEntity ? m_entity : nullptr; }
@@ -70,7 +78,9 @@ public:
     void REPositivise();
     void RENegativise();
 
-    char *REPrint();  // OQL text, new from malloc; empty for a function
+    // OQL text, new from malloc; empty for a function. Null when it can't be written (reported).
+    char *REPrint();
+    bool REAppendPrint(CZelString &out) const;
     void REDump();
 
     void RESetHolder(CZelBoolean *holder) { m_holder = holder; }
@@ -80,11 +90,12 @@ public:
 
 private:
     void clearHeld();
-    CZelAtom *ownConstant();
+    CZelAtom *ownConstant();  // the value that folding may change, or null
+    const CZelAtomVector *resultList() const;
 
     EZelExprType m_type;
-    __boolean m_hasAtom = E_RBFalse;       // m_atom is a value
-    __boolean m_isOverridden = E_RBFalse;  // m_override counts, null included
+    bool m_hasAtom = false;       // m_atom is a value
+    bool m_isOverridden = false;  // m_override counts, null included
     CZelAtom m_atom;
     union {
         CZelDbEntity *m_entity;

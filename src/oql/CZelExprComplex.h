@@ -1,5 +1,8 @@
-// A value of an insert: a single expression, or a list or object whose members are such values again.
+// A value of an insert: a single expression, or a list or object whose members are such values again. A text
+// can nest them deeper than the stack allows, so everything here goes by loops.
 #pragma once
+
+#include <vector>
 
 #include "foundations/base/CZelListable.h"
 #include "foundations/base/CZelPool.h"
@@ -10,6 +13,13 @@ class CZelAtom;
 class CZelBag;
 class CZelDoubleList;
 class CZelExpr;
+class CZelExprComplex;
+
+// A value that is still to be copied, and its copy.
+struct CZelExprComplexCopy {
+    const CZelExprComplex *m_from;
+    CZelExprComplex *m_to;
+};
 
 class QUINTOR_API CZelExprComplex : public CZelListable {
 public:
@@ -30,8 +40,12 @@ public:
     // The values in a new bag, the caller's; the atoms stay owned here and live until the next call.
     CZelBag *RECBagVal();
 
-    // Appends this value for a row to `values`, as RECBagVal gives it: for callers that gather many.
-    int RECAppendValues(CZelBag &values);
+    // How many values RECBagVal would give, -1 where it gives null. Makes nothing and reports nothing.
+    int RECValueCount() const;
+
+    // The value for a row, copied or built into `value`; false, `value` unchanged, when there is none.
+    // Nothing is kept here.
+    bool RECCopyValue(CZelAtom &value) const;
 
     CZelBag *RECCompilables();  // a new bag of the expressions inside, the caller's
     void RECAppendCompilables(CZelBag &out);
@@ -44,8 +58,14 @@ protected:
     CZelAtom *RECAtomVal();
 
 private:
-    CZelAtom *buildList();
-    CZelAtom *buildObject();
+    bool isNest() const { return m_type != E_RECTSimple; }
+    const CZelAtom *simpleValue() const;
+    CZelAtom buildNest() const;
+    void copyLevel(const CZelExprComplex &other, std::vector<CZelExprComplexCopy> &nested);
+    static CZelExprComplex *valueOf(CZelListable *member, EZelExprComplexType type);
+    static void deleteNest(CZelDoubleList *members, EZelExprComplexType type);
+
+    friend class CZelExprComplexLevel;
 
     EZelExprComplexType m_type;
     union {

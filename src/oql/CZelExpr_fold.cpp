@@ -39,8 +39,9 @@ void traceBadExpression() {
         std::puts("Attempt to evaluate bad expression");
 }
 
+// As the number is computed with: of a long the low 32 bits count.
 bool isZero(const CZelAtom &number) {
-    return number.RAType() == E_RDTFloat ? number.RAFloat() == 0.0F : number.RALongLong() == 0;
+    return kindOf(number) == INT ? number.RAInt() == 0 : number.RADouble() == 0;
 }
 
 // Whole numbers wrap: they are computed without sign, and the smallest divided by -1 is itself.
@@ -75,6 +76,10 @@ float computeFloat(Operator op, float left, float right) {
     return left / right;
 }
 
+long long wide(const CZelAtom &number) {
+    return kindOf(number) == INT ? number.RAInt() : number.RALongLong();
+}
+
 void fold(CZelAtom &left, Operator op, const CZelAtom &right) {
     const Kind kind = commonKind(kindOf(left), kindOf(right));
     if (kind == NONE)
@@ -84,7 +89,7 @@ void fold(CZelAtom &left, Operator op, const CZelAtom &right) {
     if (kind == FLOAT)
         left.RASet(computeFloat(op, left.RAFloat(), right.RAFloat()));
     else if (kind == LONG64)
-        left.RASet(computeWhole<long long, unsigned long long>(op, left.RALongLong(), right.RALongLong()));
+        left.RASet(computeWhole<long long, unsigned long long>(op, wide(left), wide(right)));
     else
         left.RASet(computeWhole<int, unsigned int>(op, left.RAInt(), right.RAInt()));
 }
@@ -108,7 +113,7 @@ void negate(CZelAtom &atom) {
 
 // The constant that an operation changes, or null when this is none.
 CZelAtom *CZelExpr::ownConstant() {
-    return m_type == E_RETAtom && m_isOverridden != E_RBTrue && m_hasAtom == E_RBTrue ? &m_atom : nullptr;
+    return m_type == E_RETAtom && !m_isOverridden && m_hasAtom ? &m_atom : nullptr;
 }
 
 void CZelExpr::REAddVal(const CZelAtom *other) {

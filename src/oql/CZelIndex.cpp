@@ -76,13 +76,13 @@ char *CZelIndex::RDOAsString() {
         return nullptr;
     }
     CZelString text("create index ");
-    text.RSStrCat(RIName());
+    bool isWritten = ZelAppendName(text, *RIName());
     text.RSStrCat(" on ");
-    ZelAppendEntity(text, m_table);
+    isWritten = isWritten && ZelAppendEntity(text, m_table);
     text.RSStrCat(" ( ");
-    ZelAppendNames(text, *m_columns, " , ");
+    isWritten = isWritten && ZelAppendNames(text, *m_columns, " , ");
     text.RSStrCat(" );\n");
-    return text.RSTakeString();
+    return isWritten ? text.RSTakeString() : nullptr;
 }
 
 char *CZelIndex::RIPrint() {

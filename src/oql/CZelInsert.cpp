@@ -1,6 +1,6 @@
 #include "oql/CZelInsert.h"
 
-#include <cstdio>
+#include <utility>
 
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelAtomVector.h"
@@ -8,7 +8,6 @@
 #include "foundations/base/CZelRecord.h"
 #include "foundations/base/CZelString.h"
 #include "foundations/base/CZelTreeList.h"
-#include "foundations/base/ZelMalloc.h"
 #include "foundations/port/CZelError.h"
 #include "oql/CZelDbEntity.h"
 #include "oql/CZelExpr.h"
@@ -17,48 +16,89 @@
 
 namespace {
 
-CZelColDef *columnOf(const CZelListable *node) {
-    return static_cast<CZelColDef *>(static_cast<const CZelPointer *>(node)->RPData());
+const CZelColDef &columnOf(const CZelPointer *node) {
+    return *static_cast<const CZelColDef *>(node->RPData());
+}
+
+const CZelExpr &expressionOf(const CZelPointer *node) {
+    return *static_cast<const CZelExpr *>(node->RPData());
+}
+
+const CZelExprComplex &valueOf(const CZelPointer *node) {
+    return *static_cast<const CZelExprComplex *>(node->RPData());
+}
+
+const CZelPointer *firstOf(const CZelTreeList &columns) {
+    return static_cast<const CZelPointer *>(columns.RTLIterator()->RDLHead());
 }
 
 void addAtom(CZelBag &bag, const CZelAtom *atom) {
     bag.RBAdd(const_cast<void *>(static_cast<const void *>(atom)));
 }
 
-void addColumnNames(CZelBag &names, CZelTreeList &columns) {
-    CZelDoubleList *list = columns.RTLIterator();
-    for (CZelListable *node = list->RDLHead(); node != nullptr; node = list->RDLGetNext(node))
-        addAtom(names, columnOf(node)->RCDName());
+void addColumnNames(CZelBag &names, const CZelTreeList &columns) {
+    for (const CZelPointer *node = firstOf(columns); node != nullptr; node = CZelBag::RBNext(node))
+        addAtom(names, columnOf(node).RCDName());
 }
 
-// All values of an expression; one null where it has none, so that it still takes its place in the row.
-void addValues(CZelBag &values, CZelExpr &expression) {
-    CZelBag *own = expression.REBagVal();
+// Moves the values of one expression in; one null where it has none, so that it still takes its place in the row.
+void addValues(CZelBag &values, CZelBag *own) {
     if (own == nullptr) {
-        ZEL_REPORT(E_RCBadArgument, "CZelInsert::RICreateRecord");
+        ZEL_REPORT(E_RCBadArgument, "CZelInsert::RICreateRecord: an expression that is not evaluated");
         return;
     }
     if (own->RBLength() == 0)
-        own->RBAdd(static_cast<void *>(nullptr));
+        addAtom(*own, nullptr);
     values.RBAdd(own);
 }
 
-// The only value of an expression, if it is a plain constant.
-bool isConstant(const CZelExprComplex *value) {
-    return value->RECType() == E_RECTSimple && value->RECExpr() != nullptr && value->RECExpr()->REType() == E_RETAtom;
+void addExpressions(CZelBag &values, const CZelBag &expressions) {
+    for (const CZelPointer *node = expressions.RBFirst(); node != nullptr; node = CZelBag::RBNext(node))
+        addValues(values, static_cast<CZelExpr *>(node->RPData())->REBagVal());
 }
 
-// Adds a pair unless it has no name or no value, in which case the column keeps its default.
-void addPair(CZelVBList &pairs, const CZelAtom *name, const CZelAtom *value) {
-    if (!CZelAtom::RAIsNull(name) && !CZelAtom::RAIsNull(value))
-        pairs.RVBLAddToListEnd(new CZelVarBind(*name, value));
+// Does the expression take exactly one place in the row?
+bool takesOnePlace(int valueCount) {
+    return valueCount == 0 || valueCount == 1;
 }
 
-CZelRecord *recordOf(CZelVBList *pairs) {
-    if (pairs->RVBLLength() > 0)
-        return new CZelRecord(pairs);
-    delete pairs;
-    return nullptr;
+bool allTakeOnePlace(const CZelBag &expressions, int (*count)(const CZelPointer *)) {
+    for (const CZelPointer *node = expressions.RBFirst(); node != nullptr; node = CZelBag::RBNext(node))
+        if (!takesOnePlace(count(node)))
+            return false;
+    return true;
+}
+
+int nameCount(const CZelPointer *node) {
+    return expressionOf(node).REValueCount();
+}
+
+int valueCount(const CZelPointer *node) {
+    return valueOf(node).RECValueCount();
+}
+
+// Requires: the expression takes one place.
+const CZelAtom *onlyNameOf(const CZelPointer *node) {
+    return nameCount(node) == 1 ? expressionOf(node).REHeadAtomVal() : nullptr;
+}
+
+// Adds a pair unless it has no name or no value, in which case the column keeps its default. The record is made
+// at the first pair.
+void addPair(CZelRecord *&record, const CZelAtom *name, CZelAtom &&value) {
+    if (CZelAtom::RAIsNull(name) || value.RAIsUndefined())
+        return;
+    if (record == nullptr)
+        record = new CZelRecord;
+    record->RRAddValue(new CZelVarBind(*name, std::move(value)));
+}
+
+void reportLengths(int names, int values) {
+    CZelString text(
+        "Column and values lists different lengths, can not construct record from insert. Column list length: ");
+    text.RSStrCat(names);
+    text.RSStrCat(" value list length: ");
+    text.RSStrCat(values);
+    ZEL_REPORT(E_RCBadColumnValue, text.RSString());
 }
 
 }  // namespace
@@ -138,22 +178,22 @@ CZelRecord *CZelInsert::RICreateRecord(CZelTreeList *columns) {
 }
 
 CZelRecord *CZelInsert::labelledRecord() const {
-    auto *pairs = new CZelVBList();
+    auto *record = new CZelRecord;
     for (unsigned int i = 0; i < m_labels->RAVSize(); ++i)
-        pairs->RVBLAddToListEnd(new CZelVarBind(*m_labels->RAVGetValue(i), m_values->RAVGetValue(i)));
-    return new CZelRecord(pairs);
+        if (const CZelAtom *label = m_labels->RAVGetValue(i))
+            record->RRAddValue(new CZelVarBind(*label, std::as_const(*m_values).RAVGetValue(i)));
+    return record;
 }
 
-CZelRecord *CZelInsert::positionalRecord(CZelTreeList *columns) const {
+CZelRecord *CZelInsert::positionalRecord(const CZelTreeList *columns) const {
     if (columns == nullptr)
         return nullptr;
-    auto *pairs = new CZelVBList();
-    CZelDoubleList *list = columns->RTLIterator();
-    unsigned int i = 0;
-    for (CZelListable *node = list->RDLHead(); node != nullptr; node = list->RDLGetNext(node), ++i)
+    auto *record = new CZelRecord;
+    const CZelPointer *node = firstOf(*columns);
+    for (unsigned int i = 0; node != nullptr && i < m_values->RAVSize(); node = CZelBag::RBNext(node), ++i)
         if (const CZelAtom *value = m_values->RAVGetValue(i))
-            pairs->RVBLAddToListEnd(new CZelVarBind(*columnOf(node)->RCDName(), value));
-    return new CZelRecord(pairs);
+            record->RRAddValue(new CZelVarBind(*columnOf(node).RCDName(), value));
+    return record;
 }
 
 CZelRecord *CZelInsert::RICreateClauseRecord(CZelTreeList *columns) {
@@ -165,69 +205,61 @@ CZelRecord *CZelInsert::RICreateClauseRecord(CZelTreeList *columns) {
         addColumnNames(names, *columns);
     for (unsigned int i = 0; m_labels != nullptr && i < m_labels->RAVSize(); ++i)
         addAtom(names, m_labels->RAVGetValue(i));
-    for (CZelPointer *node = m_clauses->RBFirst(); node != nullptr; node = CZelBag::RBNext(node))
-        addValues(values, *static_cast<CZelExpr *>(node->RPData()));
+    addExpressions(values, *m_clauses);
     return RILinkBagVal(&names, &values);
 }
 
 CZelRecord *CZelInsert::RICreateEvalBagRecord(CZelTreeList *columns) {
     if (m_valueEvals == nullptr || (m_columnEvals == nullptr && columns == nullptr))
         return nullptr;
-    if (CZelVBList *pairs = constantPairs())
-        return recordOf(pairs);
+    if (pairsInStep(columns))
+        return recordInStep(columns);
     CZelBag names;
     CZelBag values;
-    if (m_columnEvals == nullptr)
+    if (m_columnEvals != nullptr)
+        addExpressions(names, *m_columnEvals);
+    else
         addColumnNames(names, *columns);
-    for (CZelPointer *node = m_columnEvals != nullptr ? m_columnEvals->RBFirst() : nullptr; node != nullptr;
-         node = CZelBag::RBNext(node))
-        addValues(names, *static_cast<CZelExpr *>(node->RPData()));
-    for (CZelPointer *node = m_valueEvals->RBFirst(); node != nullptr; node = CZelBag::RBNext(node))
-        static_cast<CZelExprComplex *>(node->RPData())->RECAppendValues(values);
+    for (const CZelPointer *node = m_valueEvals->RBFirst(); node != nullptr; node = CZelBag::RBNext(node))
+        addValues(values, static_cast<CZelExprComplex *>(node->RPData())->RECBagVal());
     return RILinkBagVal(&names, &values);
 }
 
-// The usual insert, of named columns and as many constants: paired as they stand, without lists of names and
-// values. Null when the statement is of another kind.
-CZelVBList *CZelInsert::constantPairs() {
-    if (m_columnEvals == nullptr || m_columnEvals->RBLength() != m_valueEvals->RBLength())
-        return nullptr;
-    auto *pairs = new CZelVBList();
-    CZelPointer *name = m_columnEvals->RBFirst();
-    for (CZelPointer *node = m_valueEvals->RBFirst(); node != nullptr;
-         node = CZelBag::RBNext(node), name = CZelBag::RBNext(name)) {
-        const auto *column = static_cast<const CZelExpr *>(name->RPData());
-        const auto *value = static_cast<const CZelExprComplex *>(node->RPData());
-        if (column->REType() != E_RETAtom || !isConstant(value)) {
-            delete pairs;
-            return nullptr;
-        }
-        addPair(*pairs, column->REHeadAtomVal(), value->RECExpr()->REHeadAtomVal());
+// The usual insert: each name and each value takes one place, and there are as many of them. Asked before anything
+// is built, so that no report is made twice.
+bool CZelInsert::pairsInStep(const CZelTreeList *columns) const {
+    const int names = m_columnEvals != nullptr ? m_columnEvals->RBLength() : columns->RTLLength();
+    return names == m_valueEvals->RBLength() && allTakeOnePlace(*m_valueEvals, valueCount) &&
+           (m_columnEvals == nullptr || allTakeOnePlace(*m_columnEvals, nameCount));
+}
+
+// The values go straight into the record's bindings.
+CZelRecord *CZelInsert::recordInStep(const CZelTreeList *columns) const {
+    CZelRecord *record = nullptr;
+    const CZelPointer *name = m_columnEvals != nullptr ? m_columnEvals->RBFirst() : firstOf(*columns);
+    for (const CZelPointer *node = m_valueEvals->RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
+        CZelAtom value;
+        if (valueOf(node).RECCopyValue(value))
+            addPair(record, m_columnEvals != nullptr ? onlyNameOf(name) : columnOf(name).RCDName(), std::move(value));
+        name = CZelBag::RBNext(name);
     }
-    return pairs;
+    return record;
 }
 
 CZelRecord *CZelInsert::RILinkBagVal(CZelBag *names, CZelBag *values) {
     if (names == nullptr || values == nullptr)
         return nullptr;
     if (names->RBLength() != values->RBLength()) {
-        CZelString text(
-            "Column and values lists different lengths, can not construct record from insert. Column list length: ");
-        text.RSStrCat(names->RBLength());
-        text.RSStrCat(" value list length: ");
-        text.RSStrCat(values->RBLength());
-        ZEL_REPORT(E_RCBadColumnValue, text.RSString());
+        reportLengths(names->RBLength(), values->RBLength());
         return nullptr;
     }
-    auto *pairs = new CZelVBList();
-    CZelPointer *value = values->RBFirst();
-    for (CZelPointer *name = names->RBFirst(); name != nullptr;
-         name = CZelBag::RBNext(name), value = CZelBag::RBNext(value))
-        addPair(*pairs, static_cast<const CZelAtom *>(name->RPData()), static_cast<const CZelAtom *>(value->RPData()));
-    return recordOf(pairs);
-}
-
-void CZelInsert::RIDump() {
-    const CZelMallocText text(RDOAsString());
-    std::printf("%s\n", text != nullptr ? text.get() : "NULL");
+    CZelRecord *record = nullptr;
+    const CZelPointer *value = values->RBFirst();
+    for (const CZelPointer *name = names->RBFirst(); name != nullptr; name = CZelBag::RBNext(name)) {
+        const auto *atom = static_cast<const CZelAtom *>(value->RPData());
+        if (atom != nullptr)
+            addPair(record, static_cast<const CZelAtom *>(name->RPData()), CZelAtom(*atom));
+        value = CZelBag::RBNext(value);
+    }
+    return record;
 }

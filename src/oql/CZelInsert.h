@@ -9,7 +9,6 @@ class CZelDbEntity;
 class CZelRecord;
 class CZelString;
 class CZelTreeList;
-class CZelVBList;
 
 class QUINTOR_API CZelInsert : public CZelDbObject {
 public:
@@ -38,7 +37,8 @@ public:
 
     // A new record of the statement's values, the caller's, or null: nothing to make one of, or names and
     // values that don't match (reported). `columns` is the table's column dictionary (data: CZelColDef*), or
-    // null; it gives the names, in tree order, where the statement has none. Values that are null are left out.
+    // null; it gives the names, in tree order, where the statement has none. Values that are null are left out,
+    // except of labels, whose names then stand without a value.
     CZelRecord *RICreateRecord(CZelTreeList *columns);
     CZelRecord *RICreateClauseRecord(CZelTreeList *columns);
     CZelRecord *RICreateEvalBagRecord(CZelTreeList *columns);
@@ -47,10 +47,14 @@ public:
 
 private:
     CZelRecord *labelledRecord() const;
-    CZelRecord *positionalRecord(CZelTreeList *columns) const;
-    CZelVBList *constantPairs();
-    void appendNamedValues(CZelString &text);
-    void appendPlainValues(CZelString &text);
+    CZelRecord *positionalRecord(const CZelTreeList *columns) const;
+    bool pairsInStep(const CZelTreeList *columns) const;
+    CZelRecord *recordInStep(const CZelTreeList *columns) const;
+    bool appendNames(CZelString &text) const;
+    bool appendUniques(CZelString &text) const;
+    bool appendNamedValues(CZelString &text);
+    void appendColumnValues(CZelString &text, const CZelRecord &record) const;
+    bool appendPlainValues(CZelString &text) const;
     CZelRecord *RILinkBagVal(CZelBag *names, CZelBag *values);
 
     CZelDbEntity *m_target;

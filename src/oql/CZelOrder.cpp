@@ -1,7 +1,6 @@
 #include "oql/CZelOrder.h"
 
 #include "foundations/base/CZelString.h"
-#include "foundations/base/ZelMalloc.h"
 #include "oql/CZelDbEntity.h"
 
 CZelOrder::CZelOrder(CZelDbEntity *column, EZelOrderDirection direction) : m_column(column), m_direction(direction) {}
@@ -15,9 +14,13 @@ CZelOrder::~CZelOrder() {
 }
 
 char *CZelOrder::ROPrint() {
-    CZelString text("");
-    if (m_column != nullptr)
-        text.RSStrCat(CZelMallocText(m_column->RDEPrint()).get());
-    text.RSStrCat(m_direction == E_RODDescending ? " DESC " : " ASC ");
-    return text.RSTakeString();
+    CZelString out;
+    return ROAppendPrint(out) ? out.RSTakeString() : nullptr;
+}
+
+bool CZelOrder::ROAppendPrint(CZelString &out) const {
+    if (m_column != nullptr && !m_column->RDEAppendPrint(out))
+        return false;
+    out.RSStrCat(m_direction == E_RODDescending ? " DESC " : " ASC ");
+    return true;
 }

@@ -6,6 +6,7 @@
 #include "foundations/port/ZelExport.h"
 
 class CZelDbEntity;
+class CZelString;
 
 class QUINTOR_API CZelOrder {
 public:
@@ -18,7 +19,8 @@ public:
 
     CZelDbEntity *ROColumn() const { return m_column; }
     EZelOrderDirection RODirection() const { return m_direction; }
-    char *ROPrint();  // the column and " ASC " or " DESC ", new from malloc
+    char *ROPrint();  // the column and " ASC " or " DESC ", new from malloc; null as RDEPrint
+    bool ROAppendPrint(CZelString &out) const;
 
 private:
     CZelDbEntity *m_column;

@@ -123,25 +123,38 @@ char *CZelQryInsert::RDOAsString() {
         return nullptr;
     }
     CZelString text("select ");
-    bool complete = true;
-    if (m_query->RQSelectStar() == E_RBTrue)
-        text.RSStrCat(" * ");
-    else
-        complete = ZelAppendExpressions(text, *m_query->RQSelection(), " , ");
-    text.RSStrCat("\n into ");
-    complete = ZelAppendEntity(text, m_target) && complete;
-    if (!complete) {
+    if (!appendHead(text)) {
         ZEL_REPORT(E_RCNull, "CZelQryInsert::RDOAsString: a part has no text");
         return nullptr;
     }
-    text.RSStrCat("\n");
-    if (m_uniques != nullptr) {
-        text.RSStrCat(" unique ( ");
-        ZelAppendNames(text, *m_uniques, " , ");
-        text.RSStrCat(" ) \n");
-    }
-    ZelAppendSource(text, *m_query->RQSource());
-    ZelAppendConditions(text, *m_query, false);
+    if (!appendUniques(text) || !ZelAppendSource(text, *m_query->RQSource()) ||
+        !ZelAppendConditions(text, *m_query, false))
+        return nullptr;
     text.RSStrCat(" ;\n");
     return text.RSTakeString();
+}
+
+// What is selected, and into what.
+bool CZelQryInsert::appendHead(CZelString &text) const {
+    if (m_query->RQSelectStar() == E_RBTrue)
+        text.RSStrCat(" * ");
+    else if (!ZelAppendExpressions(text, *m_query->RQSelection(), " , "))
+        return false;
+    else
+        text.RSStrCat('\n');
+    text.RSStrCat(" into ");
+    if (!ZelAppendEntity(text, m_target))
+        return false;
+    text.RSStrCat('\n');
+    return true;
+}
+
+bool CZelQryInsert::appendUniques(CZelString &text) const {
+    if (m_uniques == nullptr)
+        return true;
+    text.RSStrCat(" unique ( ");
+    if (!ZelAppendNames(text, *m_uniques, " , "))
+        return false;
+    text.RSStrCat(" ) \n");
+    return true;
 }

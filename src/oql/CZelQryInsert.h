@@ -9,6 +9,7 @@ class CZelDoubleList;
 class CZelInsert;
 class CZelQuery;
 class CZelRecord;
+class CZelString;
 class CZelTuple;
 
 class QUINTOR_API CZelQryInsert : public CZelDbObject {
@@ -34,6 +35,8 @@ public:
     CZelInsert *RQICreateRecord(CZelTuple *row);  // for a joined row
 
 private:
+    bool appendHead(CZelString &text) const;
+    bool appendUniques(CZelString &text) const;
     CZelInsert *selectedInsert(const CZelRecord &row);
     CZelInsert *makeInsert(CZelAtomVector *labels, CZelAtomVector *values) const;
 

@@ -1,70 +1,86 @@
+// The texts of queries, and the pieces that a query insert shares with them.
 #include <cstdio>
 
 #include "foundations/base/CZelBag.h"
 #include "foundations/base/CZelString.h"
 #include "foundations/base/ZelMalloc.h"
 #include "foundations/port/CZelError.h"
+#include "oql/CZelDbEntity.h"
 #include "oql/CZelOrder.h"
 #include "oql/CZelQuery.h"
 #include "oql/ZelStatementTextImpl.h"
 #include "store/CZelFilter.h"
 
-void ZelAppendSource(CZelString &text, CZelBag &source) {
-    text.RSStrCat(" from ");
-    ZelAppendEntities(text, source, "", " , \n");
-    text.RSStrCat("\n");
+namespace {
+
+bool isEmpty(const CZelBag *bag) {
+    return bag == nullptr || bag->RBLength() == 0;
 }
 
-void ZelAppendConditions(CZelString &text, const CZelQuery &query, bool resolved) {
-    if (query.RQFilter() != nullptr) {
-        text.RSStrCat("where \n( \n");
-        ZelAppendFilter(text, *query.RQFilter(), resolved);
-        text.RSStrCat("\n) \n");
-    }
-    if (query.RQGroups() != nullptr) {
-        text.RSStrCat("Group by \n");
-        ZelAppendEntities(text, *query.RQGroups(), "\t", " , \n");
-        text.RSStrCat("\n");
-    }
-    if (query.RQHaving() != nullptr) {
-        text.RSStrCat("having \n(\n");
-        ZelAppendFilter(text, *query.RQHaving(), false);
-        text.RSStrCat("\n)\n");
-    }
-    ZelAppendOrders(text, query.RQOrder());
+bool missing(const char *text) {
+    ZEL_REPORT(E_RCNoText, text);
+    return false;
 }
 
-void ZelAppendOrders(CZelString &text, CZelBag *orders) {
-    if (orders == nullptr || orders->RBLength() == 0)
-        return;
-    text.RSStrCat("order by \n");
-    for (CZelPointer *node = orders->RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
-        if (node != orders->RBFirst())
-            text.RSStrCat(" , \n");
-        text.RSStrCat("\t");
-        text.RSStrCat(CZelMallocText(static_cast<CZelOrder *>(node->RPData())->ROPrint()).get());
-    }
-    text.RSStrCat("\n");
-}
-
-// The text from "select" to the last condition; false, reported, when a part is missing.
-bool ZelAppendQuery(CZelString &text, const CZelQuery &query) {
-    text.RSStrCat("select ");
-    if (query.RQSelectStar() == E_RBTrue) {
-        text.RSStrCat(" * ");
-    } else if (query.RQSelection() != nullptr) {
-        ZelAppendExpressions(text, *query.RQSelection(), " , ");
-    } else {
-        ZEL_REPORT(E_RCNoText, "CZelQuery::RDOAsString: nothing is selected");
+bool appendCondition(CZelString &text, const char *before, CZelFilter *filter, bool resolved, const char *after) {
+    if (filter == nullptr)
+        return true;
+    text.RSStrCat(before);
+    if (!ZelAppendFilter(text, *filter, resolved))
         return false;
-    }
-    if (query.RQSource() == nullptr || query.RQSource()->RBLength() == 0) {
-        ZEL_REPORT(E_RCNoText, "CZelQuery::RDOAsString: no source");
-        return false;
-    }
-    ZelAppendSource(text, *query.RQSource());
-    ZelAppendConditions(text, query, true);
+    text.RSStrCat(after);
     return true;
+}
+
+bool appendGroups(CZelString &text, const CZelBag *groups) {
+    if (isEmpty(groups))
+        return true;
+    text.RSStrCat("Group by \n");
+    if (!ZelAppendEntities(text, *groups, "\t", " , \n"))
+        return false;
+    text.RSStrCat('\n');
+    return true;
+}
+
+bool appendOrders(CZelString &text, const CZelBag *orders) {
+    if (isEmpty(orders))
+        return true;
+    text.RSStrCat("order by \n");
+    for (const CZelPointer *node = orders->RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
+        text.RSStrCat(node == orders->RBFirst() ? "\t" : " , \n\t");
+        if (!static_cast<const CZelOrder *>(node->RPData())->ROAppendPrint(text))
+            return false;
+    }
+    text.RSStrCat('\n');
+    return true;
+}
+
+}  // namespace
+
+bool ZelAppendSource(CZelString &text, const CZelBag &source) {
+    text.RSStrCat(" from ");
+    if (!ZelAppendEntities(text, source, "", " , \n"))
+        return false;
+    text.RSStrCat('\n');
+    return true;
+}
+
+bool ZelAppendConditions(CZelString &text, const CZelQuery &query, bool resolved) {
+    return appendCondition(text, "where \n( \n", query.RQFilter(), resolved, "\n) \n") &&
+           appendGroups(text, query.RQGroups()) &&
+           appendCondition(text, "having \n(\n", query.RQHaving(), false, "\n)\n") &&
+           appendOrders(text, query.RQOrder());
+}
+
+bool ZelAppendQuery(CZelString &text, const CZelQuery &query) {
+    const bool isStar = query.RQSelectStar() == E_RBTrue;
+    if (!isStar && query.RQSelection() == nullptr)
+        return missing("CZelQuery::RDOAsString: nothing is selected");
+    if (isEmpty(query.RQSource()))
+        return missing("CZelQuery::RDOAsString: no source");
+    text.RSStrCat(isStar ? "select  * " : "select ");
+    return (isStar || ZelAppendExpressions(text, *query.RQSelection(), " , ")) &&
+           ZelAppendSource(text, *query.RQSource()) && ZelAppendConditions(text, query, true);
 }
 
 char *CZelQuery::RDOAsString() {
@@ -79,7 +95,7 @@ char *CZelQuery::RQPrint() {
     CZelString text("(");
     if (!ZelAppendQuery(text, *this))
         return nullptr;
-    text.RSStrCat(")");
+    text.RSStrCat(')');
     return text.RSTakeString();
 }
 

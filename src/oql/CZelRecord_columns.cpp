@@ -10,13 +10,21 @@
 
 namespace {
 
-// The name under which a column is written: that of its last key, or its own.
-const CZelAtom *outputName(const CZelDbEntity &column) {
+// The atom that names a column in the packed form: that of its last key, or its own.
+const CZelAtom *nameOf(const CZelDbEntity &column) {
     const CZelDoubleList *keys = column.RDEColSpec();
-    if (keys == nullptr)
+    if (keys == nullptr || keys->RDLTail() == nullptr)
         return column.RDEColNameAtom();
-    const auto *last = static_cast<const CZelExpr *>(keys->RDLTail());
-    return last != nullptr ? last->REAtomVal() : nullptr;
+    return static_cast<const CZelExpr *>(keys->RDLTail())->REAtomVal();
+}
+
+// An element is named by its index: only texts are names.
+int addPair(CZelROMPer &packet, const CZelAtom &name, const CZelAtom &value) {
+    if (name.RAType() == E_RDTText)
+        return packet.RRAddAttrVal(&name, &value);
+    CZelAtom text(name);
+    const int status = text.RACoerce(E_RDTText);
+    return status == 1 ? packet.RRAddAttrVal(&text, &value) : status;
 }
 
 }  // namespace
@@ -51,14 +59,17 @@ void CZelRecord::ROMEncodeSubSet(unsigned char **data, int *length, CZelBag *col
         return;
     }
     CZelROMPer packet(CZelROMPer::INITIAL_SIZE);
-    for (CZelPointer *node = columns->RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
+    const CZelPointer *node = columns != nullptr ? columns->RBFirst() : nullptr;
+    for (; node != nullptr; node = CZelBag::RBNext(node)) {
         const auto *column = static_cast<const CZelDbEntity *>(node->RPData());
-        const CZelAtom *name = outputName(*column);
+        const CZelAtom *name = nameOf(*column);
         const CZelAtom *value = RRValueOfExprList(column->RDEColNameAtom(), column->RDEColSpec());
-        const int status = name != nullptr && value != nullptr ? packet.RRAddAttrVal(name, value) : 1;
+        const int status = name != nullptr && value != nullptr ? addPair(packet, *name, *value) : 1;
         if (status != 1)
-            ZEL_REPORT(status, "CZelRecord::ROMEncodeSubSet");
+            ZEL_REPORT(status, "CZelRecord::ROMEncodeSubSet: a column can't be packed");
     }
+    if (packet.RRCreatedLength() == 0)
+        packet.RRAddPad();
     *length = packet.RRCreatedLength();
     *data = packet.RRTakePacket();
 }

@@ -3,6 +3,7 @@
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelString.h"
 #include "foundations/port/CZelError.h"
+#include "oql/ZelStatementTextImpl.h"
 
 namespace {
 
@@ -12,6 +13,16 @@ CZelAtom *takeName(char *name) {
 
 CZelAtom *copyOf(const CZelAtom *name) {
     return name != nullptr ? new CZelAtom(*name) : nullptr;
+}
+
+bool appendNames(CZelString &text, const CZelAtom &database, const CZelAtom *table) {
+    text.RSStrCat(table != nullptr ? "table " : "tables from ");
+    if (!ZelAppendName(text, database))
+        return false;
+    if (table == nullptr)
+        return true;
+    text.RSStrCat('.');
+    return ZelAppendName(text, *table);
 }
 
 }  // namespace
@@ -45,17 +56,10 @@ char *CZelShow::RDOAsString() {
         return nullptr;
     }
     CZelString text("show ");
-    if (m_database == nullptr) {
+    if (m_database == nullptr)
         text.RSStrCat("databases ");
-    } else if (m_table == nullptr) {
-        text.RSStrCat("tables from ");
-        text.RSStrCat(m_database);
-    } else {
-        text.RSStrCat("table ");
-        text.RSStrCat(m_database);
-        text.RSStrCat('.');
-        text.RSStrCat(m_table);
-    }
+    else if (!appendNames(text, *m_database, m_table))
+        return nullptr;
     text.RSStrCat(" ;\n");
     return text.RSTakeString();
 }

@@ -35,14 +35,23 @@ bool keeps(const CZelAssign &assign, const CZelRecord &record) {
     return old != nullptr && value != nullptr && old->RAType() == value->RAType() && old->RALex(value, nullptr) == 0;
 }
 
-void appendAssign(CZelString &text, const CZelAssign &assign) {
-    ZelAppendEntity(text, assign.RATarget());
-    text.RSStrCat("=");
-    const CZelAtom *value = assign.RAValue()->REHeadAtomVal();
-    if (CZelAtom::RAIsNull(value))
-        text.RSStrCat("NULL");
-    else
-        text.RSStrCatQuoted(value);
+bool appendAssign(CZelString &text, const CZelAssign &assign) {
+    if (!ZelAppendEntity(text, assign.RATarget()))
+        return false;
+    text.RSStrCat('=');
+    text.RSStrCatQuoted(assign.RAValue()->REHeadAtomVal());
+    return true;
+}
+
+bool appendChanges(CZelString &text, const CZelBag *changes) {
+    const CZelPointer *node = changes != nullptr ? changes->RBFirst() : nullptr;
+    for (; node != nullptr; node = CZelBag::RBNext(node)) {
+        if (node != changes->RBFirst())
+            text.RSStrCat(',');
+        if (!isWhole(assignOf(node)) || !appendAssign(text, *assignOf(node)))
+            return false;
+    }
+    return true;
 }
 
 }  // namespace
@@ -126,8 +135,8 @@ void CZelUpdate::RUSetFilter(const char *column, const CZelAtom *value) {
 
 const CZelAtom *CZelUpdate::RUFindColAssignment(const char *column, __boolean *found) const {
     *found = E_RBFalse;
-    for (CZelPointer *node = m_changes != nullptr ? m_changes->RBFirst() : nullptr; node != nullptr;
-         node = CZelBag::RBNext(node)) {
+    for (CZelPointer *node = m_changes != nullptr && column != nullptr ? m_changes->RBFirst() : nullptr;
+         node != nullptr; node = CZelBag::RBNext(node)) {
         const CZelAssign *assign = assignOf(node);
         if (!isWhole(assign))
             return nullptr;
@@ -151,19 +160,16 @@ bool CZelUpdate::RUWillChangeRecord(CZelRecord *record) const {
 
 char *CZelUpdate::RDOAsString() {
     CZelString text("update ");
-    ZelAppendEntity(text, m_target);
+    if (!ZelAppendEntity(text, m_target))
+        return nullptr;
     text.RSStrCat(" set ");
-    for (CZelPointer *node = m_changes != nullptr ? m_changes->RBFirst() : nullptr; node != nullptr;
-         node = CZelBag::RBNext(node)) {
-        if (node != m_changes->RBFirst())
-            text.RSStrCat(",");
-        if (isWhole(assignOf(node)))
-            appendAssign(text, *assignOf(node));
-    }
+    if (!appendChanges(text, m_changes))
+        return nullptr;
     if (m_filter != nullptr) {
         text.RSStrCat(" where ");
-        ZelAppendFilter(text, *m_filter, true);
+        if (!ZelAppendFilter(text, *m_filter, true))
+            return nullptr;
     }
-    text.RSStrCat(";");
+    text.RSStrCat(';');
     return text.RSTakeString();
 }

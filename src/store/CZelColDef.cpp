@@ -1,6 +1,7 @@
 #include "store/CZelColDef.h"
 
 #include <cstdlib>
+#include <utility>
 
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelBag.h"
@@ -15,14 +16,22 @@ CZelAtom *copyOf(const CZelAtom *atom) {
     return atom != nullptr ? new CZelAtom(*atom) : nullptr;
 }
 
-// " type " and the name of an element's or member's type.
-bool appendElementType(CZelString &text, const CZelColDef &element) {
-    text.RSStrCat(" type ");
-    if (element.RCDDataType() != E_RDTUndefined)
-        text.RSStrCat(CZelAtom::RAGetDataTypeString(element.RCDDataType()));
-    else
-        text.RSStrCat(element.RCDNamedTypeName());
-    return element.RCDDataType() != E_RDTUndefined || element.RCDNamedTypeName() != nullptr;
+const char *typeName(const CZelColDef &type) {
+    const bool isNamed = type.RCDDataType() == E_RDTUndefined && type.RCDNamedTypeName() != nullptr;
+    return isNamed ? type.RCDNamedTypeName() : CZelAtom::RAGetDataTypeString(type.RCDDataType());
+}
+
+// " type " and its name for each level of elements or members.
+bool appendElementTypes(CZelString &text, const CZelColDef *element) {
+    for (; element != nullptr; element = element->RCDDefined()) {
+        if (element->RCDDataType() == E_RDTUndefined && element->RCDNamedTypeName() == nullptr) {
+            ZEL_REPORT(E_RCNull, "CZelColDef: a type without a name");
+            return false;
+        }
+        text.RSStrCat(" type ");
+        text.RSStrCat(typeName(*element));
+    }
+    return true;
 }
 
 CZelString pathOf(const CZelVarBind &object, const char *prefix) {
@@ -39,21 +48,19 @@ bool isScalar(const CZelAtom *value) {
     return value != nullptr && value->RAType() >= E_RDTInt && value->RAType() <= E_RDTLong64;
 }
 
-// Calls `visit(path, member)` for each scalar member of an object value, at any depth.
+// Calls `visit(path, member)` for each scalar member of an object value, `levels` deep.
 template <class Visit>
-void visitScalars(const CZelVarBind &object, const char *prefix, Visit visit) {
+void visitScalars(const CZelVarBind &object, const char *prefix, Visit visit, int levels) {
     const CZelAtom *value = object.RVBValue();
-    const CZelVBList *members = value != nullptr ? value->RAObject() : nullptr;
+    const CZelVBList *members = value != nullptr && levels > 0 ? value->RAObject() : nullptr;
     if (members == nullptr)
         return;
     const CZelString path = pathOf(object, prefix);
     for (const CZelVarBind *member = members->RVBLHead(); member != nullptr; member = members->RVBLGetNext(member)) {
-        if (isScalar(member->RVBValue())) {
-            const CZelString full = pathOf(*member, path.RSString());
-            visit(full, *member);
-        } else {
-            visitScalars(*member, path.RSString(), visit);
-        }
+        if (isScalar(member->RVBValue()))
+            visit(pathOf(*member, path.RSString()), *member);
+        else
+            visitScalars(*member, path.RSString(), visit, levels - 1);
     }
 }
 
@@ -67,40 +74,57 @@ CZelColDef::CZelColDef(char *name, EZelDataType type, CZelColDef *defined, int m
         RCDSetName(name);
 }
 
-CZelColDef::CZelColDef(const CZelColDef &other)
-    : CZelTblAttr(other),
-      m_name(copyOf(other.m_name)),
-      m_maxLen(other.m_maxLen),
-      m_dataType(other.m_dataType),
-      m_namedType(ZelStrDup(other.m_namedType)),
-      m_defined(other.m_defined != nullptr ? new CZelColDef(*other.m_defined) : nullptr),
-      m_nullable(other.m_nullable),
-      m_unique(other.m_unique),
-      m_index(other.m_index),
-      m_default(copyOf(other.m_default)) {}
+// A text can chain types deeper than the stack allows, so chains are copied and deleted by loops.
+CZelColDef::CZelColDef(const CZelColDef &other) : CZelTblAttr(other) {
+    copyOwn(other);
+    CZelColDef *last = this;
+    for (const CZelColDef *element = other.m_defined; element != nullptr; element = element->m_defined) {
+        last->m_defined = new CZelColDef;
+        last = last->m_defined;
+        last->copyOwn(*element);
+    }
+}
+
+void CZelColDef::copyOwn(const CZelColDef &other) {
+    m_name = copyOf(other.m_name);
+    m_maxLen = other.m_maxLen;
+    m_dataType = other.m_dataType;
+    m_namedType = ZelStrDup(other.m_namedType);
+    m_nullable = other.m_nullable;
+    m_unique = other.m_unique;
+    m_index = other.m_index;
+    m_default = copyOf(other.m_default);
+}
 
 CZelColDef::~CZelColDef() {
     delete m_name;
     std::free(m_namedType);
-    delete m_defined;
     delete m_default;
+    while (m_defined != nullptr) {
+        CZelColDef *element = m_defined;
+        m_defined = std::exchange(element->m_defined, nullptr);
+        delete element;
+    }
 }
 
 int CZelColDef::RCDSetName(char *name) {
-    CZelAtom interned = CZelAtom::RAName(name);
-    std::free(name);
-    return RCDSetName(interned);
+    const CZelMallocText owner(name);
+    delete m_name;
+    m_name = name != nullptr ? new CZelAtom(CZelAtom::RAName(name)) : nullptr;
+    return 1;
 }
 
 int CZelColDef::RCDSetName(const CZelAtom &name) {
+    auto *copy = new CZelAtom(name);
     delete m_name;
-    m_name = new CZelAtom(name);
+    m_name = copy;
     return 1;
 }
 
 int CZelColDef::RCDSetNamedTypeName(const char *name) {
+    char *copy = ZelStrDup(name);
     std::free(m_namedType);
-    m_namedType = ZelStrDup(name);
+    m_namedType = copy;
     return 1;
 }
 
@@ -131,24 +155,18 @@ const char *CZelColDef::RCDDataTypeAsString() const {
 }
 
 char *CZelColDef::RCDTypeText() const {
-    CZelString text(CZelAtom::RAGetDataTypeString(m_dataType));
-    for (const CZelColDef *element = m_defined; element != nullptr; element = element->m_defined)
-        appendElementType(text, *element);
-    return text.RSTakeString();
+    CZelString text(typeName(*this));
+    return appendElementTypes(text, m_defined) ? text.RSTakeString() : nullptr;
 }
 
 char *CZelColDef::RCDOQLDefinition() {
     CZelString text;
     text.RSStrCat(m_name);
     text.RSStrCat(' ');
-    text.RSStrCat(m_dataType == E_RDTUndefined && m_namedType != nullptr ? m_namedType
-                                                                         : CZelAtom::RAGetDataTypeString(m_dataType));
+    text.RSStrCat(typeName(*this));
     text.RSStrCat(' ');
-    for (const CZelColDef *element = m_defined; element != nullptr; element = element->m_defined)
-        if (!appendElementType(text, *element)) {
-            ZEL_REPORT(E_RCNull, "CZelColDef::RCDOQLDefinition: a type without a name");
-            return nullptr;
-        }
+    if (!appendElementTypes(text, m_defined))
+        return nullptr;
     if (m_nullable != E_RBTrue)
         text.RSStrCat(" not null ");
     if (m_unique == E_RBTrue)
@@ -165,17 +183,23 @@ char *CZelColDef::RCDOQLDefinition() {
 CZelBag *CZelColDef::RCDValueBag(const CZelVarBind *object, const char *prefix, CZelBag *bag) {
     CZelBag *out = bag != nullptr ? bag : new CZelBag();
     if (object != nullptr)
-        visitScalars(*object, prefix, [out](const CZelString &path, const CZelVarBind &member) {
-            out->RBAdd(static_cast<void *>(new CZelVarBind(path.RSString(), member.RVBValue())));
-        });
+        visitScalars(
+            *object, prefix,
+            [out](const CZelString &path, const CZelVarBind &member) {
+                out->RBAdd(static_cast<void *>(new CZelVarBind(path.RSString(), member.RVBValue())));
+            },
+            CZelAtom::MAX_NESTING);
     return out;
 }
 
 CZelBag *CZelColDef::RCDIndexBag(CZelVarBind *object, const char *prefix, CZelBag *bag) {
     CZelBag *out = bag != nullptr ? bag : new CZelBag();
     if (object != nullptr)
-        visitScalars(*object, prefix, [out](const CZelString &path, const CZelVarBind & /*member*/) {
-            out->RBAdd(static_cast<void *>(path.RSStringAsAtom()));
-        });
+        visitScalars(
+            *object, prefix,
+            [out](const CZelString &path, const CZelVarBind & /*member*/) {
+                out->RBAdd(static_cast<void *>(path.RSStringAsAtom()));
+            },
+            CZelAtom::MAX_NESTING);
     return out;
 }

@@ -1,5 +1,6 @@
 // A column's definition, and the check that every value for it passes: it decides whether a value fits, and
-// converts, cuts or defaults it where the column allows that.
+// converts, cuts or defaults it where the column allows that. Values are looked at CZelAtom::MAX_NESTING levels
+// deep; one whose declared elements lie deeper does not fit.
 #pragma once
 
 #include "store/CZelTblAttr.h"
@@ -61,8 +62,10 @@ public:
     CZelAtom *RCDCoerceType(CZelAtom *value);
 
     const char *RCDDataTypeAsString() const;  // "int", "long", ..., new from malloc
-    char *RCDTypeText() const;                // the type with its " type ..." chain, new from malloc
-    char *RCDOQLDefinition();                 // the column as it stands in a create table, new from malloc
+    // The type with its " type ..." chain, and the column as it stands in a create table: new from malloc, null
+    // (reported) when a type has no name.
+    char *RCDTypeText() const;
+    char *RCDOQLDefinition();
 
     // The scalar members of an object value, by path: bindings "prefix.name.member", or only the paths as text
     // atoms. A null bag makes a new one; the caller owns bag and contents.
@@ -70,8 +73,7 @@ public:
     CZelBag *RCDIndexBag(CZelVarBind *object, const char *prefix, CZelBag *bag);
 
 private:
-    bool fits(const CZelAtom &value, CZelAtom **replacement);
-    bool takesNull() const;
+    void copyOwn(const CZelColDef &other);
     CZelAtom *forgivingCopy(const CZelAtom &value) const;
 
     CZelAtom *m_name = nullptr;

@@ -1,5 +1,6 @@
 // The check of values against a column.
 #include <memory>
+#include <utility>
 
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelAtomVector.h"
@@ -11,140 +12,203 @@
 
 namespace {
 
-// A copy in another type, or null when the value can't be.
-CZelAtom *coerced(const CZelAtom &value, EZelDataType type) {
-    auto copy = std::make_unique<CZelAtom>(value);
-    return copy->RACoerce(type) == 1 ? copy.release() : nullptr;
+// What a check says of a value: it must not stand, it may stand, or another has to stand in its place.
+enum Verdict { REFUSED, FITS, REPLACED };
+
+Verdict check(const CZelColDef &column, const CZelAtom *value, CZelAtom &replacement, int level);
+
+bool takesNull(const CZelColDef &column) {
+    return column.RCDNullable() == E_RBTrue && column.RCDUnique() != E_RBTrue && column.RCDIndex() != E_RBTrue;
+}
+
+Verdict checkNull(const CZelColDef &column, CZelAtom &replacement) {
+    if (CZelAtom::RAIsNull(column.RCDDefault()))
+        return takesNull(column) ? FITS : REFUSED;
+    replacement = *column.RCDDefault();
+    return REPLACED;
+}
+
+Verdict checkNumber(EZelDataType type, const CZelAtom &value, CZelAtom &replacement) {
+    if (value.RAType() == type)
+        return FITS;
+    if (!value.RAIsNumber() && value.RAType() != E_RDTText)
+        return REFUSED;
+    replacement = value;
+    return replacement.RACoerce(type) == 1 ? REPLACED : REFUSED;
 }
 
 bool isTooLong(const CZelAtom &text, int maxLen) {
     return maxLen >= 0 && text.RATextLength() > static_cast<std::size_t>(maxLen);
 }
 
-CZelAtom *cut(const CZelAtom &text, int maxLen) {
-    return new CZelAtom(text.RAString(), static_cast<std::size_t>(maxLen));
+CZelAtom cut(const CZelAtom &text, int maxLen) {
+    return CZelAtom(text.RAString(), static_cast<std::size_t>(maxLen));
 }
 
-// An element as it goes into a rebuilt list or object: its replacement, or a copy; null for no value.
-CZelAtom *rebuilt(const CZelAtom *value, CZelAtom *replacement) {
-    if (replacement != nullptr || value == nullptr)
-        return replacement;
-    return new CZelAtom(*value);
+Verdict checkText(int maxLen, const CZelAtom &value, CZelAtom &replacement) {
+    if (value.RAType() != E_RDTText)
+        return REFUSED;
+    if (!isTooLong(value, maxLen))
+        return FITS;
+    replacement = cut(value, maxLen);
+    return REPLACED;
 }
 
-}  // namespace
+// An element as it goes into a list that is built anew, after its check; null where there was none.
+CZelAtom *checkedElement(const CZelAtom *value, Verdict verdict, CZelAtom &replacement) {
+    if (verdict == REPLACED)
+        return new CZelAtom(std::move(replacement));
+    return value != nullptr ? new CZelAtom(*value) : nullptr;
+}
 
-// A value that is there, against the type alone.
-bool CZelColDef::fits(const CZelAtom &value, CZelAtom **replacement) {
-    switch (m_dataType) {
+// From the first element that has to change on, the list is built anew; each element is checked once.
+Verdict checkList(const CZelColDef *defined, const CZelAtomVector &list, CZelAtom &replacement, int level) {
+    std::unique_ptr<CZelAtomVector> rebuilt;
+    for (unsigned int i = 0; defined != nullptr && i < list.RAVSize(); ++i) {
+        CZelAtom element;
+        const Verdict verdict = check(*defined, list.RAVGetValue(i), element, level);
+        if (verdict == REFUSED)
+            return REFUSED;
+        if (verdict == REPLACED && rebuilt == nullptr) {
+            rebuilt = std::make_unique<CZelAtomVector>(list.RAVSize());
+            for (unsigned int before = 0; before < i; ++before)
+                rebuilt->RAVAddToEnd(checkedElement(list.RAVGetValue(before), FITS, element));
+        }
+        if (rebuilt != nullptr)
+            rebuilt->RAVAddToEnd(checkedElement(list.RAVGetValue(i), verdict, element));
+    }
+    if (rebuilt == nullptr)
+        return FITS;
+    replacement = CZelAtom(rebuilt.release());
+    return REPLACED;
+}
+
+CZelVarBind *checkedMember(const CZelVarBind &member, Verdict verdict, CZelAtom &replacement) {
+    return verdict == REPLACED ? new CZelVarBind(member.RVBName(), std::move(replacement)) : new CZelVarBind(member);
+}
+
+// The same for an object; members keep their names and their order.
+Verdict checkObject(const CZelColDef *defined, const CZelVBList &object, CZelAtom &replacement, int level) {
+    std::unique_ptr<CZelVBList> rebuilt;
+    const CZelVarBind *member = defined != nullptr ? object.RVBLHead() : nullptr;
+    for (; member != nullptr; member = object.RVBLGetNext(member)) {
+        CZelAtom value;
+        const Verdict verdict = check(*defined, member->RVBValue(), value, level);
+        if (verdict == REFUSED)
+            return REFUSED;
+        if (verdict == REPLACED && rebuilt == nullptr) {
+            rebuilt = std::make_unique<CZelVBList>();
+            for (const CZelVarBind *before = object.RVBLHead(); before != member; before = object.RVBLGetNext(before))
+                rebuilt->RVBLAddToListEnd(new CZelVarBind(*before));
+        }
+        if (rebuilt != nullptr)
+            rebuilt->RVBLAddToListEnd(checkedMember(*member, verdict, value));
+    }
+    if (rebuilt == nullptr)
+        return FITS;
+    replacement = CZelAtom(rebuilt.release());
+    return REPLACED;
+}
+
+// Requires: the value is not null. `level` counts the lists and objects around it.
+Verdict checkPresent(const CZelColDef &column, const CZelAtom &value, CZelAtom &replacement, int level) {
+    switch (column.RCDDataType()) {
         case E_RDTInt:
         case E_RDTLong:
         case E_RDTFloat:
         case E_RDTLong64:
-            if (value.RAType() == m_dataType)
-                return true;
-            *replacement = coerced(value, m_dataType);
-            return *replacement != nullptr;
+            return checkNumber(column.RCDDataType(), value, replacement);
         case E_RDTText:
-            if (value.RAType() == E_RDTText && isTooLong(value, m_maxLen))
-                *replacement = cut(value, m_maxLen);
-            return value.RAType() == E_RDTText;
+            return checkText(column.RCDMaxLen(), value, replacement);
         case E_RDTList:
-            return value.RAList() != nullptr && RCDCheckListContentType(*value.RAList(), replacement) == E_RBTrue;
+            if (value.RAList() == nullptr)
+                return REFUSED;
+            return checkList(column.RCDDefined(), *value.RAList(), replacement, level + 1);
         case E_RDTObject:
-            return value.RAObject() != nullptr && RCDCheckObjectContentType(*value.RAObject(), replacement) == E_RBTrue;
+            if (value.RAObject() == nullptr)
+                return REFUSED;
+            return checkObject(column.RCDDefined(), *value.RAObject(), replacement, level + 1);
         case E_RDTUndefined:
-            return true;
+            return FITS;
         default:
-            return value.RAType() == m_dataType;
+            return value.RAType() == column.RCDDataType() ? FITS : REFUSED;
     }
 }
+
+Verdict check(const CZelColDef &column, const CZelAtom *value, CZelAtom &replacement, int level) {
+    if (CZelAtom::RAIsNull(value))
+        return checkNull(column, replacement);
+    return level < CZelAtom::MAX_NESTING ? checkPresent(column, *value, replacement, level) : REFUSED;
+}
+
+// The verdict in the form of the interface.
+__boolean answer(Verdict verdict, CZelAtom &replacement, CZelAtom **out) {
+    if (verdict == REPLACED)
+        *out = new CZelAtom(std::move(replacement));
+    return ZelBool(verdict != REFUSED);
+}
+
+bool takesReplacement(CZelAtom **replacement) {
+    if (replacement != nullptr) {
+        *replacement = nullptr;
+        return true;
+    }
+    ZEL_REPORT(E_RCNull, "CZelColDef: a check without a place for the replacement");
+    return false;
+}
+
+CZelAtom *coercedCopy(const CZelAtom &value, EZelDataType type) {
+    auto copy = std::make_unique<CZelAtom>(value);
+    return copy->RACoerce(type) == 1 ? copy.release() : nullptr;
+}
+
+}  // namespace
 
 __boolean CZelColDef::RCDTypeMatches(const CZelAtom *value, CZelAtom **replacement) {
-    if (replacement == nullptr) {
-        ZEL_REPORT(E_RCNull, "CZelColDef::RCDTypeMatches");
+    if (!takesReplacement(replacement))
         return E_RBFalse;
-    }
-    *replacement = nullptr;
-    if (!CZelAtom::RAIsNull(value))
-        return ZelBool(fits(*value, replacement));
-    if (!CZelAtom::RAIsNull(m_default)) {
-        *replacement = new CZelAtom(*m_default);
-        return E_RBTrue;
-    }
-    return ZelBool(takesNull());
+    CZelAtom changed;
+    return answer(check(*this, value, changed, 0), changed, replacement);
 }
 
-bool CZelColDef::takesNull() const {
-    return m_nullable == E_RBTrue && m_unique != E_RBTrue && m_index != E_RBTrue;
-}
-
-// The first element that has to change makes the whole list be built anew.
 __boolean CZelColDef::RCDCheckListContentType(const CZelAtomVector &list, CZelAtom **replacement) {
-    CZelAtom *changed = nullptr;
-    for (unsigned int i = 0; m_defined != nullptr && changed == nullptr && i < list.RAVSize(); ++i)
-        if (m_defined->RCDTypeMatches(list.RAVGetValue(i), &changed) != E_RBTrue)
-            return E_RBFalse;
-    if (changed == nullptr)
-        return E_RBTrue;
-    delete changed;
-    auto elements = std::make_unique<CZelAtomVector>(list.RAVSize());
-    for (unsigned int i = 0; i < list.RAVSize(); ++i) {
-        CZelAtom *element = nullptr;
-        if (m_defined->RCDTypeMatches(list.RAVGetValue(i), &element) != E_RBTrue)
-            return E_RBFalse;
-        CZelAtom *atom = rebuilt(list.RAVGetValue(i), element);
-        elements->RAVAddToEnd(atom != nullptr ? atom : new CZelAtom());
-    }
-    *replacement = new CZelAtom(elements.release());
-    return E_RBTrue;
+    if (!takesReplacement(replacement))
+        return E_RBFalse;
+    CZelAtom changed;
+    return answer(checkList(m_defined, list, changed, 1), changed, replacement);
 }
 
 __boolean CZelColDef::RCDCheckObjectContentType(const CZelVBList &object, CZelAtom **replacement) {
-    CZelAtom *changed = nullptr;
-    for (const CZelVarBind *member = object.RVBLHead(); m_defined != nullptr && changed == nullptr && member != nullptr;
-         member = object.RVBLGetNext(member))
-        if (m_defined->RCDTypeMatches(member->RVBValue(), &changed) != E_RBTrue)
-            return E_RBFalse;
-    if (changed == nullptr)
-        return E_RBTrue;
-    delete changed;
-    auto members = std::make_unique<CZelVBList>();
-    for (const CZelVarBind *member = object.RVBLHead(); member != nullptr; member = object.RVBLGetNext(member)) {
-        CZelAtom *value = nullptr;
-        if (m_defined->RCDTypeMatches(member->RVBValue(), &value) != E_RBTrue)
-            return E_RBFalse;
-        CZelAtom *atom = rebuilt(member->RVBValue(), value);
-        members->RVBLAddToListEnd(new CZelVarBind(member->RVBName(), &atom));
-    }
-    *replacement = new CZelAtom(members.release());
-    return E_RBTrue;
+    if (!takesReplacement(replacement))
+        return E_RBFalse;
+    CZelAtom changed;
+    return answer(checkObject(m_defined, object, changed, 1), changed, replacement);
 }
 
 __boolean CZelColDef::RCDTypeMatches(CZelRecord &record) {
     CZelVarBind *binding = record.RRValuePairOf(m_name);
-    CZelAtom *replacement = nullptr;
-    if (RCDTypeMatches(binding != nullptr ? binding->RVBValue() : nullptr, &replacement) != E_RBTrue)
-        return E_RBFalse;
-    if (replacement == nullptr)
-        return E_RBTrue;
-    const int status =
-        binding != nullptr ? binding->RVBSetValue(&replacement) : record.RRAddValue(m_name, &replacement);
-    if (status != 1)
-        ZEL_REPORT(status, "CZelColDef::RCDTypeMatches");
+    CZelAtom changed;
+    const Verdict verdict = check(*this, binding != nullptr ? binding->RVBValue() : nullptr, changed, 0);
+    if (verdict != REPLACED)
+        return ZelBool(verdict == FITS);
+    if (binding != nullptr)
+        *binding->RVBForWriting() = std::move(changed);
+    else if (m_name != nullptr)
+        record.RRAddValue(new CZelVarBind(*m_name, std::move(changed)));
+    else
+        ZEL_REPORT(E_RCBadArgument, "CZelColDef::RCDTypeMatches: a column without a name");
     return E_RBTrue;
 }
 
 __boolean CZelColDef::RCDUpdateTypeMatches(CZelExpr *expression) {
     const CZelAtom *value = expression->REHeadAtomVal();
     if (CZelAtom::RAIsNull(value))
-        return ZelBool(takesNull());
-    CZelAtom *replacement = nullptr;
-    const __boolean matches = RCDTypeMatches(value, &replacement);
-    if (replacement != nullptr)
-        expression->RESetHeadAtomVal(replacement);
-    delete replacement;
-    return matches;
+        return ZelBool(takesNull(*this));
+    CZelAtom changed;
+    const Verdict verdict = check(*this, value, changed, 0);
+    if (verdict == REPLACED)
+        expression->RESetHeadAtomVal(std::move(changed));
+    return ZelBool(verdict != REFUSED);
 }
 
 // A copy that fits the type, or null. Elements of lists and objects are not looked at.
@@ -154,10 +218,10 @@ CZelAtom *CZelColDef::forgivingCopy(const CZelAtom &value) const {
         case E_RDTLong:
         case E_RDTFloat:
         case E_RDTLong64:
-            return value.RAType() == m_dataType ? new CZelAtom(value) : coerced(value, m_dataType);
+            return coercedCopy(value, m_dataType);
         case E_RDTText:
             if (value.RAType() == E_RDTText && isTooLong(value, m_maxLen))
-                return cut(value, m_maxLen);
+                return new CZelAtom(cut(value, m_maxLen));
             [[fallthrough]];
         default:
             return value.RAType() == m_dataType ? new CZelAtom(value) : nullptr;
