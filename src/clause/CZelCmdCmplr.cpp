@@ -53,18 +53,6 @@ bool drainInTextOrder(CZelStack &results, CZelBag &bag) {
     return repeatable;
 }
 
-// What the store has adopted stays; what it refused, and everything when `all`, goes.
-bool isOursToDelete(CZelDbObject *statement, __boolean all) {
-    switch (statement->RDOType()) {
-        case E_DODatabase:
-            return all == E_RBTrue || static_cast<CZelDatabase *>(statement)->RDGetStoreErrorStatus() != E_RSEOk;
-        case E_DOTable:
-            return all == E_RBTrue || static_cast<CZelTable *>(statement)->RTGetStoreErrorStatus() != E_RSEOk;
-        default:
-            return true;
-    }
-}
-
 }  // namespace
 
 CZelCmdCmplr::CZelCmdCmplr() : m_ConstStore(E_RBFalse) {
@@ -156,7 +144,14 @@ void CZelCmdCmplr::sortStatement(CZelDbObject *statement, bool own) {
     else if (own)
         return delete statement;
     if (own || passesToStore(*statement))
-        m_Statements.RBAdd(static_cast<void *>(statement));
+        listForDeletion(statement);
+}
+
+// A database or table leaves the list when the store adopts it.
+void CZelCmdCmplr::listForDeletion(CZelDbObject *statement) {
+    auto *entry = new CZelPointer(statement);
+    m_Statements.RBAdd(entry);
+    statement->RDOSetListing(entry);
 }
 
 void CZelCmdCmplr::RCCAddToSymbols(CZelDbObject *statement) {
@@ -268,12 +263,11 @@ void CZelCmdCmplr::takeLastClause(CZelVarBind &field) {
     field.RVBSetValue(value != nullptr ? value : &noValue);
 }
 
-void CZelCmdCmplr::RCCPurge(__boolean all) {
+void CZelCmdCmplr::RCCPurge(__boolean /*all*/) {
     m_Actions.RBEmptyBag();
     m_Clauses.RBEmptyBag();
     m_Queries.RBEmptyBag();
     for (CZelPointer *node = m_Statements.RBFirst(); node != nullptr; node = CZelBag::RBNext(node))
-        if (isOursToDelete(statementOf(node), all))
-            delete statementOf(node);
+        delete statementOf(node);
     m_Statements.RBEmptyBag();
 }

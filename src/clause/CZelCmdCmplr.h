@@ -89,7 +89,7 @@ public:
     int RCCCompileExpr(CZelExpr *expression);
     int RCCInitClauses();                            // forgets all results, ready for the next record; 1
     int RCCCompileClausesInRec(CZelRecord *record);  // evaluates fields whose text is a clause, in place; 1
-    void RCCPurge(__boolean all);  // empties the lists; deletes the statements that are not the store's
+    void RCCPurge(__boolean all);  // empties the lists; deletes all statements but those that a store has adopted
     CZelBag *RCCActions() { return &m_Actions; }
     CZelBag *RCCQueries() { return &m_Queries; }
 
@@ -146,6 +146,7 @@ private:
     CZelAtom *evaluateBuiltIn(const char *name);
     const char *followIndirections(const char *name);
     void sortStatement(CZelDbObject *statement, bool own);
+    void listForDeletion(CZelDbObject *statement);
     void compileField(CZelVarBind &field, CZelFilterParser &parser);
     void compileText(CZelVarBind &field, CZelFilterParser &parser);
     void takeLastClause(CZelVarBind &field);

@@ -11,16 +11,19 @@
 #include "oql/CZelUpdate.h"
 #include "store/CZelDatabase.h"
 #include "store/CZelStore.h"
+#include "store/CZelStoreWholeOperation.h"
 #include "store/CZelTable.h"
 
 namespace {
 
 int executeDatabase(CZelStore &store, CZelDatabase &database) {
+    const CZelStoreWholeOperation operation(store);
     const int status = store.RSAddDb(&database);
     return status == 1 && database.RDGetStoreErrorStatus() == E_RSEOk ? database.RDOInitialise(&store) : status;
 }
 
 int executeTable(CZelStore &store, CZelTable &table) {
+    const CZelStoreWholeOperation operation(store);
     const int status = store.RSAddTbl(&table, E_RBFalse);
     return status == 1 && table.RTGetStoreErrorStatus() == E_RSEOk ? table.RDOInitialise(&store) : status;
 }

@@ -7,6 +7,7 @@
 #include "foundations/port/ZelExport.h"
 
 class CZelBag;
+class CZelPointer;
 class CZelStore;
 
 class QUINTOR_API CZelDbObject {
@@ -15,8 +16,11 @@ public:
 
     CZelDbObject() = default;
     explicit CZelDbObject(__e_dbObj kind) : m_kind(kind) {}
-    CZelDbObject(const CZelDbObject &) = default;
-    CZelDbObject &operator=(const CZelDbObject &) = default;
+    CZelDbObject(const CZelDbObject &other) : m_kind(other.m_kind) {}
+    CZelDbObject &operator=(const CZelDbObject &other) {
+        m_kind = other.m_kind;
+        return *this;
+    }
     virtual ~CZelDbObject();
 
     virtual int RDODestroy() = 0;
@@ -32,6 +36,13 @@ public:
 
     __e_dbObj RDOType() const { return m_kind; }
 
+    // Between whoever is to delete the statement and the store: the entry that lists it for deletion, and the
+    // store's word that it has adopted the object, upon which the entry forgets it. A table may be made and
+    // dropped by one text, so the lister can't ask the object afterwards.
+    void RDOSetListing(CZelPointer *entry) { m_listing = entry; }
+    void RDOAdopted();
+
 private:
     __e_dbObj m_kind = E_DONone;
+    CZelPointer *m_listing = nullptr;  // not owned
 };

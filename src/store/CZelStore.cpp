@@ -71,6 +71,8 @@ int CZelStore::RSAddDb(CZelDatabase *database) {
     const CZelStoreGuard guard(m_lock, CZelStoreGuard::WRITER);
     const int status = m_databases->RTLAdd(database->RDName(), database, true);
     database->RDSetStoreErrorStatus(status == 1 ? E_RSEOk : E_RSECreateDatabase);
+    if (status == 1)
+        database->RDOAdopted();
     if (status != E_RCDuplicate)
         return status == 1 ? 1 : (ZEL_REPORT(status, "CZelStore::RSAddDb"), 1);
     CZelString text("CZelStore::RSAddDb: there is a database ");

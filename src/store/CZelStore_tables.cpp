@@ -99,6 +99,7 @@ int CZelStore::RSAddTbl(CZelTable *table, __boolean noCache) {
     if (noCache != E_RBTrue)
         RSCacheTable(table, E_RBTrue);
     table->RTSetStoreErrorStatus(E_RSEOk);
+    table->RDOAdopted();
     return 1;
 }
 

@@ -199,9 +199,10 @@ CZelBag *CZelStoreMgr::RSMQueryDist(CZelDbObject *statement, EZelStoreErrorStatu
         default:
             break;
     }
-    const int code = dispatchAction(statement, status);
+    const bool isInsert = statement->RDOType() == E_DOInsert;
+    const int code = dispatchAction(statement, status);  // a table may be another's to drop from here on
     reportAgain(code);
-    if (statement->RDOType() == E_DOInsert)
+    if (isInsert)
         traceInsert(statement, code);
     return nullptr;
 }

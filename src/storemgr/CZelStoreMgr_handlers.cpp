@@ -16,6 +16,7 @@
 #include "oql/CZelUpdate.h"
 #include "store/CZelDatabase.h"
 #include "store/CZelStore.h"
+#include "store/CZelStoreWholeOperation.h"
 #include "store/CZelTable.h"
 #include "storemgr/CZelStoreMgr.h"
 
@@ -32,18 +33,6 @@ int failed(CZelDbObject *statement, int code, EZelStoreErrorStatus *status) {
     CZelStoreMgr::RSMBuildErrorString(statement, code, status, text);
     return ZEL_FAIL(code, text.c_str());
 }
-
-// Nobody sees a table between its entry into the store and its coming to life.
-class WholeOperation {
-public:
-    explicit WholeOperation(CZelStore &store) : m_store(store) { m_store.RSLock(); }
-    WholeOperation(const WholeOperation &) = delete;
-    WholeOperation &operator=(const WholeOperation &) = delete;
-    ~WholeOperation() { m_store.RSUnlock(); }
-
-private:
-    CZelStore &m_store;
-};
 
 constexpr const char *SENTENCES[] = {
     " permission was denied to the store.",
@@ -113,7 +102,7 @@ int CZelStoreMgr::dispatchAction(CZelDbObject *statement, EZelStoreErrorStatus *
 
 int CZelStoreMgr::RSMDoTable(CZelTable *table, EZelStoreErrorStatus *status) {
     clearStatus(status);
-    const WholeOperation operation(*m_Store);
+    const CZelStoreWholeOperation operation(*m_Store);
     const int added = m_Store->RSAddTbl(table, E_RBFalse);
     if (added == 1 && table->RTGetStoreErrorStatus() == E_RSEOk) {
         const int live = table->RDOInitialise(m_Store);
@@ -129,7 +118,7 @@ int CZelStoreMgr::RSMDoTable(CZelTable *table, EZelStoreErrorStatus *status) {
 
 int CZelStoreMgr::RSMDoDbase(CZelDatabase *database, EZelStoreErrorStatus *status) {
     clearStatus(status);
-    const WholeOperation operation(*m_Store);
+    const CZelStoreWholeOperation operation(*m_Store);
     const int added = m_Store->RSAddDb(database);
     if (added == 1 && database->RDGetStoreErrorStatus() == E_RSEOk) {
         const int live = database->RDOInitialise(m_Store);

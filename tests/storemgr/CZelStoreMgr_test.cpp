@@ -201,6 +201,8 @@ TEST_F(StoreMgrTest, ACallbackKeepsTablesOutAndIn) {
     Guard second;
     manager.RSMAddDbCallback(&database, &second);
     EXPECT_TRUE(reports.Holds(E_RCBadState, "Can not overriden default callback"));
+    guard.refuseDrop = false;
+    run("drop database d;");  // the callbacks die before the store
 }
 
 TEST_F(StoreMgrTest, CopiesHaveTheDefinitionAndNoRows) {

@@ -121,7 +121,7 @@ TEST_F(SchemaTest, ADumpReadsBackAsTheSameStore) {
         "create table d.t (name text not null primary key, n int default 5, u long64, f float, l list type list type "
         "int,"
         " o object type text, unique (u)); create index i on d.t (n, f);");
-    run("insert into d.t (name, u, f, l) values ('it''s', 9223372036854775807, 1.5, [[1,2],[]]);");
+    run("insert into d.t (name, u, f, l) values (\"it's\", 9223372036854775807, 1.5, [[1,2],[]]);");
     run("insert into d.t (name, u, f, o) values ('two \"quotes\"', -1, 0.1, {a='x',b=\"y'z\"});");
     const std::string text = dump(*manager.RSMGetStore());
     const Rows before = rows("select * from d.t;");
