@@ -88,6 +88,11 @@ TEST(Filter, ReplacingReportsNullsAndMissingBranches) {
     EXPECT_EQ(E_RCBadArgument, lonely->RFReplaceBranch(lonely->RFRight(), other.get()));
     EXPECT_EQ(3U, reports.Count());
     EXPECT_EQ("( Not a = 1)", taken(lonely->RFPrint()));
+
+    CZelFilter *deep = leaf(col("b"), E_ROEqual, val(2));
+    const Filter whole(both(negated(both(leaf(col("a"), E_ROEqual, val(1)), deep)), new CZelFilter(E_RBTrue)));
+    EXPECT_EQ(E_RCNotInTree, whole->RFReplaceBranch(deep, other.get()));  // not below a Not
+    EXPECT_EQ(4U, reports.Count());
 }
 
 TEST(Filter, MissingBranchesCountAsFalse) {
