@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "foundations/port/CZelErrorCapture.h"
+#include "oql/CZelFilterParser.h"
 #include "oql/CZelQuery.h"
 #include "tests/store/Conditions.h"
 #include "tests/support/TestRandom.h"
@@ -65,6 +66,28 @@ TEST(Filter, PrintsJoinersInsideBracketsAndNotWithoutALeftSide) {
     EXPECT_EQ("((a = 1 And b < 'x') Or ( Not c In (1,2)))", taken(filter->RFPrint()));
     EXPECT_EQ(taken(filter->RFPrint()), taken(filter->RFPrintResolved()));
     EXPECT_EQ("( NoOp )", taken(CZelFilter().RFPrint()));
+}
+
+TEST(Filter, PrintedConditionsReadBack) {
+    const char *const texts[] = {"a = 1",
+                                 "a(any)->b >= 2",
+                                 "a Is Null ",
+                                 "a Is Not Null ",
+                                 "a Not Like 'x%'",
+                                 "a In (1,'x',NULL)",
+                                 "a In ([1],[2])",
+                                 "a Not In []",
+                                 "a Between [1,5]",
+                                 "a Not Between ['x','y']",
+                                 "3 In (b)",
+                                 "a In (eval(list type int,'&x'))",
+                                 "((a = 1 And b < 'x') Or ( Not c = NULL))"};
+    for (const char *text : texts) {
+        int status = 0;
+        const Filter filter(CZelFilterParser().RFPParse(text, &status));
+        ASSERT_NE(nullptr, filter) << text;
+        EXPECT_EQ(text, taken(filter->RFPrint()));
+    }
 }
 
 TEST(Filter, ReplacesABranchWhereverItStands) {
