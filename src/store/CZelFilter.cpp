@@ -180,14 +180,11 @@ int CZelFilter::RFAddRight(CZelFilter *branch) {
     return addBranch(m_right, branch);
 }
 
-// 1 when one of the two branches was `old`. Requires: no kernel.
-int CZelFilter::replaceHere(const CZelFilter *old, CZelFilter *replacement) {
-    if (m_left == nullptr || m_right == nullptr)
-        return ZEL_FAIL(E_RCBadArgument, "CZelFilter::RFReplaceBranch: a branch is missing");
+bool CZelFilter::replaceHere(const CZelFilter *old, CZelFilter *replacement) {
     if (m_left != old && m_right != old)
-        return E_RCNotInTree;
+        return false;
     (m_left == old ? m_left : m_right) = replacement;
-    return 1;
+    return true;
 }
 
 int CZelFilter::RFReplaceBranch(CZelFilter *old, CZelFilter *replacement) {
@@ -197,19 +194,24 @@ int CZelFilter::RFReplaceBranch(CZelFilter *old, CZelFilter *replacement) {
         return E_RCDuplicate;
     if (m_kernel != nullptr)
         return E_RCHasKernel;
+    int status = E_RCNotInTree;
     std::vector<CZelFilter *> waiting{this};
-    while (!waiting.empty()) {
+    while (!waiting.empty() && status != 1) {
         CZelFilter *node = waiting.back();
         waiting.pop_back();
-        const int status = node->replaceHere(old, replacement);
-        if (status == 1 || (status != E_RCNotInTree && node == this))
-            return status;
-        for (CZelFilter *branch : {node->m_right, node->m_left}) {
-            if (status == E_RCNotInTree && branch->m_kernel == nullptr)
-                waiting.push_back(branch);
+        if (node->m_kernel != nullptr)
+            continue;
+        if (node->m_left == nullptr || node->m_right == nullptr) {
+            ZEL_REPORT(E_RCBadArgument, "CZelFilter::RFReplaceBranch: a branch is missing");
+            status = node == this ? E_RCBadArgument : status;
+        } else if (node->replaceHere(old, replacement)) {
+            status = 1;
+        } else {
+            waiting.push_back(node->m_right);
+            waiting.push_back(node->m_left);
         }
     }
-    return E_RCNotInTree;
+    return status;
 }
 
 CZelBag *CZelFilter::RFEvalClauses(CZelBag *bag) {

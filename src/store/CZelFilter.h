@@ -61,7 +61,7 @@ public:
 
 private:
     int addBranch(CZelFilter *&place, CZelFilter *branch);
-    int replaceHere(const CZelFilter *old, CZelFilter *replacement);
+    bool replaceHere(const CZelFilter *old, CZelFilter *replacement);
 
     CZelFilter *m_left = nullptr;
     CZelFilter *m_right = nullptr;

@@ -72,11 +72,14 @@ CZelBag *CZelFilterWalk::inputOfBranch() const {
 // the node is left, and `answer` is now the node's.
 bool CZelFilterWalk::turnsRight(Answer &answer, CZelFilter **next) {
     Step &step = m_steps.back();
-    if (!step.isInRight) {
+    const bool isInRight = step.isInRight;
+    if (!isInRight) {
         step.left = std::exchange(answer, Answer());
         step.isInRight = true;
+        const bool skipsRight = step.node->RFOperator() == E_RAAnd && step.node->RFRight() != nullptr &&
+                                isEmptyBag(step.node->RFLeft() != nullptr ? step.left.bag : step.input);
         *next = step.node->RFRight();
-        if (*next == nullptr || step.node->RFOperator() != E_RAAnd || !isEmptyBag(inputOfBranch()))
+        if (!skipsRight)
             return true;
         answer.bag = new CZelBag;
     }
