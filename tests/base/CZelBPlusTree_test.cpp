@@ -182,6 +182,7 @@ TEST_F(BPlusTreeTest, ReadersMayAskForTheListTogether) {
         add(degenerate, key, static_cast<char>(2 * round));
         add(degenerate, key, static_cast<char>(2 * round + 1));
         std::vector<std::thread> readers;
+        readers.reserve(lists.size());
         for (CZelDoubleList *&list : lists)
             readers.emplace_back([&] { list = degenerate.RBPTGetNodeForKey(&key)->RBTNGetDataList(); });
         for (std::thread &reader : readers)
