@@ -3,9 +3,9 @@
 // deep; one whose declared elements lie deeper does not fit.
 #pragma once
 
+#include "foundations/base/CZelAtom.h"
 #include "store/CZelTblAttr.h"
 
-class CZelAtom;
 class CZelAtomVector;
 class CZelBag;
 class CZelExpr;
@@ -45,6 +45,12 @@ public:
     const CZelAtom *RCDDefault() const { return m_default; }
     // Can a tree hold its values? int to long64.
     bool RCDIndexable() const { return m_dataType >= E_RDTInt && m_dataType <= E_RDTLong64; }
+
+    // Does the value fit as it stands, as is plain to see? A no only means that it has to be looked at.
+    bool RCDFitsPlainly(const CZelAtom *value) const {
+        return value != nullptr && value->RAType() == m_dataType && RCDIndexable() &&
+               (m_dataType != E_RDTText || m_maxLen < 0);
+    }
 
     // Does the record's value fit? The record is corrected where it has to be: default added, text cut,
     // number converted. E_RBFalse leaves it unchanged.

@@ -31,7 +31,9 @@ const CZelAtom *fastName(const CZelColDef &column) {
 
 CZelTablePlan::CZelTablePlan(const CZelTreeList &columns, const CZelTreeList &indexed, const CZelTreeList &keys,
                              CZelObjectStore &store)
-    : m_store(store), m_columns(columnsOf(columns)) {
+    : m_store(store) {
+    for (CZelColDef *column : columnsOf(columns))
+        m_columns.push_back({column, fastName(*column)});
     for (const CZelColDef *column : columnsOf(indexed))
         addIndex(*column);
     for (const CZelColDef *column : columnsOf(keys))

@@ -18,13 +18,18 @@ class CZelTreeList;
 
 class CZelTablePlan {
 public:
+    struct Column {
+        CZelColDef *m_definition;
+        const CZelAtom *m_name;  // finds a binding by address where it can
+    };
+
     CZelTablePlan(const CZelTreeList &columns, const CZelTreeList &indexed, const CZelTreeList &keys,
                   CZelObjectStore &store);
     CZelTablePlan(const CZelTablePlan &) = delete;
     CZelTablePlan &operator=(const CZelTablePlan &) = delete;
 
     bool isCurrent() const { return m_generation == m_store.ROSGeneration(); }
-    const std::vector<CZelColDef *> &columns() const { return m_columns; }  // in name order
+    const std::vector<Column> &columns() const { return m_columns; }  // in name order
 
     // May a row with this key come in? 1, E_RCKeyExists, or E_RCKeyMissing. A single key column is left to its
     // tree, which refuses by itself in `enter`.
@@ -43,7 +48,7 @@ private:
 
     CZelObjectStore &m_store;
     unsigned long m_generation;
-    std::vector<CZelColDef *> m_columns;
+    std::vector<Column> m_columns;
     Values m_indexes;  // the trees of the indexed columns; m_value is that of the row in progress
     Values m_keys;     // the same of the key columns
     bool m_isKeyLeftToTree;

@@ -174,10 +174,11 @@ int CZelTable::checkKeys(CZelRecord *record) {
 int CZelTable::RTCheckRecord(CZelRecord *record) {
     if (record == nullptr || !isLive())
         return E_RCBadArgument;
-    for (CZelColDef *column : plan().columns()) {
-        if (column->RCDTypeMatches(*record) == E_RBTrue)
+    for (const CZelTablePlan::Column &column : plan().columns()) {
+        const CZelAtom *value = record->RRValueOf(column.m_name);
+        if (column.m_definition->RCDFitsPlainly(value) || column.m_definition->RCDTypeMatches(*record) == E_RBTrue)
             continue;
-        RTOperationError(column, record->RRValueOf(column->RCDName()));
+        RTOperationError(column.m_definition, value);
         return E_RCBadColumnValue;
     }
     return 1;
