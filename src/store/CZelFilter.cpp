@@ -180,11 +180,14 @@ int CZelFilter::RFAddRight(CZelFilter *branch) {
     return addBranch(m_right, branch);
 }
 
-bool CZelFilter::replaceHere(const CZelFilter *old, CZelFilter *replacement) {
+// 1 when one of the two branches was `old`. Requires: no kernel.
+int CZelFilter::replaceHere(const CZelFilter *old, CZelFilter *replacement) {
+    if (m_left == nullptr || m_right == nullptr)
+        return ZEL_FAIL(E_RCBadArgument, "CZelFilter::RFReplaceBranch: a branch is missing");
     if (m_left != old && m_right != old)
-        return false;
+        return E_RCNotInTree;
     (m_left == old ? m_left : m_right) = replacement;
-    return true;
+    return 1;
 }
 
 int CZelFilter::RFReplaceBranch(CZelFilter *old, CZelFilter *replacement) {
@@ -194,24 +197,19 @@ int CZelFilter::RFReplaceBranch(CZelFilter *old, CZelFilter *replacement) {
         return E_RCDuplicate;
     if (m_kernel != nullptr)
         return E_RCHasKernel;
-    int status = E_RCNotInTree;
     std::vector<CZelFilter *> waiting{this};
-    while (!waiting.empty() && status != 1) {
+    while (!waiting.empty()) {
         CZelFilter *node = waiting.back();
         waiting.pop_back();
-        if (node->m_kernel != nullptr)
-            continue;
-        if (node->m_left == nullptr || node->m_right == nullptr) {
-            ZEL_REPORT(E_RCBadArgument, "CZelFilter::RFReplaceBranch: a branch is missing");
-            status = node == this ? E_RCBadArgument : status;
-        } else if (node->replaceHere(old, replacement)) {
-            status = 1;
-        } else {
-            waiting.push_back(node->m_right);
-            waiting.push_back(node->m_left);
+        const int status = node->replaceHere(old, replacement);
+        if (status == 1 || (status != E_RCNotInTree && node == this))
+            return status;
+        for (CZelFilter *branch : {node->m_right, node->m_left}) {
+            if (status == E_RCNotInTree && branch->m_kernel == nullptr)
+                waiting.push_back(branch);
         }
     }
-    return status;
+    return E_RCNotInTree;
 }
 
 CZelBag *CZelFilter::RFEvalClauses(CZelBag *bag) {

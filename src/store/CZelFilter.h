@@ -61,7 +61,7 @@ public:
 
 private:
     int addBranch(CZelFilter *&place, CZelFilter *branch);
-    bool replaceHere(const CZelFilter *old, CZelFilter *replacement);
+    int replaceHere(const CZelFilter *old, CZelFilter *replacement);
 
     CZelFilter *m_left = nullptr;
     CZelFilter *m_right = nullptr;

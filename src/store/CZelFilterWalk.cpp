@@ -72,14 +72,11 @@ CZelBag *CZelFilterWalk::inputOfBranch() const {
 // the node is left, and `answer` is now the node's.
 bool CZelFilterWalk::turnsRight(Answer &answer, CZelFilter **next) {
     Step &step = m_steps.back();
-    const bool isInRight = step.isInRight;
-    if (!isInRight) {
+    if (!step.isInRight) {
         step.left = std::exchange(answer, Answer());
         step.isInRight = true;
-        const bool skipsRight = step.node->RFOperator() == E_RAAnd && step.node->RFRight() != nullptr &&
-                                isEmptyBag(step.node->RFLeft() != nullptr ? step.left.bag : step.input);
         *next = step.node->RFRight();
-        if (!skipsRight)
+        if (*next == nullptr || step.node->RFOperator() != E_RAAnd || !isEmptyBag(inputOfBranch()))
             return true;
         answer.bag = new CZelBag;
     }

@@ -9,6 +9,37 @@
 #include "foundations/base/ZelMalloc.h"
 #include "foundations/port/CZelError.h"
 
+namespace {
+
+// Up to 16 bytes as two words in memory order, zeros behind them.
+struct ShortText {
+    std::uint64_t m_first;
+    std::uint64_t m_second;
+};
+
+template <class Word>
+std::uint64_t load(const char *text) {
+    Word word;
+    std::memcpy(&word, text, sizeof(word));
+    return word;
+}
+
+// Reads by words that overlap, never outside the text.
+ShortText loadShort(const char *text, std::size_t length) {
+    constexpr std::size_t WORD = sizeof(std::uint64_t), HALF = sizeof(std::uint32_t);
+    if (length > WORD)
+        return {load<std::uint64_t>(text), load<std::uint64_t>(text + length - WORD) >> 8 * (2 * WORD - length)};
+    if (length >= HALF)
+        return {load<std::uint32_t>(text) | load<std::uint32_t>(text + length - HALF) << 8 * (length - HALF), 0};
+    if (length == 0)
+        return {0, 0};
+    return {load<unsigned char>(text) | load<unsigned char>(text + length / 2) << 8 * (length / 2) |
+                load<unsigned char>(text + length - 1) << 8 * (length - 1),
+            0};
+}
+
+}  // namespace
+
 CZelAtom::CZelAtom(const char *text) : CZelAtom() {
     if (text != nullptr)
         setText(text, std::strlen(text));
@@ -99,7 +130,7 @@ void CZelAtom::RASet(CZelAtom *other) {
         *this = std::move(*other);
 }
 
-void CZelAtom::release() noexcept {
+void CZelAtom::release() {
     if (m_heap.type == E_RDTText)
         std::free(m_heap.word.text);
     else if (m_heap.type == E_RDTData)
@@ -132,8 +163,18 @@ void CZelAtom::setText(const char *text, std::size_t length) {
 }
 
 void CZelAtom::setInline(const char *text, std::size_t length) {
-    m_inline = {E_RDTText, static_cast<std::uint8_t>(INLINE | length << 4), {}};
-    std::memcpy(m_inline.text, text, length);
+    std::uint8_t flags = static_cast<std::uint8_t>(INLINE | length << 4);
+    if constexpr (std::endian::native == std::endian::little) {
+        // Built in registers and stored as two words: what is stored byte by byte can't be read back as words
+        // at once, and an atom is often copied or compared right after it was made.
+        ShortText bytes = loadShort(text, length);
+        std::uint64_t words[2] = {bytes.m_first << 16 | std::uint64_t{flags} << 8 | E_RDTText,
+                                  bytes.m_second << 16 | bytes.m_first >> 48};
+        std::memcpy(static_cast<void *>(this), words, sizeof(words));
+    } else {
+        m_inline = {E_RDTText, flags, {}};
+        std::memcpy(m_inline.text, text, length);
+    }
 }
 
 void CZelAtom::takeText(char *text, std::size_t length) {

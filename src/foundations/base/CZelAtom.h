@@ -6,9 +6,9 @@
 //
 // The text of an atom may lie inside the atom: RAString() is good until the atom changes, moves or dies.
 //
-// Lists and objects nest to any depth and are freed without deep recursion. Copying, printing, comparing and
-// packing go MAX_NESTING levels down: what lies deeper becomes undefined in a copy, prints NULL, compares
-// equal and can't be packed; each such operation reports E_RCBadValue once.
+// Lists and objects nest to any depth and are freed without deep recursion. Copying, printing and comparing go
+// MAX_NESTING levels down: what lies deeper becomes undefined in a copy, prints NULL and compares equal, which
+// each operation reports once (E_RCBadValue). A value nested deeper can't be packed.
 //
 // Threads: no lock; several threads may read an atom that nobody changes.
 #pragma once
@@ -237,7 +237,9 @@ private:
     // Is a copy of the 16 bytes a copy of the value?
     bool isFlat() const { return !ownsMemory() && !isLent(); }
 
-    void takeBits(const CZelAtom &other) { std::memcpy(static_cast<void *>(this), &other, sizeof(CZelAtom)); }
+    void takeBits(const CZelAtom &other) {
+        std::memcpy(static_cast<void *>(this), static_cast<const void *>(&other), sizeof(CZelAtom));
+    }
     std::uint64_t bits(std::size_t half) const {
         std::uint64_t word;
         std::memcpy(&word, reinterpret_cast<const char *>(this) + half * sizeof(word), sizeof(word));
@@ -250,10 +252,10 @@ private:
         RASet();
         m_heap.flags = ABSENT;
     }
-    void release() noexcept;  // frees what is owned; the atom is undefined afterwards
-    void releaseNest() noexcept;
-    void releaseOutermost() noexcept;
-    void deleteNest() noexcept;
+    void release();  // frees what is owned; the atom is undefined afterwards
+    void releaseNest();
+    void releaseOutermost();
+    void deleteNest();
     void copyMemory(const CZelAtom &other);
     void copyNest(const CZelAtom &other);
     void ownLentText() noexcept;

@@ -39,7 +39,7 @@ int CZelAtomVector::RAVAddToEnd(CZelAtomVector *other, bool) {
     if (other->m_size > m_capacity - m_size)
         grow(m_size + other->m_size);
     if (other->m_size != 0)
-        std::memcpy(m_entries + m_size, other->m_entries, other->m_size * sizeof(CZelAtom *));
+        std::memcpy(m_entries + m_size, other->m_entries, other->m_size * sizeof(void *));
     m_size += other->m_size;
     other->RAVReset();
     delete other;
@@ -62,14 +62,14 @@ CZelAtom *CZelAtomVector::RAVRemoveAtom(unsigned int index) {
         return nullptr;
     CZelAtom *atom = m_entries[index];
     --m_size;
-    std::memmove(m_entries + index, m_entries + index + 1, (m_size - index) * sizeof(CZelAtom *));
+    std::memmove(m_entries + index, m_entries + index + 1, (m_size - index) * sizeof(void *));
     return atom;
 }
 
 void CZelAtomVector::RAVMakeSpace(unsigned int capacity) {
     if (capacity <= m_capacity)
         return;
-    m_entries = static_cast<CZelAtom **>(ZelRealloc(m_entries, std::size_t{capacity} * sizeof(CZelAtom *)));
+    m_entries = static_cast<CZelAtom **>(ZelRealloc(m_entries, std::size_t{capacity} * sizeof(void *)));
     m_capacity = capacity;
 }
 

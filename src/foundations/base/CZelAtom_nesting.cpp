@@ -46,7 +46,7 @@ void CZelAtom::copyNest(const CZelAtom &other) {
         m_heap.word.object = new CZelVBList(*other.m_heap.word.object);
 }
 
-void CZelAtom::releaseNest() noexcept {
+void CZelAtom::releaseNest() {
     if (t_postponed.m_levels == 0) {
         releaseOutermost();
     } else if (t_postponed.m_levels < RELEASED_BY_RECURSION) {
@@ -58,7 +58,7 @@ void CZelAtom::releaseNest() noexcept {
     }
 }
 
-void CZelAtom::releaseOutermost() noexcept {
+void CZelAtom::releaseOutermost() {
     CZelVBList values;
     t_postponed = {1, &values};
     deleteNest();
@@ -67,7 +67,7 @@ void CZelAtom::releaseOutermost() noexcept {
     t_postponed = {};
 }
 
-void CZelAtom::deleteNest() noexcept {
+void CZelAtom::deleteNest() {
     if (m_heap.type == E_RDTList)
         delete m_heap.word.list;
     else

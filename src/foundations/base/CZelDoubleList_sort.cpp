@@ -9,8 +9,7 @@ void CZelDoubleList::RDLSortList(ZelListCompare compare) {
     if (m_length < 2)
         return;
     auto count = static_cast<std::size_t>(m_length);
-    std::unique_ptr<CZelListable *, SZelFree> items(
-        static_cast<CZelListable **>(ZelMalloc(count * sizeof(CZelListable *))));
+    std::unique_ptr<CZelListable *, SZelFree> items(static_cast<CZelListable **>(ZelMalloc(count * sizeof(void *))));
     CZelListable **end = items.get();
     for (CZelListable *item = m_head; item != nullptr; item = item->m_next)
         *end++ = item;

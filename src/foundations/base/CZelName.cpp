@@ -16,15 +16,22 @@ class CZelNameTable {
 public:
     const CZelAtom *Find(std::string_view name, std::uint64_t hash) const;
     const CZelAtom *Enter(std::string_view name, std::uint64_t hash);
+    // The name that came behind another the last time.
+    static std::atomic<const CZelAtom *> &Successor(const CZelAtom *name) { return entryOf(name)->m_successor; }
     std::size_t Count() const { return m_count.load(std::memory_order_relaxed); }
 
 private:
     // The atom has its text right behind it.
     struct Entry {
         std::uint64_t m_hash;
-        std::uint64_t m_spare;  // keeps the atom aligned to 16
+        std::atomic<const CZelAtom *> m_successor;
         CZelAtom m_name;
     };
+    static_assert(sizeof(Entry) == 32);
+    static Entry *entryOf(const CZelAtom *name) {
+        const char *memory = reinterpret_cast<const char *>(name) - (sizeof(Entry) - sizeof(CZelAtom));
+        return reinterpret_cast<Entry *>(const_cast<char *>(memory));
+    }
     struct Slots {
         std::size_t m_mask;
         Slots *m_former;
@@ -119,7 +126,7 @@ CZelNameTable::Entry *CZelNameTable::makeEntry(std::string_view name, std::uint6
     char *text = memory + sizeof(Entry);
     std::memcpy(text, name.data(), name.size());
     text[name.size()] = '\0';
-    return new (memory) Entry{hash, 0, CZelName::atomOver(text, name.size())};
+    return new (memory) Entry{hash, nullptr, CZelName::atomOver(text, name.size())};
 }
 
 char *CZelNameTable::cut(std::size_t size) {
@@ -141,6 +148,19 @@ const CZelAtom *CZelName::RNIntern(const char *text, std::size_t length) {
     std::uint64_t hash = ZelHashText(text, length);
     const CZelAtom *known = g_names.Find(name, hash);
     return known != nullptr ? known : g_names.Enter(name, hash);
+}
+
+const CZelAtom *CZelName::RNInternBehind(const CZelAtom *before, const char *text, std::size_t length) {
+    if (before == nullptr)
+        return RNIntern(text, length);
+    std::atomic<const CZelAtom *> &successor = CZelNameTable::Successor(before);
+    const CZelAtom *guess = successor.load(std::memory_order_acquire);
+    if (guess != nullptr && guess->RATextView() == std::string_view(text, length))
+        return guess;
+    const CZelAtom *name = RNIntern(text, length);
+    if (name != nullptr)
+        successor.store(name, std::memory_order_release);
+    return name;
 }
 
 const CZelAtom *CZelName::RNFind(const char *text, std::size_t length) {

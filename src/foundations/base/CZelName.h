@@ -21,6 +21,10 @@ public:
     // The atom of a name, entered on first sight. Null when the name is too long or the table is full.
     static const CZelAtom *RNIntern(const char *text, std::size_t length);
 
+    // The same, and quick when this name came behind `before` the last time too, as with records of one
+    // table. `before` is null or an atom of this table.
+    static const CZelAtom *RNInternBehind(const CZelAtom *before, const char *text, std::size_t length);
+
     // The atom of a name that is in the table, or null. Enters nothing.
     static const CZelAtom *RNFind(const char *text, std::size_t length);
 

@@ -3,7 +3,7 @@
 // A packet is a sequence of entries. An entry is a head and a body:
 //   0  u32  length of the body in bytes; 0 makes the entry a pad, which readers skip
 //   4  u32  CRC32C of the body
-//   8  u32  CRC32C of the 8 bytes before
+//   8  u32  a check of these two numbers
 //  12       the body: a name, then a value
 // A name is its length (u32) and its bytes. A value is its type (u8, EZelDataType or 15 for none) and
 //   int                u32
@@ -107,10 +107,10 @@ private:
     void count(std::size_t value) { number(static_cast<std::uint32_t>(value)); }
     void bytes(const void *data, std::size_t length) {
         count(length);
-        if (length != 0)
-            std::memcpy(m_place, data, length);
+        copy(static_cast<const unsigned char *>(data), length);
         m_place += length;
     }
+    void copy(const unsigned char *data, std::size_t length);
     void block(const CZelAtom &value);
     void elements(const CZelAtomVector *list);
     void members(const CZelVBList *object);
@@ -142,6 +142,23 @@ void Writer::Value(const CZelAtom *value) {
             return members(value->RAObject());
         default:
             return;
+    }
+}
+
+// Most names and texts are short: two copies of fixed size that overlap spare the call.
+void Writer::copy(const unsigned char *data, std::size_t length) {
+    constexpr std::size_t WORD = 8, HALF = 4;
+    if (length > 2 * WORD) {
+        std::memcpy(m_place, data, length);
+    } else if (length >= WORD) {
+        std::memcpy(m_place, data, WORD);
+        std::memcpy(m_place + length - WORD, data + length - WORD, WORD);
+    } else if (length >= HALF) {
+        std::memcpy(m_place, data, HALF);
+        std::memcpy(m_place + length - HALF, data + length - HALF, HALF);
+    } else {
+        for (std::size_t i = 0; i < length; ++i)
+            m_place[i] = data[i];
     }
 }
 
@@ -189,22 +206,39 @@ int CZelROMPer::RRAddAttrVal(const CZelAtom *name, const CZelAtom *value) {
     unsigned char *head = reserve(ROMP_HEAD_SIZE + size);
     if (head == nullptr)
         return E_RCBadValue;
-    unsigned char *body = head + ROMP_HEAD_SIZE;
-    Writer writer(body);
+    RompStore(head, static_cast<std::uint32_t>(size));
+    Writer writer(head + ROMP_HEAD_SIZE);
     writer.Text(name->RATextView());
     writer.Value(value);
-    RompStoreHead(head, static_cast<std::uint32_t>(size), RompCheck(body, size));
     return E_RCOk;
+}
+
+// Writes the checks of the entries that have none yet. Done for all at once and not entry by entry: reading
+// what has just been written in small pieces stalls the processor.
+void CZelROMPer::seal() {
+    while (m_sealed < m_length) {
+        unsigned char *head = m_data + m_sealed;
+        std::uint32_t size = RompLoad<std::uint32_t>(head);
+        RompStoreHead(head, size, RompCheck(head + ROMP_HEAD_SIZE, size));
+        m_sealed += static_cast<int>(ROMP_HEAD_SIZE + size);
+    }
+}
+
+unsigned char *CZelROMPer::RRPacket() {
+    seal();
+    return m_data;
 }
 
 int CZelROMPer::RRAppendFrom(const unsigned char *data, int length) {
     if (data == nullptr || length < 0 || m_capacity == 0)
         return E_RCBadArgument;
+    seal();
     unsigned char *place = reserve(static_cast<std::size_t>(length));
     if (place == nullptr)
         return E_RCBadValue;
     std::memcpy(place, data, static_cast<std::size_t>(length));
     m_copied += length;
+    m_sealed = m_length;
     return E_RCOk;
 }
 
@@ -212,13 +246,14 @@ int CZelROMPer::RRAddPad() {
     unsigned char *head = m_capacity == 0 ? nullptr : reserve(ROMP_HEAD_SIZE);
     if (head == nullptr)
         return E_RCBadArgument;
-    RompStoreHead(head, 0, RompCheck(head, 0));
+    RompStore(head, std::uint32_t{0});
     return E_RCOk;
 }
 
 unsigned char *CZelROMPer::RRTakePacket() {
     if (m_capacity == 0)
         return m_data;
+    seal();
     std::size_t length = static_cast<std::size_t>(m_length);
     unsigned char *packet = m_data;
     if (m_data == m_small)
@@ -227,7 +262,7 @@ unsigned char *CZelROMPer::RRTakePacket() {
         packet = static_cast<unsigned char *>(ZelRealloc(m_data, length));
     m_data = m_small;
     m_capacity = INITIAL_SIZE;
-    m_length = m_copied = 0;
+    m_length = m_copied = m_sealed = 0;
     return packet;
 }
 

@@ -32,7 +32,7 @@ public:
     int RRAddPad();                                           // an entry that readers skip, for a record without pairs
     int RRCreatedLength() const { return m_length; }          // bytes, appended blocks included
     int RRCopiedLength() const { return m_copied; }           // bytes that came by RRAppendFrom
-    unsigned char *RRPacket() const { return m_data; }
+    unsigned char *RRPacket();                                // complete until the next addition
 
     // Detaches the packet, which comes from malloc and is as large as it is long; the builder is empty then.
     // A reader gives the pointer it was opened with.
@@ -47,15 +47,17 @@ public:
 private:
     unsigned char *reserve(std::size_t size);
     void grow(std::size_t needed);
+    void seal();
     bool nextBody(const unsigned char **body, std::size_t *length);
     bool headAt(int position, std::uint32_t *size, std::uint32_t *check) const;
     void skipToHead();
-    static CZelVarBind *give(const CZelAtom &name, CZelAtom *value, CZelVarBind *reuse);
 
     unsigned char *m_data;
     int m_length = 0;    // bytes in use
     int m_capacity = 0;  // bytes there are; 0 when reading
     int m_copied = 0;
-    int m_position = 0;                   // reading
-    unsigned char m_small[INITIAL_SIZE];  // the packet, until it outgrows it
+    int m_sealed = 0;                      // bytes up to the first entry without checks
+    int m_position = 0;                    // reading
+    const CZelAtom *m_lastName = nullptr;  // read, if it is interned
+    unsigned char m_small[INITIAL_SIZE];   // the packet, until it outgrows it
 };

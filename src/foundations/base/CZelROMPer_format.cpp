@@ -62,6 +62,13 @@ __attribute__((target("sse4.2"))) std::uint32_t checkByProcessor(std::uint32_t c
         wide = _mm_crc32_u64(wide, word);
     }
     check = static_cast<std::uint32_t>(wide);
+    std::uint32_t half;
+    if (length >= sizeof(half)) {
+        std::memcpy(&half, data, sizeof(half));
+        check = _mm_crc32_u32(check, half);
+        data += sizeof(half);
+        length -= sizeof(half);
+    }
     for (; length != 0; ++data, --length)
         check = _mm_crc32_u8(check, *data);
     return check;
@@ -92,14 +99,6 @@ std::uint32_t RompCheck(const unsigned char *data, std::size_t length) {
     return ~g_checker.load(std::memory_order_relaxed)(START, data, length);
 }
 
-void RompStoreHead(unsigned char *place, std::uint32_t bodyLength, std::uint32_t bodyCheck) {
-    RompStore(place, bodyLength);
-    RompStore(place + 4, bodyCheck);
-    RompStore(place + 8, RompCheck(place, 8));
-}
-
-bool RompLoadHead(const unsigned char *place, std::uint32_t *bodyLength, std::uint32_t *bodyCheck) {
-    *bodyLength = RompLoad<std::uint32_t>(place);
-    *bodyCheck = RompLoad<std::uint32_t>(place + 4);
-    return RompLoad<std::uint32_t>(place + 8) == RompCheck(place, 8);
+std::uint32_t RompCheckByTables(const unsigned char *data, std::size_t length) {
+    return ~checkByTables(START, data, length);
 }

@@ -31,11 +31,26 @@ Number RompLoad(const unsigned char *place) {
     return RompOrder(number);
 }
 
-// CRC32C (Castagnoli), by the processor's instruction where there is one.
+// CRC32C (Castagnoli) of a body, by the processor's instruction where there is one.
 std::uint32_t RompCheck(const unsigned char *data, std::size_t length);
+std::uint32_t RompCheckByTables(const unsigned char *data, std::size_t length);  // without
 
-// The head of a body: its length, its check and a check of these two.
-void RompStoreHead(unsigned char *place, std::uint32_t bodyLength, std::uint32_t bodyCheck);
+// The check of a head, over its two numbers.
+inline std::uint32_t RompHeadCheck(std::uint32_t bodyLength, std::uint32_t bodyCheck) {
+    constexpr std::uint64_t ODD_A = 0xA0761D6478BD642FU, ODD_B = 0xE7037ED1A0B428DBU;
+    std::uint64_t word = ((std::uint64_t{bodyLength} << 32 | bodyCheck) ^ ODD_B) * ODD_A;
+    return static_cast<std::uint32_t>((word ^ word >> 32) * ODD_B >> 32);
+}
+
+inline void RompStoreHead(unsigned char *place, std::uint32_t bodyLength, std::uint32_t bodyCheck) {
+    RompStore(place, bodyLength);
+    RompStore(place + 4, bodyCheck);
+    RompStore(place + 8, RompHeadCheck(bodyLength, bodyCheck));
+}
 
 // Reads a head; false when it is damaged.
-bool RompLoadHead(const unsigned char *place, std::uint32_t *bodyLength, std::uint32_t *bodyCheck);
+inline bool RompLoadHead(const unsigned char *place, std::uint32_t *bodyLength, std::uint32_t *bodyCheck) {
+    *bodyLength = RompLoad<std::uint32_t>(place);
+    *bodyCheck = RompLoad<std::uint32_t>(place + 4);
+    return RompLoad<std::uint32_t>(place + 8) == RompHeadCheck(*bodyLength, *bodyCheck);
+}

@@ -10,21 +10,28 @@ namespace {
 
 // Reads from a body and never past its end. Every operation is false when the body does not hold what it
 // should; a good check does not say that an entry was written by this system.
+//
+// Values are built where they stay, in atoms that are undefined before.
 class Reader {
 public:
-    Reader(const unsigned char *place, std::size_t length) : m_place(place), m_left(length) {}
+    // *lastName is the name that came before, and becomes the last one read.
+    Reader(const unsigned char *place, std::size_t length, const CZelAtom **lastName)
+        : m_place(place), m_left(length), m_lastName(lastName) {}
 
-    bool IsAtEnd() const { return m_left == 0; }
-    bool Text(std::string_view *text);
-    bool Value(CZelAtom *value, bool *isThere, int depth);
+    // The name and value of a whole body as a new binding, or in the one to be reused; null when it can't be
+    // read.
+    CZelVarBind *Pair(CZelVarBind *reuse);
 
 private:
+    CZelVarBind *pairOf(std::string_view name, CZelVarBind *reuse);
+    bool valueOf(CZelVarBind *pair, int depth);
+    bool characters(std::string_view *result);
     template <class Number>
-    bool number(Number *value) {
-        if (m_left < sizeof(*value))
+    bool number(Number *result) {
+        if (m_left < sizeof(*result))
             return false;
-        *value = RompLoad<Number>(m_place);
-        advance(sizeof(*value));
+        *result = RompLoad<Number>(m_place);
+        advance(sizeof(*result));
         return true;
     }
     void advance(std::size_t size) {
@@ -32,19 +39,45 @@ private:
         m_left -= size;
     }
     bool bytes(const unsigned char **data, std::size_t *length);
-    bool count(std::uint32_t *value);
-    bool narrow(EZelDataType type, CZelAtom *value);
-    bool wide(EZelDataType type, CZelAtom *value);
-    bool text(CZelAtom *value);
-    bool block(CZelAtom *value);
-    bool list(CZelAtom *value, int depth);
-    bool object(CZelAtom *value, int depth);
+    bool count(std::uint32_t *result);
+    bool value(CZelAtom *place, bool *isThere, int depth);
+    bool narrow(unsigned char type, CZelAtom *place);
+    bool wide(unsigned char type, CZelAtom *place);
+    bool text(CZelAtom *place);
+    bool block(CZelAtom *place);
+    bool list(CZelAtom *place, int depth);
+    bool object(CZelAtom *place, int depth);
     bool element(CZelAtomVector &elements, int depth);
     bool member(CZelVBList &members, int depth);
 
     const unsigned char *m_place;
     std::size_t m_left;
+    const CZelAtom **m_lastName;
 };
+
+CZelVarBind *Reader::Pair(CZelVarBind *reuse) {
+    std::string_view name;
+    if (!characters(&name))
+        return nullptr;
+    CZelVarBind *pair = pairOf(name, reuse);
+    if (valueOf(pair, 0) && m_left == 0)
+        return pair;
+    if (reuse == nullptr)
+        delete pair;
+    return nullptr;
+}
+
+// Its value is undefined.
+CZelVarBind *Reader::pairOf(std::string_view name, CZelVarBind *reuse) {
+    *m_lastName = CZelName::RNInternBehind(*m_lastName, name.data(), name.size());
+    const CZelAtom loose = *m_lastName == nullptr ? CZelAtom(name.data(), name.size()) : CZelAtom();
+    const CZelAtom &atom = *m_lastName == nullptr ? loose : **m_lastName;
+    if (reuse == nullptr)
+        return new CZelVarBind(atom, CZelAtom());
+    reuse->RVBSetName(atom);
+    reuse->RVBForWriting()->RASet();
+    return reuse;
+}
 
 bool Reader::bytes(const unsigned char **data, std::size_t *length) {
     std::uint32_t size = 0;
@@ -57,109 +90,126 @@ bool Reader::bytes(const unsigned char **data, std::size_t *length) {
 }
 
 // How many values follow. Each takes a byte at least, which bounds what a count can make us allocate.
-bool Reader::count(std::uint32_t *value) {
-    return number(value) && *value <= m_left;
+bool Reader::count(std::uint32_t *result) {
+    return number(result) && *result <= m_left;
 }
 
-bool Reader::Text(std::string_view *text) {
+bool Reader::characters(std::string_view *result) {
     const unsigned char *data = nullptr;
     std::size_t length = 0;
     if (!bytes(&data, &length) || std::memchr(data, 0, length) != nullptr)
         return false;
-    *text = {reinterpret_cast<const char *>(data), length};
+    *result = {reinterpret_cast<const char *>(data), length};
     return true;
 }
 
-bool Reader::Value(CZelAtom *value, bool *isThere, int depth) {
+bool Reader::valueOf(CZelVarBind *pair, int depth) {
+    CZelAtom *place = pair->RVBForWriting();
+    bool isThere = true;
+    bool good = value(place, &isThere, depth);
+    if (!isThere)
+        pair->RVBSetValue(static_cast<const CZelAtom *>(nullptr));
+    return good;
+}
+
+bool Reader::value(CZelAtom *place, bool *isThere, int depth) {
     if (m_left == 0)
         return false;
     unsigned char type = *m_place;
     advance(1);
-    *isThere = type != ROMP_NO_VALUE;
     switch (type) {
         case E_RDTInt:
         case E_RDTFloat:
-            return narrow(static_cast<EZelDataType>(type), value);
+            return narrow(type, place);
         case E_RDTLong:
         case E_RDTLong64:
-            return wide(static_cast<EZelDataType>(type), value);
+            return wide(type, place);
         case E_RDTText:
-            return text(value);
+            return text(place);
         case E_RDTData:
-            return block(value);
+            return block(place);
         case E_RDTList:
-            return list(value, depth);
+            return list(place, depth);
         case E_RDTObject:
-            return object(value, depth);
+            return object(place, depth);
         default:
+            *isThere = type != ROMP_NO_VALUE;
             return type == ROMP_NO_VALUE || type == E_RDTUndefined;
     }
 }
 
-bool Reader::narrow(EZelDataType type, CZelAtom *value) {
+bool Reader::narrow(unsigned char type, CZelAtom *place) {
     std::uint32_t bits = 0;
     if (!number(&bits))
         return false;
-    *value = type == E_RDTInt ? CZelAtom(static_cast<int>(bits)) : CZelAtom(std::bit_cast<float>(bits));
+    if (type == E_RDTInt)
+        new (place) CZelAtom(static_cast<int>(bits));
+    else
+        new (place) CZelAtom(std::bit_cast<float>(bits));
     return true;
 }
 
-bool Reader::wide(EZelDataType type, CZelAtom *value) {
+bool Reader::wide(unsigned char type, CZelAtom *place) {
     std::uint64_t bits = 0;
     if (!number(&bits))
         return false;
-    *value = type == E_RDTLong ? CZelAtom(static_cast<long>(bits)) : CZelAtom(static_cast<long long>(bits));
+    if (type == E_RDTLong)
+        new (place) CZelAtom(static_cast<long>(bits));
+    else
+        new (place) CZelAtom(static_cast<long long>(bits));
     return true;
 }
 
-bool Reader::text(CZelAtom *value) {
+bool Reader::text(CZelAtom *place) {
     std::string_view found;
-    if (!Text(&found))
+    if (!characters(&found))
         return false;
-    *value = CZelAtom(found.data(), found.size());
+    new (place) CZelAtom(found.data(), found.size());
     return true;
 }
 
-bool Reader::block(CZelAtom *value) {
+bool Reader::block(CZelAtom *place) {
     const unsigned char *data = nullptr;
     std::size_t length = 0;
     if (!bytes(&data, &length))
         return false;
-    *value = CZelAtom(data, static_cast<int>(length));
+    new (place) CZelAtom(data, static_cast<int>(length));
     return true;
 }
 
-bool Reader::list(CZelAtom *value, int depth) {
+bool Reader::list(CZelAtom *place, int depth) {
     std::uint32_t size = 0;
     if (depth == CZelROMPer::MAX_DEPTH || !count(&size))
         return false;
-    *value = CZelAtom(new CZelAtomVector(size));
+    CZelAtomVector *elements = new CZelAtomVector(size);
+    new (place) CZelAtom(elements);
     for (std::uint32_t i = 0; i < size; ++i) {
-        if (!element(*value->RAList(), depth + 1))
+        if (!element(*elements, depth + 1))
             return false;
     }
     return true;
 }
 
 bool Reader::element(CZelAtomVector &elements, int depth) {
-    CZelAtom *value = new CZelAtom;
+    CZelAtom *place = new CZelAtom;
     bool isThere = true;
-    bool good = Value(value, &isThere, depth);
+    bool good = value(place, &isThere, depth);
     if (!isThere) {
-        delete value;
-        value = nullptr;
+        delete place;
+        place = nullptr;
     }
-    elements.RAVAddToEnd(value);
+    elements.RAVAddToEnd(place);
     return good;
 }
 
-bool Reader::object(CZelAtom *value, int depth) {
+bool Reader::object(CZelAtom *place, int depth) {
     std::uint32_t size = 0;
     if (depth == CZelROMPer::MAX_DEPTH || !count(&size))
         return false;
-    *value = CZelAtom(new CZelVBList);
+    CZelVBList *members = new CZelVBList;
+    new (place) CZelAtom(members);
     for (std::uint32_t i = 0; i < size; ++i) {
-        if (!member(*value->RAObject(), depth + 1))
+        if (!member(*members, depth + 1))
             return false;
     }
     return true;
@@ -167,24 +217,21 @@ bool Reader::object(CZelAtom *value, int depth) {
 
 bool Reader::member(CZelVBList &members, int depth) {
     std::string_view name;
-    if (!Text(&name))
+    if (!characters(&name))
         return false;
-    CZelVarBind *pair = new CZelVarBind(CZelAtom::RAName(name.data(), name.size()), CZelAtom());
+    CZelVarBind *pair = pairOf(name, nullptr);
     members.RVBLAddToListEnd(pair);
-    bool isThere = true;
-    bool good = Value(pair->RVBForWriting(), &isThere, depth);
-    if (!isThere)
-        pair->RVBSetValue(static_cast<const CZelAtom *>(nullptr));
-    return good;
+    return valueOf(pair, depth);
 }
 
-// Reads the name and the value of a whole body.
-bool readPair(Reader body, CZelAtom *name, CZelAtom *value, bool *isThere) {
-    std::string_view text;
-    if (!body.Text(&text) || !body.Value(value, isThere, 0) || !body.IsAtEnd())
-        return false;
-    *name = CZelAtom::RAName(text.data(), text.size());
-    return true;
+CZelVarBind *damagedPair(CZelVarBind *reuse) {
+    const CZelAtom *nothing = nullptr;
+    const CZelAtom noName(true, "");
+    if (reuse == nullptr)
+        return new CZelVarBind(noName, nothing);
+    reuse->RVBSetName(noName);
+    reuse->RVBSetValue(nothing);
+    return reuse;
 }
 
 }  // namespace
@@ -201,13 +248,11 @@ CZelVarBind *CZelROMPer::RRGetNextAttrVal(int *status, CZelVarBind *reuse) {
     bool isIntact = nextBody(&body, &length);
     if (isIntact && body == nullptr)
         return nullptr;
-    CZelAtom name, value;
-    bool isThere = true;
-    if (!isIntact || !readPair(Reader(body, length), &name, &value, &isThere)) {
-        result = E_RCBadValue;
-        return give(CZelAtom(true, ""), nullptr, reuse);
-    }
-    return give(name, isThere ? &value : nullptr, reuse);
+    CZelVarBind *pair = isIntact ? Reader(body, length, &m_lastName).Pair(reuse) : nullptr;
+    if (pair != nullptr)
+        return pair;
+    result = E_RCBadValue;
+    return damagedPair(reuse);
 }
 
 // The next entry that is no pad, its body null at the packet's end. False when it is damaged.
@@ -243,17 +288,4 @@ void CZelROMPer::skipToHead() {
     do {
         ++m_position;
     } while (m_position < m_length && !headAt(m_position, &size, &check));
-}
-
-CZelVarBind *CZelROMPer::give(const CZelAtom &name, CZelAtom *value, CZelVarBind *reuse) {
-    CZelVarBind *pair = reuse;
-    if (pair == nullptr)
-        pair = new CZelVarBind(name, CZelAtom());
-    else
-        pair->rename(name);
-    if (value != nullptr)
-        pair->RVBForWriting()->RASet(value);
-    else
-        pair->RVBSetValue(static_cast<const CZelAtom *>(nullptr));
-    return pair;
 }

@@ -13,8 +13,8 @@ namespace {
 constexpr int FIRST_CAPACITY = 10;
 
 CZelRecord **newArray(int capacity) {
-    CZelRecord **records =
-        static_cast<CZelRecord **>(ZelMalloc(static_cast<std::size_t>(capacity) * sizeof(CZelRecord *)));
+    constexpr std::size_t SLOT = sizeof(void *);
+    CZelRecord **records = static_cast<CZelRecord **>(ZelMalloc(static_cast<std::size_t>(capacity) * SLOT));
     std::fill_n(records, capacity, nullptr);
     return records;
 }

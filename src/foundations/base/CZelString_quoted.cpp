@@ -4,6 +4,8 @@
 // else has a meaning in it. While it is on, a quote behind a backslash does not close it, even if that
 // backslash is itself escaped, and behind a backslash b, n and t stand for control characters and any other
 // character for itself. So a literal must not end in a backslash, and every other text can be spelled.
+#include <cmath>
+
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelString.h"
 #include "foundations/base/ZelEscape.h"
@@ -82,6 +84,12 @@ void CZelString::appendQuoted(const CZelAtom *atom, char quote) {
             break;
         case E_RDTText:
             appendQuoted(atom->RATextView(), quote);
+            break;
+        case E_RDTFloat:
+            if (std::isnan(atom->RAFloat()))
+                RSStrCat("NULL");  // there is no literal for it
+            else
+                RSStrCat(atom);
             break;
         case E_RDTData:
             appendQuoted(CZelMallocText(atom->RAStrRep()).get(), quote);

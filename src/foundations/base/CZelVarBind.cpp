@@ -16,7 +16,7 @@ const CZelAtom *CZelVarBind::newName(const CZelAtom &name) {
     return interned != nullptr ? interned : new CZelAtom(name);
 }
 
-void CZelVarBind::rename(const CZelAtom &name) {
+void CZelVarBind::RVBSetName(const CZelAtom &name) {
     const CZelAtom *former = m_name;
     m_name = nameOf(name);
     if (!former->RAIsInterned())

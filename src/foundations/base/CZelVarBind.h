@@ -46,6 +46,8 @@ public:
     bool RVBNamed(const CZelAtom &name) const { return CZelName::RNSame(*m_name, name); }
     bool RVBNamed(const char *name) const;
 
+    void RVBSetName(const CZelAtom &name);
+
     // Replace the value; 1.
     int RVBSetValue(int value);
     int RVBSetValue(float value);
@@ -65,8 +67,6 @@ public:
 private:
     friend class CZelVBList;
 
-    friend class CZelROMPer;
-
     bool hasValue() const { return (m_value.m_heap.flags & CZelAtom::ABSENT) == 0; }
     CZelAtomVector *listForWriting();
     static const CZelAtom *nameOf(const char *text);
@@ -75,7 +75,6 @@ private:
         return interned != nullptr ? interned : newName(name);
     }
     static const CZelAtom *newName(const CZelAtom &name);
-    void rename(const CZelAtom &name);
 
     CZelVarBind *m_next = nullptr;
     const CZelAtom *m_name;  // of CZelName, or owned when not interned

@@ -23,17 +23,30 @@ std::uint64_t processSeed() {
     return seed;
 }
 
+template <class Word>
+std::uint64_t load(const char *text) {
+    Word word;
+    std::memcpy(&word, text, sizeof(word));
+    return word;
+}
+
+// Up to eight bytes as one word, by reads that overlap: names are short, and this is most of their cost.
+std::uint64_t lastWord(const char *text, std::size_t length) {
+    if (length == sizeof(std::uint64_t))
+        return load<std::uint64_t>(text);
+    if (length >= sizeof(std::uint32_t))
+        return load<std::uint32_t>(text) | load<std::uint32_t>(text + length - sizeof(std::uint32_t)) << 32;
+    if (length == 0)
+        return 0;
+    return load<unsigned char>(text) | load<unsigned char>(text + length / 2) << 8 |
+           load<unsigned char>(text + length - 1) << 16;
+}
+
 }  // namespace
 
 std::uint64_t ZelHashText(const char *text, std::size_t length) {
     std::uint64_t hash = processSeed() ^ length * ODD_A;
-    while (length != 0) {
-        std::uint64_t word = 0;
-        std::size_t step = length < sizeof(word) ? length : sizeof(word);
-        std::memcpy(&word, text, step);
-        hash = fold(hash ^ word ^ ODD_B, ODD_A);
-        text += step;
-        length -= step;
-    }
-    return fold(hash ^ ODD_A, ODD_B);
+    for (; length > sizeof(std::uint64_t); text += sizeof(std::uint64_t), length -= sizeof(std::uint64_t))
+        hash = fold(hash ^ load<std::uint64_t>(text) ^ ODD_B, ODD_A);
+    return fold(fold(hash ^ lastWord(text, length) ^ ODD_B, ODD_A) ^ ODD_A, ODD_B);
 }
