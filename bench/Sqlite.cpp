@@ -97,12 +97,12 @@ void Sqlite::insertAll(const std::vector<BenchRow> &rows) {
     run("commit");
 }
 
-long Sqlite::select(const std::string &statement, BenchRow &row) {
+long Sqlite::select(const std::string &statement) {
     SqliteStatement query(m_database, statement);
-    long count = 0;
-    for (; query.step(); ++count)
-        query.fetch(row);
-    return count;
+    std::vector<BenchRow> rows;
+    while (query.step())
+        query.fetch(rows.emplace_back());
+    return static_cast<long>(rows.size());
 }
 
 Sqlite &Sqlite::loaded() {

@@ -40,8 +40,9 @@ public:
     void run(const std::string &text);
     void insertAll(const std::vector<BenchRow> &rows);  // prepared, one transaction
 
-    // Prepares, steps through and finalizes a select over all columns; the number of rows, the last left in `row`.
-    long select(const std::string &text, BenchRow &row);
+    // Prepares, steps through and finalizes a select over all columns, whose rows are kept until all are there;
+    // the number of rows.
+    long select(const std::string &text);
 
     static Sqlite &loaded();  // with benchRows(), made on first use
 

@@ -36,10 +36,9 @@ BenchRun pointTextOurs() {
 
 BenchRun pointTextTheirs() {
     Sqlite &database = Sqlite::loaded();
-    BenchRow row;
     return {KEYED, secondsOf([&] {
                 for (const int position : keys())
-                    database.select(pointText("t", position), row);
+                    database.select(pointText("t", position));
             })};
 }
 
@@ -80,9 +79,8 @@ void addQuestion(const char *name, const std::string &condition, bool countsScan
         },
         [=] {
             long rows = 0;
-            BenchRow row;
             Sqlite &database = Sqlite::loaded();
-            const double seconds = secondsOf([&] { rows = database.select("select * from t" + condition, row); });
+            const double seconds = secondsOf([&] { rows = database.select("select * from t" + condition); });
             return BenchRun{items(rows), seconds};
         });
 }

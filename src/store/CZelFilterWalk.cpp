@@ -33,10 +33,10 @@ CZelBag *CZelFilterWalk::run(CZelFilter *filter, CZelBag *input, __boolean *all)
     CZelBag *rows = input;
     Answer answer;
     for (bool isKnown = false; !isKnown || !m_steps.empty();) {
-        if (!isKnown && !isLeaf(next)) {
+        if (!isKnown && !isLeaf(next) && !answersAsRange(next, answer)) {
             next = enter(next, rows);
         } else {
-            if (!isKnown)
+            if (!isKnown && isLeaf(next))
                 answer = answerLeaf(next, rows);
             isKnown = m_steps.empty() || !turnsRight(answer, &next);
         }
@@ -76,6 +76,11 @@ bool CZelFilterWalk::turnsRight(Answer &answer, CZelFilter **next) {
         step.left = std::exchange(answer, Answer());
         step.isInRight = true;
         *next = step.node->RFRight();
+        if (step.node->RFOperator() == E_RAAnd && narrows(*next, step.left)) {
+            answer = step.left;
+            m_steps.pop_back();
+            return false;
+        }
         if (*next == nullptr || step.node->RFOperator() != E_RAAnd || !isEmptyBag(inputOfBranch()))
             return true;
         answer.bag = new CZelBag;
@@ -105,14 +110,16 @@ CZelFilterWalk::Answer CZelFilterWalk::answerNode(const Step &step, Answer right
     Answer answer;
     answer.open = left.open || right.open;
     if (step.node->RFOperator() == E_RANot) {
-        answer.bag = negate(right);
+        // What can't be answered can't be negated either; a Not of nothing is true of every row.
+        const bool isUnanswered = right.bag == nullptr && step.node->RFRight() != nullptr;
+        answer.bag = isUnanswered ? nullptr : negate(right);
     } else {
         completeSides(step.node, left, right);
         answer.bag = join(step.node->RFOperator(), left, right);
     }
     delete left.bag;
     delete right.bag;
-    answer.all = answer.bag->RBLength() == m_total;
+    answer.all = answer.bag != nullptr && answer.bag->RBLength() == m_total;
     return answer;
 }
 

@@ -9,8 +9,11 @@
 
 #include "foundations/base/ZelEnums.h"
 
+class CZelAtom;
+class CZelBPlusTree;
 class CZelBag;
 class CZelBoolean;
+class CZelDbEntity;
 class CZelFilter;
 class CZelTable;
 
@@ -38,6 +41,23 @@ private:
         Answer left;
         bool isInRight;
     };
+
+    // A comparison that the tree of its column answers: column op value.
+    struct TreeTest {
+        const CZelBPlusTree *tree = nullptr;  // null when the comparison is of another kind
+        CZelBoolean *boolean = nullptr;
+        CZelDbEntity *column = nullptr;
+        const CZelAtom *value = nullptr;
+        EZelOper op = E_RONone;
+        bool swapped = false;
+    };
+
+    // Roads of an And that need no second bag (CZelFilterWalk_indexed.cpp).
+    TreeTest treeTestOf(const CZelFilter *node) const;
+    bool answersAsRange(const CZelFilter *node, Answer &answer) const;
+    bool narrows(const CZelFilter *right, Answer &left) const;
+    static void keepPassing(const TreeTest &test, CZelBag *&rows);
+    static void sortByColumn(const TreeTest &test, CZelBag &rows);
 
     bool isLeaf(const CZelFilter *node) const;
     CZelFilter *enter(CZelFilter *node, CZelBag *input);  // gives the first branch to look at

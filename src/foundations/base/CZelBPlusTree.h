@@ -42,6 +42,10 @@ public:
     int RBPTAppendQuery(const CZelAtom *key, EZelOper op, CZelBag &bag) const;  // gives how many were appended
     int RBPTCountQuery(const CZelAtom *key, EZelOper op) const;
 
+    // Appends the objects whose key lies between two bounds, each inclusive or not, in key order. Bounds that are
+    // null or can't be ordered against each other hold nothing between them. Gives how many were appended.
+    int RBPTAppendBetween(const CZelAtom &low, bool withLow, const CZelAtom &high, bool withHigh, CZelBag &bag) const;
+
     // The oldest object under a key, in a unique tree the only one under a non-null key; null when absent.
     void *RBPTFindSingle(const CZelAtom *key) const;
     bool RBPTHasKey(const CZelAtom *key) const { return RBPTGetNodeForKey(key) != nullptr; }

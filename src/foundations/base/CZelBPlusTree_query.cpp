@@ -80,3 +80,16 @@ int CZelBPlusTree::RBPTCountQuery(const CZelAtom *key, EZelOper op) const {
     Stretch stretch = answer(key, op).first;
     return static_cast<int>(CZelKeyTree::RKTCount(stretch.from, stretch.to));
 }
+
+int CZelBPlusTree::RBPTAppendBetween(const CZelAtom &low, bool withLow, const CZelAtom &high, bool withHigh,
+                                     CZelBag &bag) const {
+    int status = 1;
+    const int order = low.RALex(&high, &status);
+    const bool isRange = status == 1 && !low.RAIsUndefined() && (order < 0 || (order == 0 && withLow && withHigh));
+    if (!isRange)
+        return 0;
+    const int before = bag.RBLength();
+    CZelKeyTree::RKTAppend(withLow ? m_tree.RKTFrom(low) : m_tree.RKTBehind(low),
+                           withHigh ? m_tree.RKTBehind(high) : m_tree.RKTFrom(high), bag);
+    return bag.RBLength() - before;
+}
