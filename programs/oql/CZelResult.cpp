@@ -6,11 +6,14 @@
 #include "foundations/base/CZelAtomVector.h"
 #include "foundations/base/CZelBag.h"
 #include "foundations/base/CZelStack.h"
+#include "foundations/base/CZelString.h"
 #include "foundations/base/CZelTreeList.h"
+#include "foundations/base/ZelMalloc.h"
 #include "foundations/port/ZelCodes.h"
 #include "oql/CZelDbEntity.h"
 #include "oql/CZelDbObject.h"
 #include "oql/CZelExpr.h"
+#include "oql/CZelOQLDumper.h"
 #include "oql/CZelOQLParser.h"
 #include "oql/CZelQuery.h"
 #include "programs/oql/ZelEach.h"
@@ -165,17 +168,26 @@ std::vector<const CZelAtom *> CZelResult::Cells(const CZelRecord &row) const {
 }
 
 void CZelResult::spreadShow() {
-    if (m_rows.size() != 1 || m_rows[0]->RRVbIterator()->RVBLLength() != 1)
+    if (m_rows.empty())
         return;
+    const CZelVarBind *first = m_rows[0]->RRVbIterator()->RVBLHead();
+    if (m_rows.size() > 1 || first == nullptr || first->RVBNamed("database"))
+        return spreadDump();
     std::unique_ptr<CZelRecord> shown = std::move(m_rows[0]);
-    const CZelVarBind *only = shown->RRVbIterator()->RVBLHead();
     m_rows.clear();
-    if (only->RVBNamed("databases") || only->RVBNamed("tables"))
-        spreadNames(only->RVBNamed("tables") ? "table" : "database", *only->RVBValue());
-    else if (only->RVBNamed("Schema"))
-        spreadSchema(*only->RVBValue());
+    if (first->RVBNamed("databases") || first->RVBNamed("tables"))
+        spreadNames(first->RVBNamed("tables") ? "table" : "database", *first->RVBValue());
     else
-        m_rows.push_back(std::move(shown));
+        spreadSchema(*first->RVBValue());
+}
+
+void CZelResult::spreadDump() {
+    for (std::unique_ptr<CZelRecord> &row : m_rows) {
+        CZelString text;
+        text.RSStrCat(CZelMallocText(CZelOQLDumper::ExtractOQLString(*row)).get());
+        text.RSSearchAndReplace("\r\n", "\n");
+        row = rowOf("Oql", CZelAtom(text.RSTakeString()));
+    }
 }
 
 void CZelResult::spreadNames(const std::string &column, const CZelAtom &names) {
@@ -188,6 +200,8 @@ void CZelResult::spreadNames(const std::string &column, const CZelAtom &names) {
 
 void CZelResult::spreadSchema(const CZelAtom &schema) {
     const CZelVBList *columns = schema.RAObject();
+    if (columns == nullptr)
+        return;
     for (const CZelVarBind *column = columns->RVBLHead(); column != nullptr; column = columns->RVBLGetNext(column)) {
         std::unique_ptr<CZelRecord> row = rowOf("Column", column->RVBName());
         const CZelVBList *traits = column->RVBValue()->RAObject();

@@ -49,6 +49,7 @@ private:
     bool isOfTheseColumns(const CZelRecord &row) const;
     void addColumn(const std::string &name, int occurrence);
     void spreadShow();
+    void spreadDump();
     void spreadNames(const std::string &column, const CZelAtom &names);
     void spreadSchema(const CZelAtom &schema);
 

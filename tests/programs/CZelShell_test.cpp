@@ -43,6 +43,10 @@ TEST_F(ShellTest, TableLinesUpColumnsAndCountsRows) {
     EXPECT_EQ("0 rows\n", ask("select * from d.t where a = 7;").out);
     EXPECT_EQ("Count\n-----\n    3\n1 row\n", ask("select count(*) from d.t;").out);
     EXPECT_EQ("table\n-----\nt\n1 row\n", ask("show tables from d;").out);
+    std::string schema = ask("show table d.t;").out;
+    EXPECT_EQ(0U, schema.find("Column | DataType      | NotNull | PrimaryKey | Indexed | Unique\n")) << schema;
+    std::string dump = ask("show;").out;
+    EXPECT_NE(std::string::npos, dump.find("create table d.t\\n(\\n\\ta\\t\\tint not null primary key")) << dump;
     EXPECT_EQ("", ask("update d.t set b = 'x' where a = 1;").out);
 }
 
