@@ -49,6 +49,7 @@ if(runner)
     target_link_libraries(oqltest PRIVATE test_support oql_parts quintor_static)
     # The language reference is a script too.
     file(GLOB scripts CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/oql/*.oqltest ${CMAKE_SOURCE_DIR}/docs/oql.md)
+    add_test(NAME script_runner COMMAND ${CMAKE_SOURCE_DIR}/tests/oqltest/selftest $<TARGET_FILE:oqltest>)
     foreach(script IN LISTS scripts)
         get_filename_component(name ${script} NAME_WE)
         add_test(NAME script.${name} COMMAND oqltest ${script} WORKING_DIRECTORY ${CMAKE_SOURCE_DIR})

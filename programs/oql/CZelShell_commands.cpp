@@ -69,7 +69,7 @@ const std::vector<CZelShell::Command> &CZelShell::commands() {
         {".describe", "DB.TABLE", "a table's columns", &CZelShell::describeCommand},
         {".read", "FILE", "run the statements in a file", &CZelShell::readCommand},
         {".dump", "[FILE]", "write the store as OQL text that -schema reads back", &CZelShell::dumpCommand},
-        {".format", "[FORMAT]", "table, line, csv, json or oql", &CZelShell::formatCommand},
+        {".format", "FORMAT", "table, line, csv, json or oql", &CZelShell::formatCommand},
         {".output", "[FILE]", "results go to a file, or to standard output again", &CZelShell::outputCommand},
         {".timer", "on|off", "say how long each statement took", &CZelShell::timerCommand},
         {".quit", "", "leave", &CZelShell::quitCommand},

@@ -61,11 +61,20 @@ bool lineMatches(const std::string &expected, const std::string &line) {
     return false;
 }
 
-// Rows in the order of their text, in front of all else.
-void sortRows(std::vector<std::string> &lines) {
-    auto end = std::stable_partition(lines.begin(), lines.end(),
-                                     [](const std::string &line) { return line.rfind("row ", 0) == 0; });
-    std::sort(lines.begin(), end);
+// Takes each expected line's match out of the answer; the exact ones first, so that a `=?` takes what is left.
+bool matchesUnordered(const std::vector<std::string> &expected, std::vector<std::string> answer) {
+    for (bool wild : {false, true}) {
+        for (const std::string &line : expected) {
+            if ((line.find("=?") != std::string::npos) != wild)
+                continue;
+            auto found = std::find_if(answer.begin(), answer.end(),
+                                      [&line](const std::string &candidate) { return lineMatches(line, candidate); });
+            if (found == answer.end())
+                return false;
+            answer.erase(found);
+        }
+    }
+    return answer.empty();
 }
 
 }  // namespace
@@ -83,13 +92,10 @@ std::vector<std::string> CZelScriptRunner::AnswerTo(CZelStatementStore &store, c
     return lines;
 }
 
-bool CZelScriptRunner::Matches(const SZelStep &step, std::vector<std::string> answer) {
-    std::vector<std::string> expected = step.m_expected;
-    if (step.m_unordered) {
-        sortRows(expected);
-        sortRows(answer);
-    }
-    return std::equal(expected.begin(), expected.end(), answer.begin(), answer.end(), lineMatches);
+bool CZelScriptRunner::Matches(const SZelStep &step, const std::vector<std::string> &answer) {
+    if (step.m_unordered)
+        return matchesUnordered(step.m_expected, answer);
+    return std::equal(step.m_expected.begin(), step.m_expected.end(), answer.begin(), answer.end(), lineMatches);
 }
 
 int CZelScriptRunner::Run(const std::string &path, CZelScript &script, bool accept) {

@@ -18,7 +18,7 @@ public:
     static std::vector<std::string> AnswerTo(CZelStatementStore &store, const std::string &text);
 
     // Is the answer what the step expects? `=?` in an expected row stands for any value.
-    static bool Matches(const SZelStep &step, std::vector<std::string> answer);
+    static bool Matches(const SZelStep &step, const std::vector<std::string> &answer);
 
 private:
     void printDifference(const std::string &path, const SZelStep &step, const std::vector<std::string> &answer);
