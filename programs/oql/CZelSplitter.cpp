@@ -52,12 +52,12 @@ bool CZelSplitter::Next(SZelPiece &piece) {
 
 // Goes on by one token, or by what there is of it. False when that needs more text.
 bool CZelSplitter::step() {
+    if (m_quote != '\0' && (m_finished || m_position < m_text.size()))
+        return stepString();
     if (m_position >= m_text.size())
         return false;
     if (m_inComment)
         return stepComment();
-    if (m_quote != '\0')
-        return stepString();
     if (m_state == COMMAND)
         return stepCommand();
     char c = m_text[m_position];

@@ -6,6 +6,10 @@
 #include <vector>
 
 #include "foundations/base/ZelEscape.h"
+#include "foundations/port/CZelErrorCapture.h"
+#include "oql/CZelOQLScanner.h"
+#include "oql/UZelScanValue.h"
+#include "tests/support/TestRandom.h"
 
 namespace {
 
@@ -125,6 +129,39 @@ TEST_F(SplitterTest, IsLinearInUnclosedQuotes) {
         text += "\\'\n";
     ZelSetEscape(true);
     EXPECT_EQ(1U, split(text, text.size()).size());
+}
+
+// Does the scanner see a `;` as the last token and none before?
+bool isOneStatement(const std::string &text) {
+    CZelErrorCapture quiet;
+    CZelOQLScanner scanner(text.c_str(), static_cast<unsigned>(text.size()));
+    UZelScanValue value = {};
+    int semicolons = 0;
+    int last = 0;
+    for (int token = scanner.yylex(&value); token != 0; token = scanner.yylex(&value)) {
+        semicolons += token == ';' ? 1 : 0;
+        last = token;
+    }
+    return semicolons == 1 && last == ';';
+}
+
+TEST_F(SplitterTest, CutsWhereTheScannerWould) {
+    TestRandom random;
+    static const char *const BITS[] = {"'", "\"", "\\", ";", "-", "/", "\n", " ", "a", "1", "--", "'a'", "\\'"};
+    for (int round = 0; round < 20000; ++round) {
+        std::string text;
+        for (unsigned i = random.below(24); i > 0; --i)
+            text += BITS[random.below(std::size(BITS))];
+        ZelSetEscape(random.oneIn(2));
+        for (const std::string &piece : split(text, 1 + random.below(8))) {
+            if (piece.back() == ';')
+                EXPECT_TRUE(isOneStatement(piece)) << text << "\n=> " << piece << "\nescape " << ZelEscapeIsOn();
+            else
+                EXPECT_FALSE(isOneStatement(piece)) << text << "\n=> " << piece << "\nescape " << ZelEscapeIsOn();
+        }
+        if (HasFailure())
+            return;
+    }
 }
 
 }  // namespace
