@@ -145,6 +145,9 @@ int CZelColDef::RCDSetIndex(__boolean index) {
 
 int CZelColDef::RCDSetDefault(const CZelAtom *value) {
     CZelAtom *copy = copyOf(value);
+    // A whole number becomes one of the column's type, so that `time default 0` is a time.
+    if (copy != nullptr && copy->RAIsNumber() && copy->RAType() != m_dataType)
+        copy->RACoerce(m_dataType);
     delete m_default;
     m_default = copy;
     return 1;
@@ -155,7 +158,7 @@ const char *CZelColDef::RCDDataTypeAsString() const {
 }
 
 char *CZelColDef::RCDTypeText() const {
-    CZelString text(typeName(*this));
+    CZelString text(CZelAtom::RAGetDataTypeString(m_dataType));
     return appendElementTypes(text, m_defined) ? text.RSTakeString() : nullptr;
 }
 
@@ -163,7 +166,7 @@ char *CZelColDef::RCDOQLDefinition() {
     CZelString text;
     text.RSStrCat(m_name);
     text.RSStrCat(' ');
-    text.RSStrCat(typeName(*this));
+    text.RSStrCat(CZelAtom::RAGetDataTypeString(m_dataType));
     text.RSStrCat(' ');
     if (!appendElementTypes(text, m_defined))
         return nullptr;

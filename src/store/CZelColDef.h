@@ -29,7 +29,7 @@ public:
     int RCDSetNullable(__boolean nullable);
     int RCDSetUnique(__boolean unique);
     int RCDSetIndex(__boolean index);
-    int RCDSetDefault(const CZelAtom *value);  // copies; null removes
+    int RCDSetDefault(const CZelAtom *value);  // copies, a number in the type of the column; null removes
 
     CZelAtom *RCDName() { return m_name; }
     const CZelAtom *RCDName() const { return m_name; }
