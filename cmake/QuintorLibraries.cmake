@@ -45,6 +45,7 @@ endfunction()
 quintor_library(quintor_static STATIC)
 quintor_library(quintor SHARED)
 set_target_properties(quintor PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+target_link_options(quintor PRIVATE -Wl,--no-undefined)
 if(QUINTOR_SANITIZE)
     # A sanitizer's symbols are the program's, so the link would not be complete.
     set_target_properties(quintor PROPERTIES EXCLUDE_FROM_ALL ON)
