@@ -59,6 +59,10 @@ endif()
 
 add_test(NAME docs.readme_shows_the_program_that_runs
          COMMAND ${CMAKE_COMMAND} -DROOT=${CMAKE_SOURCE_DIR} -P ${CMAKE_SOURCE_DIR}/tests/install/readme.cmake)
+if(TARGET oql)
+    add_test(NAME docs.readme_shows_statements_that_run
+             COMMAND ${CMAKE_SOURCE_DIR}/tests/install/readme_statements $<TARGET_FILE:oql> ${CMAKE_SOURCE_DIR}/README.md)
+endif()
 add_test(NAME layers.includes COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-includes)
 
 # What users get, in the build that they get.
