@@ -90,6 +90,14 @@ CZelColDef *CZelGrammarActions::NamedType(SZelSlice name) const {
     return type;
 }
 
+CZelExpr *CZelGrammarActions::TextValue(SZelSlice text) const {
+    return new CZelExpr(m_scanner.SliceAtom(text));
+}
+
+CZelExpr *CZelGrammarActions::RealValue(double number) {
+    return new CZelExpr(CZelAtom(static_cast<float>(number)));
+}
+
 CZelBag *CZelGrammarActions::AddTo(CZelBag *bag, void *object) {
     if (bag == nullptr)
         bag = new CZelBag();

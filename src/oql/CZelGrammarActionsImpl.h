@@ -5,6 +5,7 @@
 #include "foundations/base/CZelBag.h"
 #include "foundations/base/CZelStack.h"
 #include "foundations/base/ZelEnums.h"
+#include "oql/CZelExpr.h"
 #include "oql/CZelTextLexer.h"
 #include "oql/UZelGrammarValueImpl.h"
 
@@ -63,6 +64,12 @@ public:
     // --- expressions ---
 
     static CZelExpr *AtomValue(CZelAtom *atom);  // null: no value
+    CZelExpr *TextValue(SZelSlice text) const;
+    static CZelExpr *RealValue(double number);
+    template <class Whole>
+    static CZelExpr *Value(Whole number) {
+        return new CZelExpr(CZelAtom(number));
+    }
     static CZelExpr *Signed(CZelExpr *value, bool isNegative);
     // Folds constants into the left operand. A right one without a value is reported and left out.
     static CZelExpr *Fold(CZelExpr *left, void (CZelExpr::*operation)(const CZelAtom *), CZelExpr *right);

@@ -121,10 +121,6 @@ void CZelStatementActions::PushBareShow() const {
     Push(new CZelShow(nullptr, ZelStrDup("")));
 }
 
-CZelExprComplex *CZelStatementActions::Value(CZelExpr *value) {
-    return new CZelExprComplex(value);
-}
-
 CZelExprComplex *CZelStatementActions::ListValue(CZelDoubleList *members) {
     return nested(members, E_RECTList);
 }

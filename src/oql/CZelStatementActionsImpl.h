@@ -35,7 +35,6 @@ public:
 
     // --- insert ---
 
-    static CZelExprComplex *Value(CZelExpr *value);
     static CZelExprComplex *ListValue(CZelDoubleList *members);    // null: empty
     static CZelExprComplex *ObjectValue(CZelDoubleList *members);  // null: empty
     CZelExprComplexVarBind *Member(SZelSlice name, CZelExprComplex *value) const;

@@ -84,8 +84,7 @@ void ZelFiltererror(CZelFilterScanner &, CZelFilterActions &, const char *) {}
 %destructor { delete $$; } <m_order>
 
 %type <m_filter> search_condition opt_having_clause opt_where_clause
-%type <m_comparison> predicate comparison_predicate between_predicate like_predicate test_for_null in_predicate
-%type <m_comparison> all_or_any_predicate existence_test
+%type <m_comparison> predicate between_predicate like_predicate in_predicate
 %type <m_oper> comparison
 %type <m_query> subquery table_exp
 %type <m_atom> opt_escape atom simple_atom list_whole object_whole
@@ -94,8 +93,8 @@ void ZelFiltererror(CZelFilterScanner &, CZelFilterActions &, const char *) {}
 %type <m_binding> varbind
 %type <m_expr> scalar_exp composite_exp lower_bound multi_column column_name object_partial list_partial function_ref
 %type <m_exprBag> selection scalar_exp_commalist
-%type <m_entity> table table_ref column_ref named_ref
-%type <m_entityStack> from_clause table_ref_commalist
+%type <m_entity> table column_ref named_ref
+%type <m_entityStack> from_clause table_commalist
 %type <m_entityBag> column_ref_commalist opt_group_by_clause
 %type <m_orderBag> opt_order_by_clause ordering_spec_commalist
 %type <m_order> ordering_spec
@@ -104,7 +103,6 @@ void ZelFiltererror(CZelFilterScanner &, CZelFilterActions &, const char *) {}
 %type <m_list> col_name_partial
 %type <m_clause> eval_ref
 %type <m_column> data_type other_type
-%type <m_token.m_slice> column
 %type <m_expr> in_predicate_expr
 %type <m_clause> searchable_eval_ref
 
@@ -123,19 +121,16 @@ search_condition:
     ;
 
 predicate:
-      comparison_predicate
-    | between_predicate
-    | like_predicate
-    | test_for_null
-    | in_predicate
-    | all_or_any_predicate
-    | existence_test
-    | "none"  { $$ = new CZelBoolean(); }
-    ;
-
-comparison_predicate:
       scalar_exp comparison scalar_exp  { $$ = actions.Compare($1, $2, $3); }
     | scalar_exp comparison subquery    { $$ = actions.Compare($1, $2, $3); }
+    | scalar_exp comparison any_all_some subquery  { $$ = actions.Compare($1, $2, $4); }
+    | between_predicate
+    | like_predicate
+    | in_predicate
+    | column_ref "is" "not" "null"  { $$ = actions.TestForNull($1, E_ROIsNotNull); }
+    | column_ref "is" "null"        { $$ = actions.TestForNull($1, E_ROIsNull); }
+    | "exists" subquery             { $$ = actions.Exists($2); }
+    | "none"                        { $$ = new CZelBoolean(); }
     ;
 
 comparison:
@@ -147,19 +142,9 @@ comparison:
     | ">="  { $$ = E_ROGreaterEqual; }
     ;
 
-all_or_any_predicate:
-      scalar_exp comparison any_all_some subquery  { $$ = actions.Compare($1, $2, $4); }
-    ;
-
 any_all_some: "any" | "all" | "some" ;
 
-existence_test: "exists" subquery  { $$ = actions.Exists($2); } ;
-
-test_for_null:
-      column_ref "is" "not" "null"  { $$ = actions.TestForNull($1, E_ROIsNotNull); }
-    | column_ref "is" "null"        { $$ = actions.TestForNull($1, E_ROIsNull); }
-    ;
-
+/* A list alone is both bounds. */
 between_predicate:
       scalar_exp "not" "between" list_whole
           { $$ = actions.Compare($1, E_RONotBetween, actions.AtomValue($4)); }
@@ -171,7 +156,6 @@ between_predicate:
           { $$ = actions.Between($1, E_ROBetween, $3, $5); }
     ;
 
-/* A list alone is both bounds. */
 lower_bound:
       simple_atom  { $$ = actions.AtomValue($1); }
     | composite_exp
@@ -233,9 +217,22 @@ open_subquery:
 /* --- expressions --- */
 
 scalar_exp:
-      simple_atom  { $$ = actions.AtomValue($1); }
-    | list_whole   { $$ = actions.AtomValue($1); }
-    | composite_exp
+      named_ref                  { $$ = actions.EntityValue($1); }
+    | eval_ref                   { $$ = actions.ClauseValue($1); }
+    | function_ref
+    | '(' scalar_exp ')'         { $$ = $2; }
+    | '+' scalar_exp %prec __ZEL_UMINUS  { $$ = actions.Signed($2, false); }
+    | '-' scalar_exp %prec __ZEL_UMINUS  { $$ = actions.Signed($2, true); }
+    | scalar_exp '+' scalar_exp  { $$ = actions.Fold($1, &CZelExpr::REAddVal, $3); }
+    | scalar_exp '-' scalar_exp  { $$ = actions.Fold($1, &CZelExpr::RESubVal, $3); }
+    | scalar_exp '*' scalar_exp  { $$ = actions.Fold($1, &CZelExpr::REMulVal, $3); }
+    | scalar_exp '/' scalar_exp  { $$ = actions.Fold($1, &CZelExpr::REDivVal, $3); }
+    | "string"                   { $$ = actions.TextValue($1); }
+    | "integer"                  { $$ = actions.Value($1); }
+    | "number"                   { $$ = actions.RealValue($1); }
+    | "null"                     { $$ = actions.AtomValue(nullptr); }
+    | object_whole               { $$ = actions.AtomValue($1); }
+    | list_whole                 { $$ = actions.AtomValue($1); }
     ;
 
 /* All but a literal alone. */
@@ -283,14 +280,12 @@ table_exp:
           { $$ = actions.Query($1, $2, $3, $4, $5); }
     ;
 
-from_clause: "from" table_ref_commalist  { $$ = $2; } ;
+from_clause: "from" table_commalist  { $$ = $2; } ;
 
-table_ref_commalist:
-      table_ref                          { $$ = actions.AddTable(nullptr, $1); }
-    | table_ref_commalist ',' table_ref  { $$ = actions.AddTable($1, $3); }
+table_commalist:
+      table                      { $$ = actions.AddTable(nullptr, $1); }
+    | table_commalist ',' table  { $$ = actions.AddTable($1, $3); }
     ;
-
-table_ref: table ;
 
 opt_where_clause:
       %empty                   { $$ = nullptr; }
@@ -361,12 +356,10 @@ multi_column: column_name ;
 
 /* An eval of char is always a computed name, any other one a value. */
 column_name:
-      column  { $$ = actions.Name($1); }
+      "name"  { $$ = actions.Name($1); }
     | "eval" '(' "char" ',' "string" ')'
           { $$ = actions.ClauseValue(actions.Clause(actions.Type(E_RDTText), $5)); }
     ;
-
-column: "name" ;
 
 col_name_partial:
       object_partial                   { $$ = actions.AddKey(nullptr, $1); }

@@ -111,8 +111,7 @@ void ZelOQLerror(CZelOQLScanner &, CZelStatementActions &, const char *) {}
 %destructor { delete $$; } <m_order> <m_assign>
 
 %type <m_filter> search_condition opt_having_clause opt_where_clause
-%type <m_comparison> predicate comparison_predicate between_predicate like_predicate test_for_null in_predicate
-%type <m_comparison> all_or_any_predicate existence_test
+%type <m_comparison> predicate between_predicate like_predicate in_predicate
 %type <m_oper> comparison
 %type <m_query> subquery table_exp
 %type <m_atom> opt_escape atom simple_atom list_whole object_whole
@@ -121,8 +120,8 @@ void ZelOQLerror(CZelOQLScanner &, CZelStatementActions &, const char *) {}
 %type <m_binding> varbind
 %type <m_expr> scalar_exp composite_exp lower_bound multi_column column_name object_partial list_partial function_ref
 %type <m_exprBag> selection scalar_exp_commalist
-%type <m_entity> table table_ref column_ref named_ref
-%type <m_entityStack> from_clause table_ref_commalist
+%type <m_entity> table column_ref named_ref
+%type <m_entityStack> from_clause table_commalist
 %type <m_entityBag> column_ref_commalist opt_group_by_clause
 %type <m_orderBag> opt_order_by_clause ordering_spec_commalist
 %type <m_order> ordering_spec
@@ -131,7 +130,6 @@ void ZelOQLerror(CZelOQLScanner &, CZelStatementActions &, const char *) {}
 %type <m_list> col_name_partial
 %type <m_clause> eval_ref
 %type <m_column> data_type
-%type <m_token.m_slice> column
 %type <m_attributeStack> base_table_element_commalist
 %type <m_attribute> base_table_element column_def table_constraint_def
 %type <m_optionStack> column_def_opt_list
@@ -141,7 +139,6 @@ void ZelOQLerror(CZelOQLScanner &, CZelStatementActions &, const char *) {}
 %type <m_expr> database_name
 %type <m_valueBag> insert_values opt_insert_expressions insert_expr_commalist
 %type <m_value> insert_expr_ref
-%type <m_atom> insert_simple_atom
 %type <m_list> insert_object_expr_list insert_varbind_expr_list insert_list_expr_list insert_expr_list
 %type <m_member> insert_varbind_expr
 %type <m_assignBag> assignment_commalist
@@ -155,18 +152,21 @@ oql_list:
     ;
 
 oql:
-      db_def
-    | manipulative_statement
-    | set_behaviour
-    ;
-
-db_def: opt_db_def_element_list ;
-
-opt_db_def_element_list:
       %empty
     | db_def_element_list
+    | delete_statement_searched
+    | insert_statement
+    | select_statement
+    | update_statement_searched
+    | select_into_statement
+    | drop_entity
+    | drop_index
+    | set_behaviour
+    | shutdown_statement
+    | show_statement
     ;
 
+/* Definitions may follow one another without a semicolon. */
 db_def_element_list:
       db_def_element
     | db_def_element_list db_def_element
@@ -177,18 +177,6 @@ db_def_element:
     | database_create
     | data_type_def
     | base_index_def
-    ;
-
-manipulative_statement:
-      delete_statement_searched
-    | insert_statement
-    | select_statement
-    | update_statement_searched
-    | select_into_statement
-    | drop_entity
-    | drop_index
-    | shutdown_statement
-    | show_statement
     ;
 
 /* --- definitions --- */
@@ -207,7 +195,7 @@ base_table_element:
     | table_constraint_def
     ;
 
-column_def: column data_type column_def_opt_list  { $$ = actions.Column($1, $2, $3); } ;
+column_def: "name" data_type column_def_opt_list  { $$ = actions.Column($1, $2, $3); } ;
 
 column_def_opt_list:
       %empty                              { $$ = new CZelStack(-1); }
@@ -235,8 +223,8 @@ table_constraint_def:
     ;
 
 column_commalist:
-      column                       { $$ = actions.AddName(nullptr, $1); }
-    | column_commalist ',' column  { $$ = actions.AddName($1, $3); }
+      "name"                       { $$ = actions.AddName(nullptr, $1); }
+    | column_commalist ',' "name"  { $$ = actions.AddName($1, $3); }
     ;
 
 column_commabag:
@@ -324,18 +312,14 @@ insert_expr_commalist:
     ;
 
 insert_expr_ref:
-      eval_ref                 { $$ = actions.Value(actions.ClauseValue($1)); }
-    | insert_simple_atom       { $$ = actions.Value(actions.AtomValue($1)); }
+      eval_ref                 { $$ = new CZelExprComplex(actions.ClauseValue($1)); }
+    | "string"                 { $$ = new CZelExprComplex(actions.TextValue($1)); }
+    | "integer"                { $$ = new CZelExprComplex(actions.Value($1)); }
+    | "long integer"           { $$ = new CZelExprComplex(actions.Value($1)); }
+    | "number"                 { $$ = new CZelExprComplex(actions.RealValue($1)); }
+    | "null"                   { $$ = new CZelExprComplex(actions.AtomValue(nullptr)); }
     | insert_object_expr_list  { $$ = actions.ObjectValue($1); }
     | insert_list_expr_list    { $$ = actions.ListValue($1); }
-    ;
-
-insert_simple_atom:
-      "string"        { $$ = actions.Text($1); }
-    | "integer"       { $$ = new CZelAtom($1); }
-    | "long integer"  { $$ = new CZelAtom($1); }
-    | "number"        { $$ = actions.Real($1); }
-    | "null"          { $$ = nullptr; }
     ;
 
 insert_object_expr_list:
@@ -402,18 +386,15 @@ search_condition:
     ;
 
 predicate:
-      comparison_predicate
-    | between_predicate
-    | like_predicate
-    | test_for_null
-    | in_predicate
-    | all_or_any_predicate
-    | existence_test
-    ;
-
-comparison_predicate:
       scalar_exp comparison scalar_exp  { $$ = actions.Compare($1, $2, $3); }
     | scalar_exp comparison subquery    { $$ = actions.Compare($1, $2, $3); }
+    | scalar_exp comparison any_all_some subquery  { $$ = actions.Compare($1, $2, $4); }
+    | between_predicate
+    | like_predicate
+    | in_predicate
+    | column_ref "is" "not" "null"  { $$ = actions.TestForNull($1, E_ROIsNotNull); }
+    | column_ref "is" "null"        { $$ = actions.TestForNull($1, E_ROIsNull); }
+    | "exists" subquery             { $$ = actions.Exists($2); }
     ;
 
 comparison:
@@ -425,19 +406,9 @@ comparison:
     | ">="  { $$ = E_ROGreaterEqual; }
     ;
 
-all_or_any_predicate:
-      scalar_exp comparison any_all_some subquery  { $$ = actions.Compare($1, $2, $4); }
-    ;
-
 any_all_some: "any" | "all" | "some" ;
 
-existence_test: "exists" subquery  { $$ = actions.Exists($2); } ;
-
-test_for_null:
-      column_ref "is" "not" "null"  { $$ = actions.TestForNull($1, E_ROIsNotNull); }
-    | column_ref "is" "null"        { $$ = actions.TestForNull($1, E_ROIsNull); }
-    ;
-
+/* A list alone is both bounds. */
 between_predicate:
       scalar_exp "not" "between" list_whole
           { $$ = actions.Compare($1, E_RONotBetween, actions.AtomValue($4)); }
@@ -449,7 +420,6 @@ between_predicate:
           { $$ = actions.Between($1, E_ROBetween, $3, $5); }
     ;
 
-/* A list alone is both bounds. */
 lower_bound:
       simple_atom  { $$ = actions.AtomValue($1); }
     | composite_exp
@@ -498,9 +468,23 @@ open_subquery:
 /* --- expressions --- */
 
 scalar_exp:
-      simple_atom  { $$ = actions.AtomValue($1); }
-    | list_whole   { $$ = actions.AtomValue($1); }
-    | composite_exp
+      named_ref                  { $$ = actions.EntityValue($1); }
+    | eval_ref                   { $$ = actions.ClauseValue($1); }
+    | function_ref
+    | '(' scalar_exp ')'         { $$ = $2; }
+    | '+' scalar_exp %prec __ZEL_UMINUS  { $$ = actions.Signed($2, false); }
+    | '-' scalar_exp %prec __ZEL_UMINUS  { $$ = actions.Signed($2, true); }
+    | scalar_exp '+' scalar_exp  { $$ = actions.Fold($1, &CZelExpr::REAddVal, $3); }
+    | scalar_exp '-' scalar_exp  { $$ = actions.Fold($1, &CZelExpr::RESubVal, $3); }
+    | scalar_exp '*' scalar_exp  { $$ = actions.Fold($1, &CZelExpr::REMulVal, $3); }
+    | scalar_exp '/' scalar_exp  { $$ = actions.Fold($1, &CZelExpr::REDivVal, $3); }
+    | "string"                   { $$ = actions.TextValue($1); }
+    | "integer"                  { $$ = actions.Value($1); }
+    | "long integer"             { $$ = actions.Value($1); }
+    | "number"                   { $$ = actions.RealValue($1); }
+    | "null"                     { $$ = actions.AtomValue(nullptr); }
+    | object_whole               { $$ = actions.AtomValue($1); }
+    | list_whole                 { $$ = actions.AtomValue($1); }
     ;
 
 /* All but a literal alone. */
@@ -548,14 +532,12 @@ table_exp:
           { $$ = actions.Query($1, $2, $3, $4, $5); }
     ;
 
-from_clause: "from" table_ref_commalist  { $$ = $2; } ;
+from_clause: "from" table_commalist  { $$ = $2; } ;
 
-table_ref_commalist:
-      table_ref                          { $$ = actions.AddTable(nullptr, $1); }
-    | table_ref_commalist ',' table_ref  { $$ = actions.AddTable($1, $3); }
+table_commalist:
+      table                      { $$ = actions.AddTable(nullptr, $1); }
+    | table_commalist ',' table  { $$ = actions.AddTable($1, $3); }
     ;
-
-table_ref: table ;
 
 opt_where_clause:
       %empty                   { $$ = nullptr; }
@@ -631,9 +613,7 @@ multi_column:
     | eval_ref  { $$ = actions.ClauseValue($1); }
     ;
 
-column_name: column  { $$ = actions.Name($1); } ;
-
-column: "name" ;
+column_name: "name"  { $$ = actions.Name($1); } ;
 
 col_name_partial:
       object_partial                   { $$ = actions.AddKey(nullptr, $1); }
