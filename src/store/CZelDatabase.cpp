@@ -7,6 +7,7 @@
 #include "foundations/base/CZelBag.h"
 #include "foundations/base/CZelString.h"
 #include "foundations/base/CZelTreeList.h"
+#include "foundations/base/ZelMalloc.h"
 #include "foundations/port/CZelError.h"
 #include "foundations/port/ZelDebug.h"
 #include "oql/CZelDbEntity.h"
@@ -101,8 +102,15 @@ CZelBag *CZelDatabase::RDOCompilables() {
 }
 
 char *CZelDatabase::RDOAsString() {
+    if (m_name == nullptr && m_compilables == nullptr) {
+        ZEL_REPORT(E_RCNull, "CZelDatabase::RDOAsString: no name");
+        return nullptr;
+    }
     CZelString text("create database ");
-    text.RSStrCat(m_name);
+    if (m_name != nullptr)
+        text.RSStrCat(m_name);
+    else  // not settled yet: the clause that will give it
+        text.RSStrCat(CZelMallocText(static_cast<CZelExpr *>(m_compilables->RBFirst()->RPData())->REPrint()).get());
     text.RSStrCat(";\n");
     return text.RSTakeString();
 }

@@ -219,3 +219,10 @@ TEST_F(CmdCmplrTest, AFieldThatSaysEvalByChanceStaysAsItIs) {
     EXPECT_EQ(3, record.RRValueOf("evaluation")->RAInt());
     EXPECT_STREQ("an eval of sorts", record.RRValueOf("note")->RAString());
 }
+
+TEST_F(CmdCmplrTest, ANameThatIsNotKnownYetIsWrittenAsItsClause) {
+    CZelBag statements;
+    CZelCmdCmplr::RCCPrecompileOQL("create database eval(text,'&name');", statements);
+    const std::unique_ptr<CZelDbObject> database(static_cast<CZelDbObject *>(statements.RBFirst()->RPData()));
+    EXPECT_STREQ("create database eval(text,'&name');\n", CZelMallocText(database->RDOAsString()).get());
+}
