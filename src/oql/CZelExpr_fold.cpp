@@ -4,10 +4,9 @@
 
 #include "foundations/port/ZelDebug.h"
 #include "oql/CZelExpr.h"
+#include "oql/ZelFoldImpl.h"
 
 namespace {
-
-enum Operator { ADD, SUBTRACT, MULTIPLY, DIVIDE };
 
 // The kind of number that an operation computes in; long counts as int.
 enum Kind { INT, FLOAT, LONG64, NONE };
@@ -46,31 +45,31 @@ bool isZero(const CZelAtom &number) {
 
 // Whole numbers wrap: they are computed without sign, and the smallest divided by -1 is itself.
 template <class Signed, class Unsigned>
-Signed computeWhole(Operator op, Signed left, Signed right) {
+Signed computeWhole(EZelFold op, Signed left, Signed right) {
     const auto a = static_cast<Unsigned>(left);
     const auto b = static_cast<Unsigned>(right);
     switch (op) {
-        case ADD:
+        case EZelFold::ADD:
             return static_cast<Signed>(a + b);
-        case SUBTRACT:
+        case EZelFold::SUBTRACT:
             return static_cast<Signed>(a - b);
-        case MULTIPLY:
+        case EZelFold::MULTIPLY:
             return static_cast<Signed>(a * b);
-        case DIVIDE:
+        case EZelFold::DIVIDE:
             break;
     }
     return right == -1 ? static_cast<Signed>(Unsigned{0} - a) : left / right;
 }
 
-float computeFloat(Operator op, float left, float right) {
+float computeFloat(EZelFold op, float left, float right) {
     switch (op) {
-        case ADD:
+        case EZelFold::ADD:
             return left + right;
-        case SUBTRACT:
+        case EZelFold::SUBTRACT:
             return left - right;
-        case MULTIPLY:
+        case EZelFold::MULTIPLY:
             return left * right;
-        case DIVIDE:
+        case EZelFold::DIVIDE:
             break;
     }
     return left / right;
@@ -80,11 +79,13 @@ long long wide(const CZelAtom &number) {
     return kindOf(number) == INT ? number.RAInt() : number.RALongLong();
 }
 
-void fold(CZelAtom &left, Operator op, const CZelAtom &right) {
+}  // namespace
+
+void ZelFold(CZelAtom &left, EZelFold op, const CZelAtom &right) {
     const Kind kind = commonKind(kindOf(left), kindOf(right));
     if (kind == NONE)
         return traceBadExpression();
-    if (op == DIVIDE && isZero(right))
+    if (op == EZelFold::DIVIDE && isZero(right))
         return;
     if (kind == FLOAT)
         left.RASet(computeFloat(op, left.RAFloat(), right.RAFloat()));
@@ -94,22 +95,20 @@ void fold(CZelAtom &left, Operator op, const CZelAtom &right) {
         left.RASet(computeWhole<int, unsigned int>(op, left.RAInt(), right.RAInt()));
 }
 
-void negate(CZelAtom &atom) {
+void ZelNegate(CZelAtom &atom) {
     switch (atom.RAType()) {
         case E_RDTInt:
-            return atom.RASet(computeWhole<int, unsigned int>(SUBTRACT, 0, atom.RAInt()));
+            return atom.RASet(computeWhole<int, unsigned int>(EZelFold::SUBTRACT, 0, atom.RAInt()));
         case E_RDTLong:
-            return atom.RASet(computeWhole<long, unsigned long>(SUBTRACT, 0L, atom.RALong()));
+            return atom.RASet(computeWhole<long, unsigned long>(EZelFold::SUBTRACT, 0L, atom.RALong()));
         case E_RDTFloat:
             return atom.RASet(-atom.RAFloat());
         case E_RDTLong64:
-            return atom.RASet(computeWhole<long long, unsigned long long>(SUBTRACT, 0LL, atom.RALongLong()));
+            return atom.RASet(computeWhole<long long, unsigned long long>(EZelFold::SUBTRACT, 0LL, atom.RALongLong()));
         default:
             return traceBadExpression();
     }
 }
-
-}  // namespace
 
 // The constant that an operation changes, or null when this is none.
 CZelAtom *CZelExpr::ownConstant() {
@@ -118,22 +117,22 @@ CZelAtom *CZelExpr::ownConstant() {
 
 void CZelExpr::REAddVal(const CZelAtom *other) {
     if (CZelAtom *own = other != nullptr ? ownConstant() : nullptr)
-        fold(*own, ADD, *other);
+        ZelFold(*own, EZelFold::ADD, *other);
 }
 
 void CZelExpr::RESubVal(const CZelAtom *other) {
     if (CZelAtom *own = other != nullptr ? ownConstant() : nullptr)
-        fold(*own, SUBTRACT, *other);
+        ZelFold(*own, EZelFold::SUBTRACT, *other);
 }
 
 void CZelExpr::REMulVal(const CZelAtom *other) {
     if (CZelAtom *own = other != nullptr ? ownConstant() : nullptr)
-        fold(*own, MULTIPLY, *other);
+        ZelFold(*own, EZelFold::MULTIPLY, *other);
 }
 
 void CZelExpr::REDivVal(const CZelAtom *other) {
     if (CZelAtom *own = other != nullptr ? ownConstant() : nullptr)
-        fold(*own, DIVIDE, *other);
+        ZelFold(*own, EZelFold::DIVIDE, *other);
 }
 
 void CZelExpr::REPositivise() {
@@ -144,5 +143,5 @@ void CZelExpr::REPositivise() {
 
 void CZelExpr::RENegativise() {
     if (CZelAtom *own = ownConstant())
-        negate(*own);
+        ZelNegate(*own);
 }

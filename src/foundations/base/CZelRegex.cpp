@@ -67,6 +67,16 @@ int CZelRegex::RRStep(const char *text) {
     return found ? 1 : 0;
 }
 
+std::string_view CZelRegex::RRFind(std::string_view text, int n) const {
+    re2::StringPiece groups[MOST_GROUPS];
+    if (RRCompiledCorrectly() != E_RBTrue || n < 0 || static_cast<std::size_t>(n) >= m_impl->m_groups.size())
+        return {};
+    const re2::StringPiece all(text.data(), text.size());
+    if (!m_impl->m_pattern->Match(all, 0, all.size(), RE2::UNANCHORED, groups, n + 1))
+        return {};
+    return {groups[n].data(), groups[n].size()};
+}
+
 const char *CZelRegex::SubExprStart(int n) const {
     const std::vector<re2::StringPiece> &groups = m_impl->m_groups;
     return n < 0 || static_cast<std::size_t>(n) >= groups.size() ? nullptr : groups[static_cast<std::size_t>(n)].data();

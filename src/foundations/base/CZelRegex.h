@@ -1,6 +1,8 @@
 // A compiled regular expression with captures. Matching takes linear time whatever the pattern.
 #pragma once
 
+#include <string_view>
+
 #include "foundations/base/ZelEnums.h"
 #include "foundations/port/ZelExport.h"
 
@@ -23,6 +25,10 @@ public:
     // into the text; null when it took no part.
     const char *SubExprStart(int n) const;
     const char *SubExprEnd(int n) const;
+
+    // Searches, gives sub-expression n and keeps nothing, so that threads may share the object. Empty with null data
+    // when there is no match or n, 1 to 9, took no part in it.
+    std::string_view RRFind(std::string_view text, int n) const;
 
 private:
     struct Impl;
