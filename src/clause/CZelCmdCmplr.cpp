@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 #include "clause/CZelEvalClause.h"
 #include "foundations/base/CZelAtom.h"
@@ -210,28 +211,28 @@ int CZelCmdCmplr::RCCInitClauses() {
     return 1;
 }
 
+// Members of objects come in the place of their object. Objects may lie in objects to any depth, so those that are
+// not done yet wait in a list.
 int CZelCmdCmplr::RCCCompileClausesInRec(CZelRecord *record) {
     if (record == nullptr)
         return 1;
     CZelFilterParser parser;
-    const CZelVBList *values = record->RRVbIterator();
-    for (CZelVarBind *field = values->RVBLHead(); field != nullptr; field = values->RVBLGetNext(field))
-        compileField(*field, parser);
-    return 1;
-}
-
-void CZelCmdCmplr::compileField(CZelVarBind &field, CZelFilterParser &parser) {
-    const CZelAtom *value = field.RVBValue();
-    if (value == nullptr) {
-        ZEL_REPORT(E_RCBadArgument, "CZelCmdCmplr::RCCCompileClausesInRec");
-    } else if (value->RAObject() != nullptr && value->RAObject()->RVBLLength() > 0) {
-        CZelRecord members(value->RAObject());
-        RCCCompileClausesInRec(&members);
-        CZelAtom *object = members.RRRecordAsAtom();
-        field.RVBSetValue(&object);
-    } else {
-        compileText(field, parser);
+    std::vector<CZelVarBind *> waiting{record->RRVbIterator()->RVBLHead()};
+    while (!waiting.empty()) {
+        CZelVarBind *field = waiting.back();
+        waiting.pop_back();
+        if (field == nullptr)
+            continue;
+        waiting.push_back(record->RRVbIterator()->RVBLGetNext(field));
+        CZelAtom *value = field->RVBValue();
+        if (value == nullptr)
+            ZEL_REPORT(E_RCBadArgument, "CZelCmdCmplr::RCCCompileClausesInRec");
+        else if (value->RAObject() != nullptr && value->RAObject()->RVBLLength() > 0)
+            waiting.push_back(value->RAObject()->RVBLHead());
+        else
+            compileText(*field, parser);
     }
+    return 1;
 }
 
 void CZelCmdCmplr::compileText(CZelVarBind &field, CZelFilterParser &parser) {
@@ -243,9 +244,11 @@ void CZelCmdCmplr::compileText(CZelVarBind &field, CZelFilterParser &parser) {
         return;
     CZelFilter *filter = parser.RFPParse(text.RSString(), nullptr);
     if (filter != nullptr) {
+        const int former = m_Clauses.RBLength();
         RCCCompileFilter(filter);
         RCCCompileClauses();
-        takeLastClause(field);
+        if (m_Clauses.RBLength() > former)
+            takeLastClause(field);
         delete filter;
     }
     RCCPurge(E_RBFalse);

@@ -15,15 +15,18 @@
 
 class CZelAtom;
 class CZelAtomVector;
+class CZelClauseValue;
 class CZelDbObject;
 class CZelEvalClause;
 class CZelExpr;
+class CZelFieldName;
 class CZelFilter;
 class CZelFilterParser;
 class CZelGraph;
 class CZelRecord;
 class CZelRecordVector;
 class CZelStore;
+class CZelString;
 class CZelVarBind;
 
 // A constant with an int value.
@@ -119,6 +122,15 @@ public:
     CZelAtom *RCCEvaluateLength(const char *name);
     CZelAtom *RCCEvaluateLength(CZelAtom *name);
 
+    // The same without a copy, for nodes that were made once and are evaluated often. What they give is the record's
+    // or the constant's; null for nothing.
+    const CZelAtom *RCCField(const CZelFieldName &name) const;
+    void RCCEvaluateDollar(const char *name, CZelClauseValue &value);
+    static void RCCCatPart(CZelString &text, const CZelAtom *part);  // one part of a concatenation
+    // A new list, the caller's.
+    CZelAtomVector *RCCAppended(const CZelFieldName &list, const CZelFieldName &item, bool unique) const;
+    CZelAtomVector *RCCDeleted(const CZelFieldName &list, const CZelFieldName &item) const;
+
     // Which environment variables $NAME may read; null (the default) allows all. Set before threads start.
     using EnvironmentFilter = bool (*)(const char *name);
     static void RCCSetEnvironmentFilter(EnvironmentFilter filter);
@@ -141,13 +153,10 @@ private:
     void RCCDeleteContentsOfConstStore();
     char *RCCCompileOQLToString();
     CZelRecord *recordAt(int level) const;
-    const CZelAtom *fieldOf(const char *name);
-    CZelAtom *appendItem(const char *list, const char *item, bool unique);
     CZelAtom *evaluateBuiltIn(const char *name);
     const char *followIndirections(const char *name);
     void sortStatement(CZelDbObject *statement, bool own);
     void listForDeletion(CZelDbObject *statement);
-    void compileField(CZelVarBind &field, CZelFilterParser &parser);
     void compileText(CZelVarBind &field, CZelFilterParser &parser);
     void takeLastClause(CZelVarBind &field);
 

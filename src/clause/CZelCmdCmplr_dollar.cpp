@@ -6,6 +6,7 @@
 #include <ctime>
 #include <string>
 
+#include "clause/CZelClauseValue.h"
 #include "clause/CZelCmdCmplr.h"
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelEnv.h"
@@ -47,20 +48,26 @@ void CZelCmdCmplr::RCCSetEnvironmentFilter(EnvironmentFilter filter) {
 }
 
 CZelAtom *CZelCmdCmplr::RCCEvaluateDollar(const char *name) {
+    CZelClauseValue value;
+    RCCEvaluateDollar(name, value);
+    return value.TakeAtom();
+}
+
+void CZelCmdCmplr::RCCEvaluateDollar(const char *name, CZelClauseValue &value) {
+    value.Clear();
     if (name == nullptr) {
         ZEL_REPORT(E_RCBadArgument, "CZelCmdCmplr::RCCEvaluateDollar");
-        return nullptr;
+        return;
     }
-    CZelAtom *builtIn = evaluateBuiltIn(name);
-    if (builtIn != nullptr)
-        return builtIn;
+    value.Adopt(evaluateBuiltIn(name));
+    if (value.HasValue())
+        return;
     name = followIndirections(name);
-    if (name == nullptr)
-        return nullptr;
-    const CZelAtom *value = nullptr;
-    if (RCCGetNumFromConst(name, &value) == 1 && value != nullptr)
-        return new CZelAtom(*value);
-    return fromEnvironment(name);
+    const CZelAtom *constant = nullptr;
+    if (name != nullptr && RCCGetNumFromConst(name, &constant) == 1 && constant != nullptr)
+        value.Refer(constant);
+    else if (name != nullptr)
+        value.Adopt(fromEnvironment(name));
 }
 
 CZelAtom *CZelCmdCmplr::evaluateBuiltIn(const char *name) {

@@ -1,5 +1,6 @@
 #include "clause/CZelCmdCmplr.h"
 #include "clause/CZelEvalClause.h"
+#include "clause/CZelFieldName.h"
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelAtomVector.h"
 #include "foundations/base/CZelRecord.h"
@@ -21,12 +22,20 @@ const char *nameText(const CZelAtom *name) {
     return name != nullptr ? name->RAString() : nullptr;
 }
 
+bool isEqual(const CZelAtom *element, const CZelAtom &item) {
+    return element != nullptr && element->RAEvalRelop(E_ROEqual, &item) == E_RBTrue;
+}
+
 // The position of the first element equal to the item, or the size.
 unsigned int positionOf(const CZelAtomVector &list, const CZelAtom &item) {
     unsigned int i = 0;
-    while (i < list.RAVSize() && list.RAVGetValue(i)->RAEvalRelop(E_ROEqual, &item) != E_RBTrue)
+    while (i < list.RAVSize() && !isEqual(list.RAVGetValue(i), item))
         ++i;
     return i;
+}
+
+CZelAtom *listAtom(CZelAtomVector *list) {
+    return list != nullptr ? new CZelAtom(list) : nullptr;
 }
 
 }  // namespace
@@ -58,15 +67,13 @@ CZelRecord *CZelCmdCmplr::recordAt(int level) const {
     return m_RecordVector != nullptr ? m_RecordVector->RRVGetValueFromEnd(level) : nullptr;
 }
 
-// The field that a name with its nest level refers to, or null.
-const CZelAtom *CZelCmdCmplr::fieldOf(const char *name) {
-    const char *field = nullptr;
-    const CZelRecord *record = recordAt(RCCGetNestLevel(name, &field));
-    return record != nullptr ? record->RRValueOf(field) : nullptr;
+const CZelAtom *CZelCmdCmplr::RCCField(const CZelFieldName &name) const {
+    const CZelRecord *record = name.IsName() ? recordAt(name.Level()) : nullptr;
+    return record != nullptr ? record->RRValueOf(&name.Name()) : nullptr;
 }
 
 CZelAtom *CZelCmdCmplr::RCCEvaluateAmpersand(const char *name) {
-    return name != nullptr ? copyOf(fieldOf(name)) : nullptr;
+    return copyOf(RCCField(CZelFieldName(name)));
 }
 
 CZelAtom *CZelCmdCmplr::RCCEvaluateAmpersand(CZelAtom *name) {
@@ -112,58 +119,61 @@ CZelAtom *CZelCmdCmplr::RCCEvaluateRecordValues() {
     return values;
 }
 
+void CZelCmdCmplr::RCCCatPart(CZelString &text, const CZelAtom *part) {
+    if (CZelAtom::RAIsNull(part))
+        text.RSStrCat("<NULL>");
+    else
+        text.RSStrCat(part);
+}
+
 CZelAtom *CZelCmdCmplr::RCCEvaluateCat(const CZelAtomVector &parts) {
     if (parts.RAVSize() == 0)
         return nullptr;
     CZelString text("");
-    for (unsigned int i = 0; i < parts.RAVSize(); ++i) {
-        const CZelAtom *part = parts.RAVGetValue(i);
-        if (CZelAtom::RAIsNull(part))
-            text.RSStrCat("<NULL>");
-        else
-            text.RSStrCat(part);
-    }
+    for (unsigned int i = 0; i < parts.RAVSize(); ++i)
+        RCCCatPart(text, parts.RAVGetValue(i));
     return text.RSStringAsAtom();
 }
 
-CZelAtom *CZelCmdCmplr::appendItem(const char *list, const char *item, bool unique) {
-    const char *field = nullptr;
-    if (list == nullptr || item == nullptr || recordAt(RCCGetNestLevel(list, &field)) == nullptr)
+CZelAtomVector *CZelCmdCmplr::RCCAppended(const CZelFieldName &list, const CZelFieldName &item, bool unique) const {
+    if (!list.IsName() || recordAt(list.Level()) == nullptr)
         return nullptr;
-    const CZelAtom *old = fieldOf(list);
-    const CZelAtom *added = fieldOf(item);
+    const CZelAtom *old = RCCField(list);
+    const CZelAtom *added = RCCField(item);
     if (added == nullptr || (old != nullptr && old->RAList() == nullptr))
         return nullptr;
     auto *result = old != nullptr ? new CZelAtomVector(*old->RAList()) : new CZelAtomVector(1);
     if (!unique || positionOf(*result, *added) == result->RAVSize())
         result->RAVAddToEnd(new CZelAtom(*added));
-    return new CZelAtom(result);
+    return result;
 }
 
-CZelAtom *CZelCmdCmplr::RCCEvaluateAppend(const char *list, const char *item) {
-    return appendItem(list, item, false);
-}
-
-CZelAtom *CZelCmdCmplr::RCCEvaluateAppendUnique(const char *list, const char *item) {
-    return appendItem(list, item, true);
-}
-
-CZelAtom *CZelCmdCmplr::RCCEvaluateDelete(const char *list, const char *item) {
-    if (list == nullptr || item == nullptr)
-        return nullptr;
-    const CZelAtom *old = fieldOf(list);
-    const CZelAtom *removed = fieldOf(item);
+CZelAtomVector *CZelCmdCmplr::RCCDeleted(const CZelFieldName &list, const CZelFieldName &item) const {
+    const CZelAtom *old = RCCField(list);
+    const CZelAtom *removed = RCCField(item);
     if (old == nullptr || removed == nullptr || old->RAList() == nullptr)
         return nullptr;
     auto *result = new CZelAtomVector(*old->RAList());
     const unsigned int position = positionOf(*result, *removed);
     if (position < result->RAVSize())
         delete result->RAVRemoveAtom(position);
-    return new CZelAtom(result);
+    return result;
+}
+
+CZelAtom *CZelCmdCmplr::RCCEvaluateAppend(const char *list, const char *item) {
+    return listAtom(RCCAppended(CZelFieldName(list), CZelFieldName(item), false));
+}
+
+CZelAtom *CZelCmdCmplr::RCCEvaluateAppendUnique(const char *list, const char *item) {
+    return listAtom(RCCAppended(CZelFieldName(list), CZelFieldName(item), true));
+}
+
+CZelAtom *CZelCmdCmplr::RCCEvaluateDelete(const char *list, const char *item) {
+    return listAtom(RCCDeleted(CZelFieldName(list), CZelFieldName(item)));
 }
 
 CZelAtom *CZelCmdCmplr::RCCEvaluateLength(const char *name) {
-    const CZelAtom *value = name != nullptr ? fieldOf(name) : nullptr;
+    const CZelAtom *value = RCCField(CZelFieldName(name));
     if (value == nullptr)
         return new CZelAtom(0);
     if (value->RAList() != nullptr)

@@ -56,6 +56,21 @@ protected:
     template <class Rules>
     int scan(UZelScanValue *value);
 
+    char byteAt(const char *place) const { return place < m_end ? *place : '\0'; }
+    int take(int count, int token) {
+        m_position += count;
+        return token;
+    }
+    SZelSlice slice(const char *start, const char *end) const {
+        return {static_cast<std::uint32_t>(start - m_base), static_cast<std::uint32_t>(end - start) & MAX_LENGTH, 0};
+    }
+    bool newlineFollows(const char *place);
+
+    const char *m_base = nullptr;
+    const char *m_position = nullptr;
+    const char *m_end = nullptr;
+    const char *m_tokenStart = nullptr;
+
 private:
     template <class Rules>
     int scanWord(UZelScanValue *value);
@@ -74,27 +89,14 @@ private:
     template <class Rules>
     int scanComparison(char first);
 
-    char byteAt(const char *place) const { return place < m_end ? *place : '\0'; }
     bool skipComment(char mark);
     void countLine() {
         ++m_line;
         m_lines.fetch_add(1, std::memory_order_relaxed);
     }
-    int take(int count, int token) {
-        m_position += count;
-        return token;
-    }
-    SZelSlice slice(const char *start, const char *end) const {
-        return {static_cast<std::uint32_t>(start - m_base), static_cast<std::uint32_t>(end - start) & MAX_LENGTH, 0};
-    }
-    bool newlineFollows(const char *place);
     void loadBuffer();
     void saveBuffer();
 
-    const char *m_base = nullptr;
-    const char *m_position = nullptr;
-    const char *m_end = nullptr;
-    const char *m_tokenStart = nullptr;
     const char *m_lastNewline = nullptr;  // m_end when there is none; null until asked
     std::atomic<int> &m_lines;
     int m_line = 1;

@@ -11,6 +11,7 @@ class CZelAtomVector;
 class CZelBag;
 class CZelBoolean;
 class CZelColDef;
+class CZelCompiledClause;
 class CZelDbEntity;
 class CZelDoubleList;
 class CZelEvalClause;
@@ -51,6 +52,9 @@ union UZelGrammarValue {
     CZelQuery *m_query;
     CZelOrder *m_order;
     CZelAssign *m_assign;
+
+    CZelCompiledClause *m_node;
+    CZelBag *m_nodeBag;
 
     CZelBag *m_exprBag;
     CZelBag *m_entityBag;

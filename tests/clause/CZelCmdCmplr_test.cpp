@@ -211,6 +211,58 @@ TEST_F(CmdCmplrTest, ActionsRunStraightOnAStoreWhichKeepsWhatItAdopts) {
     EXPECT_EQ(1, store.RSTotalRecordCount(&table, nullptr, E_RBTrue));
 }
 
+TEST_F(CmdCmplrTest, FieldsOfARecordThatAreClausesAreReplacedByTheirValues) {
+    CZelRecord current;
+    set(current, "Name", CZelAtom("eth0"));
+    compiler.RCCSetCurrentRec(&current, 0);
+    CZelRecord record;
+    set(record, "a", CZelAtom("eval(int,'1+2')"));
+    set(record, "b", CZelAtom("eval(text,'&Missing')"));
+    auto *members = new CZelVBList();
+    auto *inner = new CZelVBList();
+    inner->RVBLAddToListEnd(new CZelVarBind("c", "eval(text,'&Name')"));
+    members->RVBLAddToListEnd(new CZelVarBind("x", 1));
+    members->RVBLAddToListEnd(new CZelVarBind(CZelAtom("o"), CZelAtom(inner)));
+    members->RVBLAddToListEnd(new CZelVarBind("d", "eval(int,'2 * 3')"));
+    set(record, "o", CZelAtom(members));
+    set(record, "e", CZelAtom(7));
+    EXPECT_EQ(1, compiler.RCCCompileClausesInRec(&record));
+    EXPECT_EQ(3, record.RRValueOf("a")->RAInt());
+    EXPECT_EQ(E_RDTInt, record.RRValueOf("a")->RAType());
+    EXPECT_STREQ("No Value", record.RRValueOf("b")->RAString());
+    EXPECT_EQ("object {x=1,o={c='eth0'},d=6}", text(new CZelAtom(*record.RRValueOf("o"))));
+    EXPECT_EQ(7, record.RRValueOf("e")->RAInt());
+    EXPECT_EQ(0U, reports.Count());
+}
+
+TEST_F(CmdCmplrTest, StatementsCompiledOnceServeManyRecords) {
+    CZelBag statements;
+    ASSERT_TRUE(CZelCmdCmplr::RCCPrecompileOQL(
+        "insert into d.eval(text,'&Table') (a, b) values (eval(int,'&Count * 2'), [eval(int,'&Count'), 1]);"
+        "delete from d.t where a > eval(int,'&Count');",
+        statements));
+    compiler.RCCCompileOQL(&statements, false);
+    for (const int count : {1, 20}) {
+        CZelRecord record;
+        set(record, "Table", CZelAtom(count == 1 ? "t" : "u"));
+        set(record, "Count", CZelAtom(count));
+        compiler.RCCInitClauses();
+        compiler.RCCSetCurrentRec(&record, 0);
+        EXPECT_EQ(1, compiler.RCCCompileClauses());
+        std::string written;
+        for (CZelPointer *node = statements.RBFirst(); node != nullptr; node = CZelBag::RBNext(node))
+            written += CZelMallocText(static_cast<CZelDbObject *>(node->RPData())->RDOAsString()).get();
+        const std::string number = std::to_string(count);
+        EXPECT_NE(std::string::npos, written.find(count == 1 ? "d.t" : "d.u")) << written;
+        EXPECT_NE(std::string::npos, written.find("[" + number + ",1]")) << written;
+        EXPECT_NE(std::string::npos, written.find("a > " + number)) << written;
+    }
+    EXPECT_EQ(0U, reports.Count());
+    compiler.RCCPurge(E_RBFalse);
+    for (CZelPointer *node = statements.RBFirst(); node != nullptr; node = CZelBag::RBNext(node))
+        delete static_cast<CZelDbObject *>(node->RPData());
+}
+
 TEST_F(CmdCmplrTest, AFieldThatSaysEvalByChanceStaysAsItIs) {
     CZelRecord record;
     set(record, "evaluation", CZelAtom(3));

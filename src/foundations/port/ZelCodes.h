@@ -11,7 +11,7 @@ constexpr int E_RCOk = 1;
 
 // A null or senseless argument, or a state that the caller should not have produced.
 constexpr int E_RCBadArgument = -220552;
-// Memory is exhausted; the process ends after this report.
+// Memory is exhausted, and the process ends after this report; or the text of a clause is none, and nothing ends.
 constexpr int E_RCNoMemory = -220553;
 // Null stands where a value, a name or a result was needed.
 constexpr int E_RCNull = -220402;
