@@ -85,6 +85,8 @@ private:
     bool dumpToFile(const std::string &path, CZelResult &result);
     bool formatCommand(const std::string &argument);
     bool outputCommand(const std::string &argument);
+    bool recordCommand(const std::string &argument);
+    bool constCommand(const std::string &argument);
     bool timerCommand(const std::string &argument);
     bool quitCommand(const std::string &argument);
     void showText(const std::string &text);

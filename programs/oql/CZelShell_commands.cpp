@@ -71,6 +71,8 @@ const std::vector<CZelShell::Command> &CZelShell::commands() {
         {".dump", "[FILE]", "write the store as OQL text that -schema reads back", &CZelShell::dumpCommand},
         {".format", "FORMAT", "table, line, csv, json or oql", &CZelShell::formatCommand},
         {".output", "[FILE]", "results go to a file, or to standard output again", &CZelShell::outputCommand},
+        {".record", "{NAME=VALUE,...}|off", "the record that & in clauses refers to", &CZelShell::recordCommand},
+        {".const", "NAME VALUE", "a constant, $NAME in clauses", &CZelShell::constCommand},
         {".timer", "on|off", "say how long each statement took", &CZelShell::timerCommand},
         {".quit", "", "leave", &CZelShell::quitCommand},
     };
@@ -228,6 +230,20 @@ bool CZelShell::timerCommand(const std::string &argument) {
         return complain(".timer is on or off");
     m_timer = argument == "on";
     return true;
+}
+
+bool CZelShell::recordCommand(const std::string &argument) {
+    if (argument == "off")
+        m_store.ClearRecord();
+    else if (!m_store.SetRecord(argument))
+        return complain(".record needs an object, as {Speed=100,Name='eth0'}, or off");
+    return true;
+}
+
+bool CZelShell::constCommand(const std::string &argument) {
+    std::string_view name = std::string_view(argument).substr(0, argument.find_first_of(" \t"));
+    std::string problem;
+    return m_store.SetConstant(std::string(name), argument.substr(name.size()), &problem) || complain(problem);
 }
 
 bool CZelShell::quitCommand(const std::string & /*argument*/) {

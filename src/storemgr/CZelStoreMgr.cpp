@@ -49,27 +49,6 @@ void traceInsert(CZelDbObject *insert, int code) {
     std::free(text);
 }
 
-// Evaluates the clauses against the record and runs actions, then queries. The results of the queries replace
-// those of the actions.
-int runCompiled(CZelStoreMgr &manager, CZelCmdCmplr &compiler, CZelBag **results, EZelStoreErrorStatus *status,
-                CZelRecord *current, __boolean getRecs) {
-    CZelBag activeSet;
-    if (current != nullptr)
-        activeSet.RBAdd(static_cast<void *>(current));
-    compiler.RCCSetActiveSet(&activeSet);
-    compiler.RCCSetCurrentRec(current, 0);
-    const int compiled = compiler.RCCCompileClauses();
-    if (compiled != 1)
-        ZEL_REPORT(compiled, "CZelStoreMgr::RSMProcessOQL");
-    deleteRows(manager.RSMDistributeQuery(compiler.RCCActions(), status, getRecs), getRecs);
-    CZelBag *rows = manager.RSMDistributeQuery(compiler.RCCQueries(), status, getRecs);
-    if (results != nullptr)
-        *results = rows;
-    else
-        deleteRows(rows, getRecs);
-    return compiled;
-}
-
 }  // namespace
 
 CZelStoreMgr::CZelStoreMgr(CZelEngine *engine, void (*exitFn)(void))
@@ -138,31 +117,58 @@ void CZelStoreMgr::RSMEnterShutdownMode() {
 }
 
 int CZelStoreMgr::RSMProcessOQL(const char *oql, CZelBag **results, EZelStoreErrorStatus *status, CZelRecord *current) {
-    return RSMProcessOQL(oql, results, status, current, E_RBFalse);
+    CZelCmdCmplr compiler;
+    return RSMProcessOQL(compiler, oql, results, status, current, E_RBFalse);
 }
 
 int CZelStoreMgr::RSMProcessOQLGetRecs(const char *oql, CZelBag **results, EZelStoreErrorStatus *status,
                                        CZelRecord *current) {
-    return RSMProcessOQL(oql, results, status, current, E_RBTrue);
+    CZelCmdCmplr compiler;
+    return RSMProcessOQL(compiler, oql, results, status, current, E_RBTrue);
 }
 
-int CZelStoreMgr::RSMProcessOQL(const char *oql, CZelBag **results, EZelStoreErrorStatus *status, CZelRecord *current,
-                                __boolean getRecs) {
+int CZelStoreMgr::RSMProcessOQL(CZelCmdCmplr &compiler, const char *oql, CZelBag **results,
+                                EZelStoreErrorStatus *status, CZelRecord *current, __boolean getRecs) {
     traceText(oql);
     if (results != nullptr)
         *results = nullptr;
     if (oql == nullptr)
         return ZEL_FAIL(E_RCBadArgument, "CZelStoreMgr::RSMProcessOQL: no text");
-    CZelCmdCmplr compiler;
-    const int compiled = compiler.RCCCompileOQL(oql);
-    return compiled == 1 ? runCompiled(*this, compiler, results, status, current, getRecs) : compiled;
+    compiler.RCCPurge(E_RBFalse);
+    int code = compiler.RCCCompileOQL(oql);
+    if (code == 1)
+        code = runCompiled(compiler, results, status, current, getRecs);
+    compiler.RCCPurge(E_RBFalse);
+    return code;
 }
 
 int CZelStoreMgr::RSMProcessPrecompiled(CZelBag *statements, CZelBag **results, EZelStoreErrorStatus *status,
                                         CZelRecord *current, __boolean getRecs) {
     CZelCmdCmplr compiler;
     compiler.RCCCompileOQL(statements, false);
-    return runCompiled(*this, compiler, results, status, current, getRecs);
+    return runCompiled(compiler, results, status, current, getRecs);
+}
+
+// Evaluates the clauses against the record and runs actions, then queries. The results of the queries replace
+// those of the actions.
+int CZelStoreMgr::runCompiled(CZelCmdCmplr &compiler, CZelBag **results, EZelStoreErrorStatus *status,
+                              CZelRecord *current, __boolean getRecs) {
+    CZelBag activeSet;
+    if (current != nullptr)
+        activeSet.RBAdd(static_cast<void *>(current));
+    compiler.RCCSetActiveSet(&activeSet);
+    compiler.RCCSetCurrentRec(current, 0);
+    const int compiled = compiler.RCCCompileClauses();
+    if (compiled != 1)
+        ZEL_REPORT(compiled, "CZelStoreMgr::RSMProcessOQL");
+    deleteRows(RSMDistributeQuery(compiler.RCCActions(), status, getRecs), getRecs);
+    CZelBag *rows = RSMDistributeQuery(compiler.RCCQueries(), status, getRecs);
+    compiler.RCCSetActiveSet(nullptr);
+    if (results != nullptr)
+        *results = rows;
+    else
+        deleteRows(rows, getRecs);
+    return compiled;
 }
 
 CZelBag *CZelStoreMgr::RSMDistributeQuery(CZelBag *statements, EZelStoreErrorStatus *status, __boolean getRecs) {

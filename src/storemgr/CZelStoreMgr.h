@@ -17,6 +17,7 @@ class CZelAtom;
 class CZelAtomVector;
 class CZelBag;
 class CZelClient;
+class CZelCmdCmplr;
 class CZelDatabase;
 class CZelDbCallback;
 class CZelDbEntity;
@@ -95,6 +96,9 @@ public:
     // wrong is in *status (untouched by a text without statements) and in the reports; a syntax error gives 1.
     int RSMProcessOQL(const char *oql, CZelBag **results, EZelStoreErrorStatus *status, CZelRecord *current);
     int RSMProcessOQLGetRecs(const char *oql, CZelBag **results, EZelStoreErrorStatus *status, CZelRecord *current);
+    // The same with a compiler of the caller's, which brings constants. It is purged before and after.
+    int RSMProcessOQL(CZelCmdCmplr &compiler, const char *oql, CZelBag **results, EZelStoreErrorStatus *status,
+                      CZelRecord *current, __boolean getRecs);
     // Statements parsed earlier (RCCPrecompileOQL), run without parsing. They stay the caller's.
     int RSMProcessPrecompiled(CZelBag *statements, CZelBag **results, EZelStoreErrorStatus *status, CZelRecord *current,
                               __boolean getRecs);
@@ -147,8 +151,8 @@ public:
 protected:
     void RSMCreateStore(__boolean useByteLimit, unsigned long long byteLimit, __boolean useFractionLimit,
                         float fractionLimit, const char *cacheName, __boolean persistent);
-    int RSMProcessOQL(const char *oql, CZelBag **results, EZelStoreErrorStatus *status, CZelRecord *current,
-                      __boolean getRecs);
+    int runCompiled(CZelCmdCmplr &compiler, CZelBag **results, EZelStoreErrorStatus *status, CZelRecord *current,
+                    __boolean getRecs);
 
 private:
     int dispatchAction(CZelDbObject *statement, EZelStoreErrorStatus *status);

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <fstream>
+#include <utility>
 
 namespace {
 
@@ -50,6 +51,11 @@ bool CZelScript::readLine(std::size_t index) {
         m_open = false;
         return true;
     }
+    if (beginsWith(line, "record ") || beginsWith(line, "const ")) {
+        m_context.push_back(line);
+        m_open = false;
+        return true;
+    }
     return line[0] == '>' ? takeStatement(index) : takeAnswer(index);
 }
 
@@ -68,6 +74,8 @@ bool CZelScript::takeStatement(std::size_t index) {
         m_steps.emplace_back();
         m_steps.back().m_line = static_cast<int>(index) + 1;
         m_steps.back().m_newStore = m_newStore;
+        m_steps.back().m_context = std::move(m_context);
+        m_context.clear();
         m_newStore = false;
         m_open = true;
     }

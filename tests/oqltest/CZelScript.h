@@ -10,6 +10,7 @@ struct SZelStep {
     std::string m_text;                   // run as one text
     std::vector<std::string> m_expected;  // row, status and report lines
     bool m_unordered = false;             // rows may come in any order
+    std::vector<std::string> m_context;   // lines "record ..." and "const ..." that come before it
     bool m_newStore = false;              // with an empty store and the escape switch off
     int m_line = 0;                       // where it stands in the file, from 1
     std::size_t m_answerBegin = 0;        // its answer's lines in the file, from 0
@@ -38,6 +39,7 @@ private:
     std::string m_problem;
     bool m_markdown = false;
     bool m_inFence = false;
-    bool m_open = false;      // the last step may go on
-    bool m_newStore = false;  // for the next step
+    bool m_open = false;                 // the last step may go on
+    std::vector<std::string> m_context;  // for the next step, and
+    bool m_newStore = false;
 };

@@ -77,6 +77,20 @@ bool matchesUnordered(const std::vector<std::string> &expected, std::vector<std:
     return answer.empty();
 }
 
+// "record {a=1}", "record off" or "const NAME VALUE". Empty when done, else what is wrong.
+std::string applyContext(CZelStatementStore &store, const std::string &line) {
+    const std::size_t blank = line.find(' ');
+    const std::string argument = line.substr(blank + 1);
+    std::string problem;
+    if (line == "record off")
+        store.ClearRecord();
+    else if (line.compare(0, blank, "record") == 0)
+        problem = store.SetRecord(argument) ? "" : "is no record: " + line;
+    else
+        store.SetConstant(argument.substr(0, argument.find(' ')), argument.substr(argument.find(' ') + 1), &problem);
+    return problem;
+}
+
 }  // namespace
 
 std::vector<std::string> CZelScriptRunner::AnswerTo(CZelStatementStore &store, const std::string &text) {
@@ -98,6 +112,15 @@ bool CZelScriptRunner::Matches(const SZelStep &step, const std::vector<std::stri
     return std::equal(step.m_expected.begin(), step.m_expected.end(), answer.begin(), answer.end(), lineMatches);
 }
 
+std::vector<std::string> CZelScriptRunner::answerInContext(const SZelStep &step) {
+    for (const std::string &line : step.m_context) {
+        const std::string problem = applyContext(*m_store, line);
+        if (!problem.empty())
+            return {problem};
+    }
+    return AnswerTo(*m_store, step.m_text);
+}
+
 int CZelScriptRunner::Run(const std::string &path, CZelScript &script, bool accept) {
     std::vector<std::pair<SZelStep, std::vector<std::string>>> differing;
     for (const SZelStep &step : script.Steps()) {
@@ -105,7 +128,7 @@ int CZelScriptRunner::Run(const std::string &path, CZelScript &script, bool acce
             m_store = std::make_unique<CZelStatementStore>();
             ZelSetEscape(false);
         }
-        std::vector<std::string> answer = AnswerTo(*m_store, step.m_text);
+        std::vector<std::string> answer = answerInContext(step);
         if (Matches(step, answer))
             continue;
         printDifference(path, step, answer);

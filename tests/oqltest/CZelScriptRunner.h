@@ -21,6 +21,7 @@ public:
     static bool Matches(const SZelStep &step, const std::vector<std::string> &answer);
 
 private:
+    std::vector<std::string> answerInContext(const SZelStep &step);
     void printDifference(const std::string &path, const SZelStep &step, const std::vector<std::string> &answer);
 
     std::unique_ptr<CZelStatementStore> m_store;
