@@ -1,11 +1,13 @@
 #include "programs/oql/CZelLineEditor.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cwchar>
@@ -47,11 +49,30 @@ namespace {
 
 constexpr int HISTORY_LINES = 1000;
 
+// Waits for a byte of standard input. SIGINT is let in only while waiting, so that a Ctrl-C that comes a moment
+// before the wait ends it too. False when it did.
+bool waitForByte() {
+    sigset_t interrupt;
+    sigset_t usual;
+    sigemptyset(&interrupt);
+    sigaddset(&interrupt, SIGINT);
+    sigprocmask(SIG_BLOCK, &interrupt, &usual);
+    pollfd input = {STDIN_FILENO, POLLIN, 0};
+    int ready = 0;
+    while (!CZelInterrupt::Raised() && ready == 0)
+        if (ppoll(&input, 1, nullptr, &usual) > 0 || errno != EINTR)
+            ready = 1;
+    sigprocmask(SIG_SETMASK, &usual, nullptr);
+    return ready != 0;
+}
+
 // One character of UTF-8 from standard input. Ctrl-C ends the wait, unlike in the editor's own reader.
 int readCharacter(EditLine * /*editor*/, wchar_t *character) {
     std::mbstate_t state = {};
     char byte = '\0';
     for (;;) {
+        if (!waitForByte())
+            return -1;
         ssize_t got = read(STDIN_FILENO, &byte, 1);
         if (got < 0 && errno == EINTR && !CZelInterrupt::Raised())
             continue;

@@ -39,6 +39,8 @@ public:
             kill(m_child, SIGKILL);
     }
 
+    bool isThere() const { return m_child > 0; }
+
     // Types, and gives what the terminal shows up to and with `until`; empty when that does not come.
     std::string type(const std::string &keys, const std::string &until) {
         if (write(m_terminal, keys.data(), keys.size()) != static_cast<ssize_t>(keys.size()))
@@ -70,6 +72,8 @@ private:
 TEST(LineEditorTest, ATerminalIsTalkedToAndItsHistoryKeptPrivate) {
     ScratchDirectory home;
     Terminal terminal(home.Path("state"));
+    if (!terminal.isThere())
+        GTEST_SKIP() << "this machine has no pseudo terminals";
     EXPECT_NE("", terminal.type("", "oql> "));
     EXPECT_NE("", terminal.type("create database net;\r", "oql> "));
     EXPECT_NE("", terminal.type("create table net.chassis\r", "...> "));
