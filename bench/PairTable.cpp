@@ -15,6 +15,7 @@ constexpr int REPETITIONS = 7;
 struct Row {
     std::string name;
     std::string unit;
+    BenchPeer peer;
 };
 
 struct Measure {
@@ -85,22 +86,32 @@ void printName(const std::string &name, const std::string &unit) {
     std::printf("| %-46s | %-10s | ", name.c_str(), unit.c_str());
 }
 
-void printHead() {
-    std::printf("| %-46s | %-10s | %12s | %12s | %7s |\n", "work", "per", "quintor", "sqlite", "ratio");
+void printRate(double nanoseconds) {
+    std::printf("%9.2f M/s", 1e3 / nanoseconds);
+}
+
+void printHead(const BenchPeer &peer) {
+    std::printf("| %-46s | %-10s | %12s | %12s | %7s |\n", "work", "per", "quintor", peer.name.c_str(), "ratio");
     for (const int width : {48, 12, 14, 14, 9})
         std::printf("|%s", std::string(static_cast<std::size_t>(width), '-').c_str());
     std::printf("|\n");
 }
 
-void printRow(const Row &row, const Collector &collector) {
+// `head` is the peer of the table that has been begun.
+void printRow(const Row &row, const Collector &collector, std::string &head) {
     const double ours = collector.medianOf(row.name + "/quintor");
-    const double peer = collector.medianOf(row.name + "/sqlite");
+    const double peer = collector.medianOf(row.name + "/" + row.peer.name);
     if (ours <= 0 || peer <= 0)  // left out by a filter
         return;
-    printName(row.name, row.unit);
-    printTime(ours);
+    if (head != row.peer.name) {
+        printHead(row.peer);
+        head = row.peer.name;
+    }
+    const auto print = row.peer.showsRate ? printRate : printTime;
+    printName(row.name, row.peer.showsRate ? row.unit + "s" : row.unit);
+    print(ours);
     std::printf(" | ");
-    printTime(peer);
+    print(peer);
     std::printf(" | %7.2f |\n", peer / ours);
 }
 
@@ -111,10 +122,10 @@ void printMeasure(const Measure &measure) {
 
 }  // namespace
 
-void addPair(const std::string &name, const char *unit, BenchWork ours, BenchWork peer) {
-    rows().push_back({name, unit});
+void addPair(const std::string &name, const char *unit, BenchWork ours, BenchWork theirs, const BenchPeer &peer) {
+    rows().push_back({name, unit, peer});
     registerSide(name + "/quintor", ours);
-    registerSide(name + "/sqlite", peer);
+    registerSide(name + "/" + peer.name, theirs);
 }
 
 void addMeasure(const std::string &name, const char *unit, double ours, double peer) {
@@ -137,9 +148,11 @@ int runPairs(int argc, char **argv) {
         return 2;
     Collector collector;
     benchmark::RunSpecifiedBenchmarks(&collector);
-    printHead();
+    std::string head;
     for (const Row &row : rows())
-        printRow(row, collector);
+        printRow(row, collector, head);
+    if (!measures().empty() && head != SQLITE.name)
+        printHead(SQLITE);
     for (const Measure &measure : measures())
         printMeasure(measure);
     return 0;

@@ -13,8 +13,17 @@ struct BenchRun {
 
 using BenchWork = std::function<BenchRun()>;
 
-// `unit` says what an item is. Works are done several times: each leaves the data as it found it.
-void addPair(const std::string &name, const char *unit, BenchWork ours, BenchWork peer);
+// Whom the work is measured against, and whether the table shows items a second instead of time an item.
+struct BenchPeer {
+    std::string name;
+    bool showsRate;
+};
+inline const BenchPeer SQLITE = {"sqlite", false};
+
+// `unit` says what an item is. Works are done several times: each leaves the data as it found it. Pairs with the same
+// peer are added one behind the other: each change of the peer begins a table.
+void addPair(const std::string &name, const char *unit, BenchWork ours, BenchWork theirs,
+             const BenchPeer &peer = SQLITE);
 
 // Figures taken before the works run, and no times, such as bytes a row; smaller is better. They end the table.
 void addMeasure(const std::string &name, const char *unit, double ours, double peer);

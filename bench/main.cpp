@@ -8,5 +8,6 @@ int main(int argc, char **argv) {
     addSelectWorks();
     addChangeWorks();
     addVendorWork();
+    addClauseWorks();
     return runPairs(argc, argv);
 }

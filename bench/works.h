@@ -5,5 +5,6 @@ void addParseWorks();
 void addInsertWorks();
 void addSelectWorks();
 void addChangeWorks();
+void addClauseWorks();
 void addMemoryMeasure();
 void addVendorWork();  // only with QUINTOR_VENDORS in the environment

@@ -48,12 +48,15 @@ const CZelAtom *CZelClauseValue::Head() const {
     return list != nullptr ? list->RAVGetValue(0) : nullptr;
 }
 
+CZelAtom CZelClauseValue::Take() {
+    const CZelAtom *atom = std::exchange(m_atom, nullptr);
+    if (atom == &m_own)
+        return std::move(m_own);
+    return atom != nullptr ? CZelAtom(*atom) : CZelAtom();
+}
+
 CZelAtom *CZelClauseValue::TakeAtom() {
-    if (m_atom == nullptr)
-        return nullptr;
-    auto *atom = m_atom == &m_own ? new CZelAtom(std::move(m_own)) : new CZelAtom(*m_atom);
-    Clear();
-    return atom;
+    return m_atom != nullptr ? new CZelAtom(Take()) : nullptr;
 }
 
 CZelExpr *CZelClauseValue::TakeExpr() {

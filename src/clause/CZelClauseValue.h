@@ -22,8 +22,9 @@ public:
         m_atom = atom;
         m_isWhole = false;
     }
-    void Set(CZelAtom &&atom) {
-        m_own = std::move(atom);
+    void Set(CZelAtom &&atom) {  // Requires: no part of this value
+        m_own.~CZelAtom();
+        new (static_cast<void *>(&m_own)) CZelAtom(std::move(atom));
         Refer(&m_own);
     }
     void SetWhole(CZelAtom &&list) {
@@ -45,7 +46,17 @@ public:
         return m_own;
     }
 
-    // New and the caller's, null for no value. Afterwards there is none.
+    // Where a value computed from the present one can be put, to be referred to then: undefined, or the present value.
+    CZelAtom &Place() {
+        if (m_atom != &m_own) {
+            m_own.~CZelAtom();
+            new (static_cast<void *>(&m_own)) CZelAtom();
+        }
+        return m_own;
+    }
+
+    // Afterwards there is no value. New ones are the caller's, null for no value.
+    CZelAtom Take();  // undefined for no value
     CZelAtom *TakeAtom();
     CZelExpr *TakeExpr();
 

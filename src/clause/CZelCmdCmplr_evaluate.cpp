@@ -1,3 +1,4 @@
+#include "clause/CZelClauseValue.h"
 #include "clause/CZelCmdCmplr.h"
 #include "clause/CZelEvalClause.h"
 #include "clause/CZelFieldName.h"
@@ -41,12 +42,11 @@ CZelAtom *listAtom(CZelAtomVector *list) {
 }  // namespace
 
 CZelAtom *CZelCmdCmplr::RCCEvaluateClause(CZelEvalClause *clause) {
-    CZelVarBind *result = clause != nullptr ? clause->RECEvaluateClause(*this) : nullptr;
-    const CZelAtom *value = result != nullptr ? result->RVBValue() : nullptr;
-    const CZelAtomVector *list = value != nullptr ? value->RAList() : nullptr;
-    CZelAtom *first = list != nullptr ? copyOf(list->RAVGetValue(0)) : nullptr;
-    delete result;
-    return first;
+    if (clause == nullptr)
+        return nullptr;
+    CZelClauseValue value;
+    clause->RECEvaluateValue(*this, value);
+    return value.IsWhole() ? copyOf(value.Head()) : value.TakeAtom();
 }
 
 CZelAtom *CZelCmdCmplr::RCCGetEvalValue(CZelBag *activeSet, CZelRecordVector *records, CZelEvalClause *clause) {
@@ -69,7 +69,8 @@ CZelRecord *CZelCmdCmplr::recordAt(int level) const {
 
 const CZelAtom *CZelCmdCmplr::RCCField(const CZelFieldName &name) const {
     const CZelRecord *record = name.IsName() ? recordAt(name.Level()) : nullptr;
-    return record != nullptr ? record->RRValueOf(&name.Name()) : nullptr;
+    const CZelVarBind *field = record != nullptr ? record->RRVbIterator()->RVBLFind(name.Name()) : nullptr;
+    return field != nullptr ? field->RVBValue() : nullptr;
 }
 
 CZelAtom *CZelCmdCmplr::RCCEvaluateAmpersand(const char *name) {

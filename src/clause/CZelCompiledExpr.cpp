@@ -11,6 +11,12 @@
 
 namespace {
 
+void compute(CZelClauseValue &left, EZelFold operation, const CZelAtom &right) {
+    CZelAtom &result = left.Place();
+    if (!left.IsWhole() && ZelCompute(*left.Get(), operation, right, result))
+        left.Refer(&result);
+}
+
 // Minus, divide and multiply need both operands: a missing one is reported, and a left one that is missing leaves no
 // value.
 void strictly(CZelClauseValue &left, const CZelClauseValue &right, EZelFold operation) {
@@ -21,8 +27,8 @@ void strictly(CZelClauseValue &left, const CZelClauseValue &right, EZelFold oper
     const CZelAtom *operand = right.Head();
     if (CZelAtom::RAIsNull(operand))
         ZEL_REPORT(E_RCBadArgument, "CZelCompiledExpr: the right value is null");
-    if (left.HasValue() && operand != nullptr && !left.IsWhole())
-        ZelFold(left.Own(), operation, *operand);
+    if (left.HasValue() && operand != nullptr)
+        compute(left, operation, *operand);
 }
 
 }  // namespace
@@ -57,6 +63,16 @@ void CZelCompiledExpr::walk(const CZelCompiledExpr *root, Visitor &visitor) {
         if (node == head)
             return;
     }
+}
+
+// The same for a spine without such operands.
+template <class Visitor>
+void CZelCompiledExpr::climb(const CZelCompiledExpr *head, Visitor &visitor) {
+    const CZelCompiledExpr *node = head->m_foot;
+    visitor.Begin(node->m_left);
+    for (; node != head; node = node->m_up)
+        visitor.Step(*node);
+    visitor.Step(*head);
 }
 
 // Computes into one value, from the lowest operand up.
@@ -121,6 +137,7 @@ CZelCompiledExpr::CZelCompiledExpr(CZelCompiledClause *left, EZelClauseOpr op, C
     m_right = right;
     m_unary = false;
     m_rightExpr = dynamic_cast<const CZelCompiledExpr *>(right);
+    m_isNested = m_isNested || m_rightExpr != nullptr;
     requireOperand(right);
 }
 
@@ -129,6 +146,7 @@ CZelCompiledExpr::CZelCompiledExpr(CZelCompiledClause *operand) : m_left(operand
     if (auto *spine = dynamic_cast<CZelCompiledExpr *>(operand)) {
         spine->m_up = this;
         m_foot = spine->m_foot;
+        m_isNested = spine->m_isNested;
     }
 }
 
@@ -159,6 +177,8 @@ CZelExpr *CZelCompiledExpr::RCCEvaluateToExpr(CZelCmdCmplr &compiler) const {
 
 void CZelCompiledExpr::RCCEvaluate(CZelCmdCmplr &compiler, CZelClauseValue &value) const {
     Evaluation evaluation(compiler, value);
+    if (!m_isNested)
+        return climb(this, evaluation);
     walk(this, evaluation);
 }
 
@@ -185,8 +205,8 @@ void CZelCompiledExpr::RCCEvaluatePlus(CZelClauseValue &left, CZelClauseValue &r
         ZEL_REPORT(E_RCBadArgument, "CZelCompiledExpr: the right value is null");
     if (!left.HasValue())
         return left.Move(right);
-    if (!left.IsWhole() && operand != nullptr)
-        ZelFold(left.Own(), EZelFold::ADD, *operand);
+    if (operand != nullptr)
+        compute(left, EZelFold::ADD, *operand);
 }
 
 void CZelCompiledExpr::RCCEvaluateMinus(CZelClauseValue &left, const CZelClauseValue &right) const {

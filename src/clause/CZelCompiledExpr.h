@@ -29,6 +29,8 @@ private:
 
     template <class Visitor>
     static void walk(const CZelCompiledExpr *root, Visitor &visitor);
+    template <class Visitor>
+    static void climb(const CZelCompiledExpr *head, Visitor &visitor);
 
     void combine(CZelClauseValue &left, CZelClauseValue &right) const;
     void RCCEvaluatePlus(CZelClauseValue &left, CZelClauseValue &right) const;
@@ -41,6 +43,7 @@ private:
     EZelClauseOpr m_op = static_cast<EZelClauseOpr>(0);
     CZelCompiledClause *m_right = nullptr;
     bool m_unary;
+    bool m_isNested = false;  // has some node of the left spine, down from this, an m_rightExpr?
 
     const CZelCompiledExpr *m_foot = this;          // the lowest of the left spine
     const CZelCompiledExpr *m_up = nullptr;         // whose left operand this is

@@ -70,8 +70,13 @@ char *CZelEvalClause::RECPrint() const {
 }
 
 CZelVarBind *CZelEvalClause::RECEvaluateClause(CZelCmdCmplr &compiler) {
+    CZelClauseValue value;
+    return RECEvaluateValue(compiler, value) ? resultOf(value) : nullptr;
+}
+
+bool CZelEvalClause::RECEvaluateValue(CZelCmdCmplr &compiler, CZelClauseValue &value) {
     RECCompileClause();
-    return RECEvaluateCompiled(compiler);
+    return RECEvaluateCompiled(compiler, value);
 }
 
 void CZelEvalClause::RECCompileClause() {
@@ -89,39 +94,34 @@ void CZelEvalClause::parse() {
     m_compiled.store(nodes, std::memory_order_release);
 }
 
-CZelVarBind *CZelEvalClause::RECEvaluateCompiled(CZelCmdCmplr &compiler) const {
+bool CZelEvalClause::RECEvaluateCompiled(CZelCmdCmplr &compiler, CZelClauseValue &value) const {
     const CZelBag *nodes = m_compiled.load(std::memory_order_acquire);
-    CZelVarBind *result = nullptr;
-    CZelClauseValue value;
-    for (CZelPointer *entry = nodes != nullptr ? nodes->RBFirst() : nullptr; entry != nullptr;
-         entry = CZelBag::RBNext(entry)) {
-        delete result;
+    const CZelPointer *entry = nodes != nullptr ? nodes->RBFirst() : nullptr;
+    value.Clear();
+    if (entry == nullptr)
+        return false;
+    for (; entry != nullptr; entry = CZelBag::RBNext(entry)) {
         nodeOf(entry)->RCCEvaluate(compiler, value);
-        result = resultOf(value);
+        if (value.HasValue() && !value.IsWhole())
+            convert(value);
     }
-    return result;
+    return true;
 }
 
-CZelVarBind *CZelEvalClause::resultOf(CZelClauseValue &value) const {
-    const bool isWhole = value.IsWhole();
-    CZelAtom *atom = value.TakeAtom();
-    if (atom != nullptr && isWhole) {
-        const std::unique_ptr<CZelAtom> owner(atom);
-        return namelessList(std::move(*atom));
-    }
-    auto *list = new CZelAtomVector(atom != nullptr ? 1 : 0);
-    if (atom != nullptr) {
-        convert(*atom);
-        list->RAVAddToEnd(atom);
-    }
+CZelVarBind *CZelEvalClause::resultOf(CZelClauseValue &value) {
+    if (value.IsWhole())
+        return namelessList(value.Take());
+    auto *list = new CZelAtomVector(value.HasValue() ? 1 : 0);
+    if (value.HasValue())
+        list->RAVAddToEnd(value.TakeAtom());
     return namelessList(CZelAtom(list));
 }
 
-void CZelEvalClause::convert(CZelAtom &atom) const {
-    const EZelDataType type = m_type != nullptr ? m_type->RCDDataType() : atom.RAType();
+void CZelEvalClause::convert(CZelClauseValue &value) const {
+    const EZelDataType type = m_type != nullptr ? m_type->RCDDataType() : value.Get()->RAType();
     if (type == E_RDTList)
-        return convertToList(atom);
-    const int status = type == atom.RAType() ? 1 : atom.RACoerce(type);
+        return convertToList(value.Own());
+    const int status = type == value.Get()->RAType() ? 1 : value.Own().RACoerce(type);
     if (status != 1)
         reportClause(status, "Could not convert value for clause:");
 }

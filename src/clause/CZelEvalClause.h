@@ -39,14 +39,18 @@ public:
     // Several expressions are all evaluated, the last one counts.
     CZelVarBind *RECEvaluateClause(CZelCmdCmplr &compiler);
 
+    // The same without a binding, for a single value or a whole list; false where it would be null. The value may
+    // refer to the record or to a constant.
+    bool RECEvaluateValue(CZelCmdCmplr &compiler, CZelClauseValue &value);
+
     // Parses the text, once. A syntax error is reported; what was complete before it counts.
     void RECCompileClause();
 
 private:
     void parse();
-    CZelVarBind *RECEvaluateCompiled(CZelCmdCmplr &compiler) const;
-    CZelVarBind *resultOf(CZelClauseValue &value) const;
-    void convert(CZelAtom &atom) const;
+    bool RECEvaluateCompiled(CZelCmdCmplr &compiler, CZelClauseValue &value) const;
+    static CZelVarBind *resultOf(CZelClauseValue &value);
+    void convert(CZelClauseValue &value) const;
     void convertToList(CZelAtom &atom) const;
     void reportClause(int code, const char *text) const;
 

@@ -1,6 +1,7 @@
 // Folding of constants.
 #include <cstdint>
 #include <cstdio>
+#include <new>
 
 #include "foundations/port/ZelDebug.h"
 #include "oql/CZelExpr.h"
@@ -12,17 +13,11 @@ namespace {
 enum Kind { INT, FLOAT, LONG64, NONE };
 
 Kind kindOf(const CZelAtom &atom) {
-    switch (atom.RAType()) {
-        case E_RDTInt:
-        case E_RDTLong:
-            return INT;
-        case E_RDTFloat:
-            return FLOAT;
-        case E_RDTLong64:
-            return LONG64;
-        default:
-            return NONE;
-    }
+    if (atom.RAType() == E_RDTInt || atom.RAType() == E_RDTLong)
+        return INT;
+    if (atom.RAType() == E_RDTFloat)
+        return FLOAT;
+    return atom.RAType() == E_RDTLong64 ? LONG64 : NONE;
 }
 
 Kind commonKind(Kind left, Kind right) {
@@ -79,20 +74,29 @@ long long wide(const CZelAtom &number) {
     return kindOf(number) == INT ? number.RAInt() : number.RALongLong();
 }
 
+// The atom holds nothing that would have to be freed.
+template <class Number>
+void put(CZelAtom &atom, Number number) {
+    new (static_cast<void *>(&atom)) CZelAtom(number);
+}
+
 }  // namespace
 
-void ZelFold(CZelAtom &left, EZelFold op, const CZelAtom &right) {
+bool ZelCompute(const CZelAtom &left, EZelFold op, const CZelAtom &right, CZelAtom &result) {
     const Kind kind = commonKind(kindOf(left), kindOf(right));
-    if (kind == NONE)
-        return traceBadExpression();
+    if (kind == NONE) {
+        traceBadExpression();
+        return false;
+    }
     if (op == EZelFold::DIVIDE && isZero(right))
-        return;
+        return false;
     if (kind == FLOAT)
-        left.RASet(computeFloat(op, left.RAFloat(), right.RAFloat()));
+        put(result, computeFloat(op, left.RAFloat(), right.RAFloat()));
     else if (kind == LONG64)
-        left.RASet(computeWhole<long long, unsigned long long>(op, wide(left), wide(right)));
+        put(result, computeWhole<long long, unsigned long long>(op, wide(left), wide(right)));
     else
-        left.RASet(computeWhole<int, unsigned int>(op, left.RAInt(), right.RAInt()));
+        put(result, computeWhole<int, unsigned int>(op, left.RAInt(), right.RAInt()));
+    return true;
 }
 
 void ZelNegate(CZelAtom &atom) {
@@ -117,22 +121,22 @@ CZelAtom *CZelExpr::ownConstant() {
 
 void CZelExpr::REAddVal(const CZelAtom *other) {
     if (CZelAtom *own = other != nullptr ? ownConstant() : nullptr)
-        ZelFold(*own, EZelFold::ADD, *other);
+        ZelCompute(*own, EZelFold::ADD, *other, *own);
 }
 
 void CZelExpr::RESubVal(const CZelAtom *other) {
     if (CZelAtom *own = other != nullptr ? ownConstant() : nullptr)
-        ZelFold(*own, EZelFold::SUBTRACT, *other);
+        ZelCompute(*own, EZelFold::SUBTRACT, *other, *own);
 }
 
 void CZelExpr::REMulVal(const CZelAtom *other) {
     if (CZelAtom *own = other != nullptr ? ownConstant() : nullptr)
-        ZelFold(*own, EZelFold::MULTIPLY, *other);
+        ZelCompute(*own, EZelFold::MULTIPLY, *other, *own);
 }
 
 void CZelExpr::REDivVal(const CZelAtom *other) {
     if (CZelAtom *own = other != nullptr ? ownConstant() : nullptr)
-        ZelFold(*own, EZelFold::DIVIDE, *other);
+        ZelCompute(*own, EZelFold::DIVIDE, *other, *own);
 }
 
 void CZelExpr::REPositivise() {

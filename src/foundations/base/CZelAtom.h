@@ -92,11 +92,19 @@ public:
 
     // The number, converted between the numeric types; 0 for others. A float loses its fraction and is
     // clamped to the range, NaN gives 0; RAInt gives the low 32 bits of a wider integer.
-    int RAInt() const;
-    long RALong() const;
-    long long RALongLong() const;
-    float RAFloat() const;
-    double RADouble() const;
+    int RAInt() const { return isWhole() ? static_cast<int>(m_heap.word.whole) : intOfOther(); }
+    long RALong() const { return static_cast<long>(RALongLong()); }
+    long long RALongLong() const { return isWhole() ? m_heap.word.whole : wholeOfOther(); }
+    float RAFloat() const {
+        if (m_heap.type == E_RDTFloat)
+            return m_heap.word.real;
+        return isWhole() ? static_cast<float>(m_heap.word.whole) : 0;
+    }
+    double RADouble() const {
+        if (m_heap.type == E_RDTFloat)
+            return m_heap.word.real;
+        return isWhole() ? static_cast<double>(m_heap.word.whole) : 0;
+    }
 
     // The text's own bytes, or null when the atom is no text.
     const char *RAString() const {
@@ -298,6 +306,8 @@ private:
     bool isBetween(const CZelAtom &value, bool negated) const;
     bool isLike(const CZelAtom &text, bool negated) const;
     bool exists() const;
+    int intOfOther() const;
+    long long wholeOfOther() const;
     bool coerceToText();
     bool coerceToFloat();
     bool coerceToWhole(EZelDataType type);

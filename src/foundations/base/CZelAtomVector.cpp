@@ -23,7 +23,7 @@ CZelAtomVector::CZelAtomVector(const CZelAtomVector &other) {
 CZelAtomVector::~CZelAtomVector() {
     for (unsigned int i = 0; i < m_size; ++i)
         delete m_entries[i];
-    std::free(m_entries);
+    CZelPool::RPGive(m_entries, entriesSize());
 }
 
 int CZelAtomVector::RAVAddToEnd(CZelAtom *atom) {
@@ -66,10 +66,19 @@ CZelAtom *CZelAtomVector::RAVRemoveAtom(unsigned int index) {
     return atom;
 }
 
+// Short lists are many, so their entries come from the pool.
 void CZelAtomVector::RAVMakeSpace(unsigned int capacity) {
     if (capacity <= m_capacity)
         return;
-    m_entries = static_cast<CZelAtom **>(ZelRealloc(m_entries, std::size_t{capacity} * sizeof(void *)));
+    const std::size_t size = std::size_t{capacity} * sizeof(CZelAtom *);
+    if (entriesSize() > CZelPool::LARGEST) {
+        m_entries = static_cast<CZelAtom **>(ZelRealloc(m_entries, size));
+    } else {
+        auto **entries = static_cast<CZelAtom **>(CZelPool::RPTake(size));
+        std::copy_n(m_entries, m_size, entries);
+        CZelPool::RPGive(m_entries, entriesSize());
+        m_entries = entries;
+    }
     m_capacity = capacity;
 }
 

@@ -59,32 +59,12 @@ bool readFloat(std::string_view text, float *number) {
 
 }  // namespace
 
-int CZelAtom::RAInt() const {
-    if (m_heap.type == E_RDTFloat)
-        return clampToInt(wholeOf(m_heap.word.real));
-    return isWhole() ? static_cast<int>(m_heap.word.whole) : 0;
+int CZelAtom::intOfOther() const {
+    return m_heap.type == E_RDTFloat ? clampToInt(wholeOf(m_heap.word.real)) : 0;
 }
 
-long CZelAtom::RALong() const {
-    return static_cast<long>(RALongLong());
-}
-
-long long CZelAtom::RALongLong() const {
-    if (m_heap.type == E_RDTFloat)
-        return wholeOf(m_heap.word.real);
-    return isWhole() ? m_heap.word.whole : 0;
-}
-
-float CZelAtom::RAFloat() const {
-    if (m_heap.type == E_RDTFloat)
-        return m_heap.word.real;
-    return isWhole() ? static_cast<float>(m_heap.word.whole) : 0;
-}
-
-double CZelAtom::RADouble() const {
-    if (m_heap.type == E_RDTFloat)
-        return m_heap.word.real;
-    return isWhole() ? static_cast<double>(m_heap.word.whole) : 0;
+long long CZelAtom::wholeOfOther() const {
+    return m_heap.type == E_RDTFloat ? wholeOf(m_heap.word.real) : 0;
 }
 
 int CZelAtom::RACoerce(EZelDataType type) {

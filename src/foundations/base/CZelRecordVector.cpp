@@ -33,14 +33,6 @@ CZelRecordVector::~CZelRecordVector() {
     std::free(m_records);
 }
 
-CZelRecord *CZelRecordVector::RRVGetValue(int position) const {
-    return position < 0 || position >= m_size ? nullptr : m_records[position];
-}
-
-CZelRecord *CZelRecordVector::RRVGetValueFromEnd(int distance) const {
-    return distance < 0 ? nullptr : RRVGetValue(m_size - 1 - distance);
-}
-
 void CZelRecordVector::RRVSetValue(int position, CZelRecord *record) {
     if (position < 0)
         return;

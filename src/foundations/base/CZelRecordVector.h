@@ -12,8 +12,12 @@ public:
     CZelRecordVector &operator=(const CZelRecordVector &) = delete;
     virtual ~CZelRecordVector();
 
-    CZelRecord *RRVGetValue(int position) const;         // null outside
-    CZelRecord *RRVGetValueFromEnd(int distance) const;  // 0 is the last; null outside
+    CZelRecord *RRVGetValue(int position) const {  // null outside
+        return position < 0 || position >= m_size ? nullptr : m_records[position];
+    }
+    CZelRecord *RRVGetValueFromEnd(int distance) const {  // 0 is the last; null outside
+        return distance < 0 ? nullptr : RRVGetValue(m_size - 1 - distance);
+    }
     CZelRecord *RRVGetLast() const { return RRVGetValueFromEnd(0); }
     void RRVSetValue(int position, CZelRecord *record);  // grows as needed; a negative position does nothing
     void RRVSetLast(CZelRecord *record);                 // nothing when empty
