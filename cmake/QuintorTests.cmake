@@ -3,7 +3,7 @@ find_package(GTest REQUIRED)
 include(GoogleTest)
 
 # Folders whose tests start threads: target thread_tests builds them, label threads runs them.
-set(QUINTOR_THREADED_FOLDERS port base store storemgr)
+set(QUINTOR_THREADED_FOLDERS port base clause store storemgr)
 add_custom_target(thread_tests)
 
 quintor_sources(support_sources ${CMAKE_SOURCE_DIR}/tests/support)

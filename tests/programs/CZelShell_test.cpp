@@ -50,6 +50,28 @@ TEST_F(ShellTest, TableLinesUpColumnsAndCountsRows) {
     EXPECT_EQ("", ask("update d.t set b = 'x' where a = 1;").out);
 }
 
+TEST_F(ShellTest, ClausesReadTheRecordAndTheConstantsThatWereSet) {
+    const ShellRun run =
+        ask(".record {Key=20,Text='new',List=[5,6]}\n.const Limit 2\n.const Limit 1\n"
+            "update d.t set b = eval(text,'&Text'), l = eval(list type int,'&List') where a = eval(int,'&Key');"
+            "select a, b, l from d.t where a > eval(int,'$Limit') and b = 'new';\n"
+            ".record off\nselect a from d.t where a = eval(int,'&Key');",
+            {"-format", "oql"});
+    EXPECT_EQ("{a=20, b='new', l=[5,6]}\n", run.out);
+    EXPECT_EQ("", run.err);
+    EXPECT_EQ(CZelShell::DONE, run.exitCode);
+}
+
+TEST_F(ShellTest, ARecordOrConstantThatIsNoneIsAFailure) {
+    for (const char *command : {".record", ".record [1]", ".record {a=", ".const", ".const X 1", ".const 1x 1",
+                                ".const Limit", ".const Limit {", ".const Event 1"}) {
+        const ShellRun run = ask(command);
+        EXPECT_EQ(CZelShell::FAILED, run.exitCode) << command;
+        EXPECT_NE("", run.err) << command;
+        EXPECT_EQ("", run.out) << command;
+    }
+}
+
 TEST_F(ShellTest, EachFormatHasItsForm) {
     EXPECT_EQ("a = 1\nb = one\nl = [1,2]\n\n", ask("select * from d.t where a = 1;", {"-format", "line"}).out);
     EXPECT_EQ("a,b,l\r\n1,one,\"[1,2]\"\r\n20,\"Zürich, \"\"x\"\"\",\r\n3,,\r\n",
