@@ -33,6 +33,17 @@ TEST(RegexTest, FindsTheLeftmostMatchAndItsParts) {
     EXPECT_EQ("5", search("(?i)PORT-(\\d)", "port-5", 1));
 }
 
+TEST(RegexTest, ASearchThatKeepsNothingFindsTheSame) {
+    const CZelRegex regex("([a-z]+)(x)?", 2);
+    EXPECT_EQ("ab", regex.RRFind("--ab12", 1));
+    EXPECT_EQ("ab", regex.RRFind("--ab12", 0));
+    EXPECT_EQ(nullptr, regex.RRFind("--ab12", 2).data());
+    EXPECT_EQ(nullptr, regex.RRFind("--ab12", 3).data());
+    EXPECT_EQ(nullptr, regex.RRFind("12", 1).data());
+    EXPECT_EQ(nullptr, regex.SubExprStart(0));
+    EXPECT_EQ(nullptr, CZelRegex("(", 2).RRFind("(", 0).data());
+}
+
 TEST(RegexTest, TakesAnyBytes) {
     EXPECT_EQ("\xc3\xa9", search("[\xc3\xa9\xc3\xa8]", "caf\xc3\xa9"));
     EXPECT_EQ("\xe9", search("\xe9", "caf\xe9"));

@@ -245,6 +245,7 @@ TEST_F(EvalClauseTest, OneClauseServesManyRecords) {
 TEST_F(EvalClauseTest, ThreadsThatShareAClauseParseItOnce) {
     const auto shared = clause("1 + 2 + 3 + 4");
     std::vector<std::thread> threads;
+    threads.reserve(8);
     for (int i = 0; i < 8; ++i)
         threads.emplace_back([&shared] {
             CZelCmdCmplr own;

@@ -70,7 +70,7 @@ CZelAtom *CZelAtomVector::RAVRemoveAtom(unsigned int index) {
 void CZelAtomVector::RAVMakeSpace(unsigned int capacity) {
     if (capacity <= m_capacity)
         return;
-    const std::size_t size = std::size_t{capacity} * sizeof(CZelAtom *);
+    const std::size_t size = std::size_t{capacity} * sizeof(void *);
     if (entriesSize() > CZelPool::LARGEST) {
         m_entries = static_cast<CZelAtom **>(ZelRealloc(m_entries, size));
     } else {

@@ -33,7 +33,7 @@ public:
 
 private:
     void grow(unsigned int needed);
-    std::size_t entriesSize() const { return std::size_t{m_capacity} * sizeof(CZelAtom *); }  // bytes
+    std::size_t entriesSize() const { return std::size_t{m_capacity} * sizeof(void *); }  // bytes
 
     CZelAtom **m_entries = nullptr;
     unsigned int m_size = 0;
