@@ -29,7 +29,7 @@ long readOurs(const char *path, CZelStoreMgr &manager) {
     if (schema.RSReadSchema(path, false) != 1 || manager.RSMReadSchema(schema) != 1)
         std::exit(1);
     CZelBag *rows = nullptr;
-    manager.RSMProcessOQLGetRecs("select count(*) from net.vendors;", &rows, nullptr, nullptr);
+    manager.RSMProcessOQLGetRecs("select count(*) from inventory.vendors;", &rows, nullptr, nullptr);
     const CZelBagGuard<CZelRecord> owner(rows);
     const auto *count = static_cast<const CZelRecord *>(rows->RBFirst()->RPData());
     return count->RRValueOf("Count")->RAInt();
@@ -39,6 +39,8 @@ BenchRun loadOurs(const char *path) {
     CZelStoreMgr manager(static_cast<CZelEngine *>(nullptr), nullptr);
     long rows = 0;
     const double seconds = secondsOf([&] { rows = readOurs(path, manager); });
+    if (rows == 0)
+        std::exit(1);
     return {rows, seconds};
 }
 
@@ -46,7 +48,7 @@ std::vector<Vendor> vendors(const char *path) {
     CZelStoreMgr manager(static_cast<CZelEngine *>(nullptr), nullptr);
     readOurs(path, manager);
     CZelBag *rows = nullptr;
-    manager.RSMProcessOQLGetRecs("select * from net.vendors;", &rows, nullptr, nullptr);
+    manager.RSMProcessOQLGetRecs("select * from inventory.vendors;", &rows, nullptr, nullptr);
     const CZelBagGuard<CZelRecord> owner(rows);
     std::vector<Vendor> all;
     for (CZelPointer *node = rows->RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {

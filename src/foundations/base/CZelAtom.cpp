@@ -131,7 +131,9 @@ void CZelAtom::RASet(CZelAtom *other) {
 }
 
 void CZelAtom::release() {
-    if (m_heap.type == E_RDTText)
+    if (m_heap.type == E_RDTText && (m_heap.flags & POOLED) != 0)
+        CZelPool::RPGive(m_heap.word.text, m_heap.length + std::size_t{1});
+    else if (m_heap.type == E_RDTText)
         std::free(m_heap.word.text);
     else if (m_heap.type == E_RDTData)
         delete m_heap.word.data;
@@ -158,8 +160,18 @@ void CZelAtom::ownLentText() noexcept {
 void CZelAtom::setText(const char *text, std::size_t length) {
     if (length <= INLINE_MAX)
         setInline(text, length);
+    else if (length < CZelPool::LARGEST)
+        setPooled(text, length);
     else
         takeText(ZelStrDup(text, length), length);
+}
+
+void CZelAtom::setPooled(const char *text, std::size_t length) {
+    auto *copy = static_cast<char *>(CZelPool::RPTake(length + 1));
+    std::memcpy(copy, text, length);
+    copy[length] = '\0';
+    m_heap = {E_RDTText, POOLED, 0, static_cast<std::uint32_t>(length), {}};
+    m_heap.word.text = copy;
 }
 
 void CZelAtom::setInline(const char *text, std::size_t length) {

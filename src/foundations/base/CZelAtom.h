@@ -211,7 +211,8 @@ private:
         INLINE = 1,    // the text lies in the atom; its length is in the upper half of the flags
         BORROWED = 2,  // the text is not owned
         INTERNED = 4,  // the text is a name of CZelName
-        ABSENT = 8     // in a binding: there is no value at all
+        ABSENT = 8,    // in a binding: there is no value at all
+        POOLED = 16    // the text lies in a block of CZelPool, not of malloc; never of a text in its atom
     };
     static constexpr std::size_t INLINE_MAX = 13;
 
@@ -269,6 +270,7 @@ private:
     void ownLentText() noexcept;
     void setText(const char *text, std::size_t length);
     void setInline(const char *text, std::size_t length);
+    void setPooled(const char *text, std::size_t length);
     void takeText(char *text, std::size_t length);
 
     // The short roads of comparing: two whole numbers, or two texts that both lie in their atoms.
