@@ -116,10 +116,13 @@ bool CZelSplitter::stepString() {
     while (!hopeless && m_position < m_text.size()) {
         std::size_t found = m_text.find(m_quote, m_position);
         m_position = found == std::string::npos ? m_text.size() : found + 1;
-        if (found == std::string::npos || !isClosing(found))
+        if (found == std::string::npos)
             continue;
-        m_quote = '\0';
-        return true;
+        if (isClosing(found)) {
+            m_quote = '\0';
+            return true;
+        }
+        m_opened = found;  // if none closes the string, this quote is the one left open
     }
     if (!m_finished)
         return false;

@@ -131,6 +131,11 @@ TEST_F(SplitterTest, IsLinearInUnclosedQuotes) {
     EXPECT_EQ(1U, split(text, text.size()).size());
 }
 
+TEST_F(SplitterTest, AQuoteThatABackslashKeepsIsTheOneLeftOpen) {
+    ZelSetEscape(true);
+    EXPECT_EQ(1U, split("'a;1\n\"b\\'--;\"; \n\\'\n", 100).size());
+}
+
 // Does the scanner see a `;` as the last token and none before?
 bool isOneStatement(const std::string &text) {
     CZelErrorCapture quiet;
