@@ -132,7 +132,7 @@ void CZelAtom::RASet(CZelAtom *other) {
 
 void CZelAtom::release() {
     if (m_heap.type == E_RDTText && (m_heap.flags & POOLED) != 0)
-        CZelPool::RPGive(m_heap.word.text, m_heap.length + std::size_t{1});
+        CZelPool::RPGive(m_heap.word.text, m_heap.length + std::size_t{1}, CZelPool::TEXTS);
     else if (m_heap.type == E_RDTText)
         std::free(m_heap.word.text);
     else if (m_heap.type == E_RDTData)
@@ -167,7 +167,7 @@ void CZelAtom::setText(const char *text, std::size_t length) {
 }
 
 void CZelAtom::setPooled(const char *text, std::size_t length) {
-    auto *copy = static_cast<char *>(CZelPool::RPTake(length + 1));
+    auto *copy = static_cast<char *>(CZelPool::RPTake(length + 1, CZelPool::TEXTS));
     std::memcpy(copy, text, length);
     copy[length] = '\0';
     m_heap = {E_RDTText, POOLED, 0, static_cast<std::uint32_t>(length), {}};

@@ -18,11 +18,11 @@ constinit thread_local CZelPool::List CZelPool::t_lists[CLASSES] = {};
 #ifdef ZEL_POOL_IS_MALLOC
 
 // The lists stay without blocks and without room, so every step comes here.
-void *CZelPool::takeSlowly(std::size_t size) {
+void *CZelPool::takeSlowly(std::size_t size, Kind) {
     return ZelMalloc(size);
 }
 
-void CZelPool::giveSlowly(void *memory, std::size_t) noexcept {
+void CZelPool::giveSlowly(void *memory, std::size_t, Kind) noexcept {
     std::free(memory);
 }
 
@@ -100,25 +100,25 @@ void CZelPoolThread::MakeRoom(std::size_t sizeClass) {
     list.m_room = CZelPoolDepot::BatchSize(sizeClass);
 }
 
-void *CZelPool::takeSlowly(std::size_t size) {
+void *CZelPool::takeSlowly(std::size_t size, Kind kind) {
     if (size > LARGEST)
         return ZelMalloc(size);
-    std::size_t sizeClass = classOf(size);
+    std::size_t sizeClass = classOf(size, kind);
     return CZelPoolThread::IsRunning() ? CZelPoolThread::Refill(sizeClass) : CZelPoolDepot::Of(sizeClass).TakeOne();
 }
 
-void CZelPool::giveSlowly(void *memory, std::size_t size) noexcept {
+void CZelPool::giveSlowly(void *memory, std::size_t size, Kind kind) noexcept {
     if (size > LARGEST) {
         std::free(memory);
         return;
     }
-    std::size_t sizeClass = classOf(size);
+    std::size_t sizeClass = classOf(size, kind);
     if (!CZelPoolThread::IsRunning()) {
         CZelPoolDepot::Of(sizeClass).GiveOne(static_cast<Block *>(memory));
         return;
     }
     CZelPoolThread::MakeRoom(sizeClass);
-    RPGive(memory, size);
+    RPGive(memory, size, kind);
 }
 
 #endif

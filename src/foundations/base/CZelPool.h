@@ -18,10 +18,14 @@ public:
     static constexpr std::size_t STEP = 16;  // sizes are rounded up to a multiple
     static constexpr std::size_t LARGEST = 128;
 
+    // Texts have lists of their own. They come and go in another order than the objects that rows are made of, as
+    // with the keys of index trees; from common lists a row's bindings would soon be taken from all over memory.
+    enum Kind : unsigned char { OBJECTS = 0, TEXTS = 1 };
+
     // A block for `size` bytes, aligned to 16. Never null. Sizes above LARGEST come from malloc.
-    static void *RPTake(std::size_t size) {
+    static void *RPTake(std::size_t size, Kind kind = OBJECTS) {
         if (size <= LARGEST) {
-            List &list = t_lists[classOf(size)];
+            List &list = t_lists[classOf(size, kind)];
             if (list.m_head != nullptr) [[likely]] {
                 Block *block = list.m_head;
                 list.m_head = block->m_next;
@@ -29,15 +33,15 @@ public:
                 return block;
             }
         }
-        return takeSlowly(size);
+        return takeSlowly(size, kind);
     }
 
-    // Gives back a block taken with the same size. Null is accepted.
-    static void RPGive(void *memory, std::size_t size) noexcept {
+    // Gives back a block taken with the same size and kind. Null is accepted.
+    static void RPGive(void *memory, std::size_t size, Kind kind = OBJECTS) noexcept {
         if (memory == nullptr)
             return;
         if (size <= LARGEST) {
-            List &list = t_lists[classOf(size)];
+            List &list = t_lists[classOf(size, kind)];
             if (list.m_room != 0) [[likely]] {
                 Block *block = static_cast<Block *>(memory);
                 block->m_next = list.m_head;
@@ -46,7 +50,7 @@ public:
                 return;
             }
         }
-        giveSlowly(memory, size);
+        giveSlowly(memory, size, kind);
     }
 
 private:
@@ -63,11 +67,14 @@ private:
         std::uint32_t m_room;  // blocks that still fit in; with those in the list one batch
         Block *m_reserve;      // one full batch, or null
     };
-    static constexpr std::size_t CLASSES = LARGEST / STEP + 1;
+    static constexpr std::size_t CLASSES_OF_KIND = LARGEST / STEP + 1;
+    static constexpr std::size_t CLASSES = 2 * CLASSES_OF_KIND;
 
-    static constexpr std::size_t classOf(std::size_t size) { return (size + STEP - 1) / STEP; }
-    static void *takeSlowly(std::size_t size);
-    static void giveSlowly(void *memory, std::size_t size) noexcept;
+    static constexpr std::size_t classOf(std::size_t size, Kind kind) {
+        return kind * CLASSES_OF_KIND + (size + STEP - 1) / STEP;
+    }
+    static void *takeSlowly(std::size_t size, Kind kind);
+    static void giveSlowly(void *memory, std::size_t size, Kind kind) noexcept;
 
     static constinit thread_local List t_lists[CLASSES];
 };

@@ -10,7 +10,7 @@
 
 namespace {
 
-constinit CZelPoolDepot g_depots[CZelPool::LARGEST / CZelPool::STEP + 1];
+constinit CZelPoolDepot g_depots[CZelPoolDepot::CLASSES];
 
 }  // namespace
 

@@ -16,8 +16,11 @@ public:
     constexpr CZelPoolDepot() = default;
     static CZelPoolDepot &Of(std::size_t sizeClass);
 
+    static constexpr std::size_t CLASSES = CZelPool::CLASSES;
+
     static constexpr std::size_t BlockSize(std::size_t sizeClass) {
-        return sizeClass == 0 ? CZelPool::STEP : sizeClass * CZelPool::STEP;
+        const std::size_t steps = sizeClass % CZelPool::CLASSES_OF_KIND;
+        return steps == 0 ? CZelPool::STEP : steps * CZelPool::STEP;
     }
     static constexpr std::uint32_t BatchSize(std::size_t sizeClass) {
         return static_cast<std::uint32_t>(BATCH_BYTES / BlockSize(sizeClass));
