@@ -268,10 +268,17 @@ void checkDeep(int levels, const char *verdict) {
     EXPECT_EQ(verdict, checked(column, value).substr(0, 4)) << levels;
 }
 
+// What the thread sanitizer adds to each function takes stack of its own.
+#ifdef __SANITIZE_THREAD__
+constexpr std::size_t SMALL_STACK = 8 << 20;
+#else
+constexpr std::size_t SMALL_STACK = 1 << 20;
+#endif
+
 TEST(ColDefTest, DeepTypesNeedNoDeepStackAndTooDeepValuesDoNotFit) {
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, 1 << 20);
+    pthread_attr_setstacksize(&attributes, SMALL_STACK);
     pthread_t thread;
     const auto run = [](void *) -> void * {
         checkDeep(999, "list");
