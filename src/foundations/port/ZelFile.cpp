@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cerrno>
 #include <climits>
+#include <cstdio>
 
 namespace {
 
@@ -20,6 +21,8 @@ int systemFlags(int flags) {
         result |= O_CREAT;
     if ((flags & ZEL_FILE_TRUNCATE) != 0)
         result |= O_TRUNC;
+    if ((flags & ZEL_FILE_NO_LINK) != 0)
+        result |= O_NOFOLLOW;
     return result;
 }
 
@@ -27,7 +30,26 @@ mode_t systemMode(int mode) {
     return ((mode & ZEL_FILE_OWNER_READ) != 0 ? S_IRUSR : 0U) | ((mode & ZEL_FILE_OWNER_WRITE) != 0 ? S_IWUSR : 0U);
 }
 
+// The lock of a whole file is one byte far behind any content. Beside it stands a lock of the older kind on the next
+// byte: it keeps nobody out, but the system tells whose it is.
+constexpr off_t LOCK_PLACE = static_cast<off_t>(1) << 40;
+
+struct flock oneByte(off_t place) {
+    struct flock lock {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = place;
+    lock.l_len = 1;
+    return lock;
+}
+
+long ownerOf(ZelFileHandle handle) {
+    struct flock lock = oneByte(LOCK_PLACE + 1);
+    return fcntl(handle, F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK ? lock.l_pid : 0;
+}
+
 CZelFileSystem s_system;
+std::atomic<EZelSyncPolicy> s_syncPolicy{E_SPOff};
 std::atomic<CZelFileSystem *> s_files{&s_system};
 
 CZelFileSystem &files() {
@@ -77,11 +99,41 @@ long CZelFileSystem::Size(ZelFileHandle handle) {
 }
 
 int CZelFileSystem::Sync(ZelFileHandle handle) {
-    return fsync(handle);
+    return fdatasync(handle);
 }
 
 int CZelFileSystem::Close(ZelFileHandle handle) {
     return close(handle);
+}
+
+int CZelFileSystem::Truncate(ZelFileHandle handle, long size) {
+    return ftruncate(handle, size);
+}
+
+int CZelFileSystem::Lock(ZelFileHandle handle, long *owner) {
+    struct flock lock = oneByte(LOCK_PLACE);
+    if (fcntl(handle, F_OFD_SETLK, &lock) != 0) {
+        const int reason = errno;
+        *owner = ownerOf(handle);
+        errno = reason == EACCES ? EAGAIN : reason;
+        return -1;
+    }
+    struct flock mark = oneByte(LOCK_PLACE + 1);
+    (void)fcntl(handle, F_SETLK, &mark);
+    return 0;
+}
+
+int CZelFileSystem::Rename(const char *from, const char *to) {
+    return renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE);
+}
+
+int CZelFileSystem::SyncFolder(const char *path) {
+    const int folder = open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder < 0)
+        return -1;
+    const int result = fsync(folder);
+    close(folder);
+    return result;
 }
 
 CZelFileSystem *ZelSetFileSystem(CZelFileSystem *replacement) {
@@ -135,4 +187,29 @@ int ZelFileSync(ZelFileHandle handle) {
 
 int ZelFileClose(ZelFileHandle handle) {
     return files().Close(handle) == 0 ? 1 : -1;
+}
+
+int ZelFileTruncate(ZelFileHandle handle, long size) {
+    return files().Truncate(handle, size) == 0 ? 1 : -1;
+}
+
+int ZelFileLock(ZelFileHandle handle, long *owner) {
+    *owner = 0;
+    return files().Lock(handle, owner) == 0 ? 1 : -1;
+}
+
+int ZelFileRename(const char *from, const char *to) {
+    return files().Rename(from, to) == 0 ? 1 : -1;
+}
+
+int ZelFileSyncFolder(const char *path) {
+    return files().SyncFolder(path) == 0 ? 1 : -1;
+}
+
+void ZelSetSyncPolicy(EZelSyncPolicy policy) {
+    s_syncPolicy.store(policy, std::memory_order_relaxed);
+}
+
+EZelSyncPolicy ZelGetSyncPolicy() {
+    return s_syncPolicy.load(std::memory_order_relaxed);
 }

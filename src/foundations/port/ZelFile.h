@@ -15,6 +15,7 @@ constexpr int ZEL_FILE_READ = 1;
 constexpr int ZEL_FILE_WRITE = 2;
 constexpr int ZEL_FILE_CREATE = 8;     // when it is not there
 constexpr int ZEL_FILE_TRUNCATE = 16;  // to nothing
+constexpr int ZEL_FILE_NO_LINK = 32;   // a symbolic link in the last place is refused with ELOOP
 
 // Modes of a file that is created: who may use it is its owner alone.
 constexpr int ZEL_FILE_OWNER_READ = 1;
@@ -29,8 +30,12 @@ public:
     virtual long PRead(ZelFileHandle handle, void *buffer, unsigned int count, long offset);
     virtual long PWrite(ZelFileHandle handle, const void *buffer, unsigned int count, long offset);
     virtual long Size(ZelFileHandle handle);
-    virtual int Sync(ZelFileHandle handle);   // 0 or -1
-    virtual int Close(ZelFileHandle handle);  // 0 or -1
+    virtual int Sync(ZelFileHandle handle);  // 0 or -1, like all that follow
+    virtual int Close(ZelFileHandle handle);
+    virtual int Truncate(ZelFileHandle handle, long size);
+    virtual int Lock(ZelFileHandle handle, long *owner);
+    virtual int Rename(const char *from, const char *to);
+    virtual int SyncFolder(const char *path);
 };
 
 // Puts `files`, which stays the caller's, in the operating system's place, null takes that back. Gives the
@@ -51,8 +56,26 @@ QUINTOR_API long ZelFilePWrite(ZelFileHandle handle, const void *buffer, unsigne
 // 1, or -1; EFBIG for a size that does not fit.
 QUINTOR_API int ZelGetOpenFileSize(ZelFileHandle handle, unsigned int &size);
 
-QUINTOR_API int ZelFileSync(ZelFileHandle handle);   // to the disk; 1 or -1
-QUINTOR_API int ZelFileClose(ZelFileHandle handle);  // the handle is gone in any case; 1 or -1
+QUINTOR_API int ZelFileSync(ZelFileHandle handle);                 // data and size to the disk; 1 or -1
+QUINTOR_API int ZelFileClose(ZelFileHandle handle);                // the handle is gone in any case; 1 or -1
+QUINTOR_API int ZelFileTruncate(ZelFileHandle handle, long size);  // 1 or -1
+QUINTOR_API int ZelFileRename(const char *from, const char *to);   // replaces nothing: EEXIST; 1 or -1
+QUINTOR_API int ZelFileSyncFolder(const char *path);               // its entries to the disk; 1 or -1
+
+// The advisory lock of a whole open file, held until the handle is closed; it keeps out other processes and other
+// handles of this one. 1; or -1 with EAGAIN while somebody else holds it, and *owner is that process's id or 0.
+QUINTOR_API int ZelFileLock(ZelFileHandle handle, long *owner);
+
+// How much of what a cache writes is forced to the disk. Any kill of the process is survived by each; they differ
+// in what a power cut can take.
+enum EZelSyncPolicy : int {
+    E_SPOff = 0,     // at closing only
+    E_SPUpdate = 1,  // also before a row's former version is given up
+    E_SPFull = 2     // also after each insert and delete
+};
+// Of the process; E_SPOff at the start. Holds for files opened from then on.
+QUINTOR_API void ZelSetSyncPolicy(EZelSyncPolicy policy);
+QUINTOR_API EZelSyncPolicy ZelGetSyncPolicy();
 
 // errno is the system's own last error here; nothing has to be mapped.
 inline void ZelMapWinLastErrorToErrno() {}

@@ -1,0 +1,61 @@
+// One page of a cache file: 512 bytes that hold a header and a slice of the encoding of one record. The pages of a
+// record form a chain by position.
+//
+// Layout, little-endian: magic "ZP" and layout version, flags, position of the next page, length of the whole
+// encoding, length of the slice, stamp of the chain, position and stamp of the chain that this one replaces (first
+// page only), CRC32C of the page with the checksum's own bytes as zeros; then the slice, then zeros. A page of
+// zeros is an empty page.
+//
+// CRC32C: Castagnoli's polynomial as RFC 3720, appendix B.4, tells it.
+#pragma once
+
+#include "foundations/base/CZelListable.h"
+#include "foundations/base/ZelEnums.h"
+#include "foundations/port/ZelExport.h"
+
+class QUINTOR_API CZelROMPWrapper : public CZelListable {
+public:
+    static constexpr int PAGE_BYTES = 512;
+    static constexpr int HEADER_BYTES = 44;
+    static constexpr int SLICE_BYTES = PAGE_BYTES - HEADER_BYTES;
+    static constexpr long LAST_PAGE = 2147483647;  // the next position of the last page of a chain
+
+    // What a page can be found to be.
+    enum Condition {
+        EMPTY,    // belongs to no record; a page of zeros too
+        SOUND,    // checksum, lengths and links make sense
+        DAMAGED,  // anything else: its fields say nothing
+    };
+
+    // Wraps as much of the encoding from `offset` on as fits; the bytes are copied.
+    CZelROMPWrapper(const unsigned char *encoding, int totalLength, int offset);
+    explicit CZelROMPWrapper(const unsigned char *page);  // copies a page that was read
+
+    Condition RRWCondition() const { return m_condition; }
+
+    void RRWSetIsFirstPkt(__boolean first);
+    __boolean RRWGetIsFirstPkt() const;
+    int RRWGetDataLen() const;                    // bytes of the encoding in this page
+    int RRWGetTotalLen() const;                   // bytes of the whole encoding
+    const unsigned char *RRWGetROMPData() const;  // the slice
+    long RRWGetNextPkt() const;                   // position of the next page
+    long RRWGetNextPktMax() const { return LAST_PAGE; }
+    void RRWSetNextPkt(long position);
+    void RRWEmptyPacket();
+    __boolean RRWIsPacketEmpty() const { return ZelBool(m_condition == EMPTY); }
+
+    unsigned long long RRWGetStamp() const;  // all pages of a chain share it
+    void RRWSetStamp(unsigned long long stamp);
+    long RRWGetReplaced() const;  // first position of the chain that this one replaces, or -1
+    unsigned long long RRWGetReplacedStamp() const;
+    void RRWSetReplaced(long position, unsigned long long stamp);
+
+    // The whole page, its checksum brought up to date.
+    const unsigned char *RRWGetData();
+
+private:
+    Condition examine() const;
+
+    unsigned char m_page[PAGE_BYTES];
+    Condition m_condition;
+};

@@ -1,0 +1,98 @@
+// A file of 512-byte pages (CZelROMPWrapper) that holds the encodings of records as chains of pages, and loses none
+// of them whatever stops the process.
+//
+// Order of writes. A chain is written from its last page to its first, and the first page makes it count. A chain
+// that replaces another names it on its first page; the other one is emptied after that, first page first. So at any
+// moment every record has one chain that counts: whole, of one stamp, and not replaced by a whole chain.
+//
+// The file is owned while it is open: an advisory lock, mode 0600, closed on exec, no links followed. It grows by 50
+// pages at a time. Positions are byte offsets below 2^31; free ones are given out in ascending order, those given
+// back come after them, oldest first.
+//
+// Damage. Reading follows no link off the grid, past the end, in a circle or into another chain, and trusts no
+// length. A page whose checksum fails and the pages of chains that don't count stay out of use until the file goes.
+//
+// Failures are reported here, with path or errno as told, and given back as codes. Not thread-safe.
+#pragma once
+
+#include <deque>
+#include <string>
+
+#include "foundations/base/ZelEnums.h"
+#include "foundations/port/ZelExport.h"
+#include "foundations/port/ZelFile.h"
+
+class CZelROMPWrapper;
+
+// Pages of a file by what they are used for.
+struct SZelPageCounts {
+    long m_used = 0;      // of chains that count
+    long m_free = 0;      // empty, and those handed out by growth and not yet written
+    long m_outOfUse = 0;  // of chains that don't count
+    long m_damaged = 0;   // of those out of use: the checksum fails
+};
+
+class QUINTOR_API CZelPageFile {
+public:
+    static constexpr long NO_POSITION = -1;
+    static constexpr long PAGES_AT_ONCE = 50;
+    static constexpr long PAGES_AT_MOST = 4194303;
+
+    // Who takes the records of a file that is read at start.
+    class QUINTOR_API Reader {
+    public:
+        virtual ~Reader();
+        // A chain that counts. The bytes are valid during the call. False: no record, its pages go out of use.
+        virtual bool takeChain(long start, const unsigned char *encoding, int length) = 0;
+    };
+
+    CZelPageFile() = default;
+    CZelPageFile(const CZelPageFile &) = delete;
+    CZelPageFile &operator=(const CZelPageFile &) = delete;
+    ~CZelPageFile();
+
+    // Opens or makes the file and locks it. `keep` false: what it holds is thrown away, once the lock is held.
+    // 1; E_RCOpenFailed, reported with path and strerror, or with the process id of the owner.
+    int open(const char *path, bool keep);
+
+    // Reads the whole file in large blocks. Dead chains are emptied. 1; E_RCOpenFailed when its size is unknown or
+    // no multiple of 512: then it stays as found, and the first write moves it aside and starts a new file.
+    int readAll(Reader &reader);
+
+    // Writes a chain; `replaced`, if not NO_POSITION, is the start of the one that it takes the place of. 1 and
+    // *start; E_RCPageWrite, E_RCNoHandle: nothing of it stays, the replaced chain stands.
+    int write(const unsigned char *encoding, int length, long replaced, long *start);
+
+    // The encoding of the chain, from malloc. 1; E_RCBadValue (broken chain), E_RCPageRead.
+    int read(long start, unsigned char **encoding, int *length);
+
+    // Empties a chain, first page first, and gives its pages back. 1; E_RCPageRead, E_RCPageWrite.
+    int release(long start);
+
+    // Syncs by the policy and closes. 1, or E_RCCacheClose, reported. Nothing on a closed file.
+    int close();
+
+    bool isOpen() const { return m_file != ZEL_NO_FILE; }
+    const SZelPageCounts &counts() const { return m_counts; }
+
+    // Called with each page and what it is used for, in the order of the file; `path` is only read, under no lock.
+    // 1, or E_RCOpenFailed, E_RCMalformed (size), reported.
+    enum Use { CHAIN_START, CHAIN_PAGE, FREE, OUT_OF_USE, DAMAGED };
+    class QUINTOR_API Inspector {
+    public:
+        virtual ~Inspector();
+        virtual void inspect(long position, Use use, const CZelROMPWrapper &page) = 0;
+    };
+    static int inspectFile(const char *path, Inspector &inspector);
+
+private:
+    ZelFileHandle m_file = ZEL_NO_FILE;
+    std::string m_path;
+    SZelPageCounts m_counts;
+    EZelSyncPolicy m_policy = E_SPOff;  // the process's at opening
+    bool m_isForeign = false;           // not readable: to be moved aside before the first write
+    bool m_hasFailedSync = false;       // nothing is written any more
+    long m_pages = 0;                   // the file's, handed out or not
+    unsigned long long m_stamp = 0;     // the last one given
+    std::deque<long> m_free;            // positions, in the order in which they are given out
+};
