@@ -81,6 +81,29 @@ TEST(Pool, BlocksThatWentThroughTheDepotAreWhole) {
     }
 }
 
+// However they came back, blocks taken one after the other follow each other in memory.
+TEST(Pool, BlocksComeOutTogetherWhateverTheOrderTheyCameBackIn) {
+    if (!latestBlockComesFirst())
+        GTEST_SKIP() << "blocks come from a malloc that has an order of its own";
+    constexpr int BLOCKS = 50000;
+    std::vector<Held> blocks;
+    for (int i = 0; i < BLOCKS; ++i)
+        blocks.push_back(take(96, i));
+    for (std::size_t i = 0; i < blocks.size(); ++i)
+        std::swap(blocks[i], blocks[i * 7919 % blocks.size()]);
+    for (const Held &held : blocks)
+        ASSERT_TRUE(giveBack(held));
+    blocks.clear();
+    for (int i = 0; i < BLOCKS; ++i)
+        blocks.push_back(take(96, i));
+    int jumps = 0;
+    for (std::size_t i = 1; i < blocks.size(); ++i)
+        jumps += blocks[i].m_block - blocks[i - 1].m_block == 96 ? 0 : 1;
+    EXPECT_LT(jumps, BLOCKS / 50);  // those at hand in the thread, and the seams of regions
+    for (const Held &held : blocks)
+        EXPECT_TRUE(giveBack(held));
+}
+
 TEST(Pool, ThreadsGiveBackEachOthersBlocks) {
     std::mutex lock;
     std::vector<Held> shared;

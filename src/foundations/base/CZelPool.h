@@ -2,8 +2,8 @@
 //
 // Each size has a list per thread, so taking and giving back cost a few instructions and no lock. A block
 // may be given back by any thread. A thread that holds more than two batches of free blocks hands a whole
-// batch, linked in order of address, to a depot that all threads share, and so does a thread that ends.
-// Fresh blocks come from chunks in order of address, so that what is made together lies together.
+// batch to a depot that all threads share, and so does a thread that ends. Batches come from the depot in
+// order of address and out of one region of memory, so that what is made together lies together.
 //
 // A library built under a sanitizer takes every block from malloc, so that misuse is seen where it happens.
 #pragma once
@@ -59,7 +59,6 @@ private:
 
     struct Block {
         Block *m_next;
-        Block *m_nextBatch;  // in the first block of a batch in the depot
     };
     // A list starts without blocks and without room, so a thread's first step of a class is a slow one.
     struct List {

@@ -3,8 +3,9 @@
 #include <sys/mman.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstdlib>
-#include <functional>
+#include <cstring>
 
 #include "foundations/port/ZelOutOfMemory.h"
 
@@ -12,7 +13,64 @@ namespace {
 
 constinit CZelPoolDepot g_depots[CZelPoolDepot::CLASSES];
 
+// Memory of the depot's own, zeroed. Not from the pool.
+template <class T>
+T *zeroed(std::size_t count) {
+    void *memory = std::calloc(count, sizeof(T));
+    if (memory == nullptr)
+        ZelOutOfMemory();
+    return static_cast<T *>(memory);
+}
+
+template <class T>
+void enlarge(T *&items, std::size_t former, std::size_t count) {
+    T *larger = zeroed<T>(count);
+    if (items != nullptr)
+        std::memcpy(larger, items, former * sizeof(T));
+    std::free(items);
+    items = larger;
+}
+
+std::size_t wordsFor(std::size_t bits) {
+    return (bits + 63) / 64;
+}
+
 }  // namespace
+
+struct CZelPoolDepot::Region {
+    char *m_base;
+    std::uint32_t m_number;   // among the regions
+    std::uint32_t m_free;     // blocks
+    std::uint32_t m_size;     // of a block
+    std::uint32_t m_inverse;  // 2^32 / size, rounded up: multiplies where division would be slow
+
+    // A bit per block, set while it is free. They lie behind the region.
+    std::uint64_t *Bits() { return reinterpret_cast<std::uint64_t *>(this + 1); }
+
+    static std::uintptr_t KeyOf(const void *memory) { return reinterpret_cast<std::uintptr_t>(memory) >> REGION_BITS; }
+    std::uint32_t IndexOf(const Block *block) const {
+        const auto offset = static_cast<std::uint64_t>(reinterpret_cast<const char *>(block) - m_base);
+        return static_cast<std::uint32_t>(offset * m_inverse >> 32);
+    }
+    Block *BlockAt(std::uint32_t index) const {
+        return reinterpret_cast<Block *>(m_base + static_cast<std::size_t>(index) * m_size);
+    }
+    // Links up to `count` blocks behind *link, lowest address first, and moves *link on. Gives their number.
+    std::uint32_t TakeUpTo(std::uint32_t count, Block **&link) {
+        const std::uint32_t wanted = std::min(count, m_free);
+        std::uint32_t left = wanted;
+        for (std::uint32_t word = 0; left > 0; ++word) {
+            std::uint64_t bits = Bits()[word];
+            for (; bits != 0 && left > 0; --left, bits &= bits - 1) {
+                *link = BlockAt(word * WORD_BITS + static_cast<std::uint32_t>(std::countr_zero(bits)));
+                link = &(*link)->m_next;
+            }
+            Bits()[word] = bits;
+        }
+        m_free -= wanted;
+        return wanted;
+    }
+};
 
 CZelPoolDepot &CZelPoolDepot::Of(std::size_t sizeClass) {
     return g_depots[sizeClass];
@@ -24,85 +82,136 @@ std::size_t CZelPoolDepot::sizeClass() const {
 
 CZelPoolDepot::Block *CZelPoolDepot::TakeBatch() {
     std::lock_guard guard(m_lock);
-    return popBatch();
-}
-
-CZelPoolDepot::Block *CZelPoolDepot::popBatch() {
-    Block *batch = m_batches;
-    if (batch == nullptr)
-        return cutBatch();
-    m_batches = batch->m_nextBatch;
-    return batch;
-}
-
-void CZelPoolDepot::GiveBatch(Block *batch) {
-    batch = inOrderOfAddress(batch, BatchSize(sizeClass()));
-    std::lock_guard guard(m_lock);
-    batch->m_nextBatch = m_batches;
-    m_batches = batch;
+    return takeBlocks(BatchSize(sizeClass()));
 }
 
 CZelPoolDepot::Block *CZelPoolDepot::TakeOne() {
     std::lock_guard guard(m_lock);
-    if (m_loose == nullptr) {
-        m_loose = popBatch();
-        m_looseCount = BatchSize(sizeClass());
+    return takeBlocks(1);
+}
+
+void CZelPoolDepot::GiveBatch(Block *batch) {
+    std::lock_guard guard(m_lock);
+    while (batch != nullptr) {
+        Block *next = batch->m_next;
+        give(batch);
+        batch = next;
     }
-    Block *block = m_loose;
-    m_loose = block->m_next;
-    --m_looseCount;
-    return block;
 }
 
 void CZelPoolDepot::GiveOne(Block *block) {
     std::lock_guard guard(m_lock);
-    block->m_next = m_loose;
-    m_loose = block;
-    if (++m_looseCount < BatchSize(sizeClass()))
-        return;
-    Block *batch = inOrderOfAddress(m_loose, m_looseCount);
-    batch->m_nextBatch = m_batches;
-    m_batches = batch;
-    m_loose = nullptr;
-    m_looseCount = 0;
+    give(block);
 }
 
-CZelPoolDepot::Block *CZelPoolDepot::cutBatch() {
-    std::size_t size = BlockSize(sizeClass());
-    std::uint32_t count = BatchSize(sizeClass());
-    if (m_chunkLeft < size * count)
-        startChunk();
-    char *first = m_chunk;
-    m_chunk += size * count;
-    m_chunkLeft -= size * count;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        char *next = i + 1 < count ? first + (i + 1) * size : nullptr;
-        reinterpret_cast<Block *>(first + i * size)->m_next = reinterpret_cast<Block *>(next);
+CZelPoolDepot::Block *CZelPoolDepot::takeBlocks(std::uint32_t count) {
+    Block *first = nullptr;
+    Block **link = &first;
+    while (count > 0) {
+        Region &region = regionWithFree();
+        count -= region.TakeUpTo(count, link);
+        if (region.m_free == 0)
+            setOpen(region, false);
     }
-    return reinterpret_cast<Block *>(first);
+    *link = nullptr;
+    return first;
+}
+
+void CZelPoolDepot::give(Block *block) {
+    Region &region = regionOf(block);
+    const std::uint32_t index = region.IndexOf(block);
+    region.Bits()[index / WORD_BITS] |= std::uint64_t{1} << index % WORD_BITS;
+    if (region.m_free++ == 0)
+        setOpen(region, true);
+}
+
+CZelPoolDepot::Region &CZelPoolDepot::regionWithFree() {
+    Region *region = nextOpen();
+    if (region == nullptr) {
+        startChunk();
+        region = nextOpen();
+    }
+    m_cursor = region->m_number;
+    return *region;
+}
+
+// From the region at hand on, and then from the first one.
+CZelPoolDepot::Region *CZelPoolDepot::nextOpen() const {
+    const std::size_t words = wordsFor(m_count);
+    const std::size_t first = m_cursor / WORD_BITS;
+    for (std::size_t i = 0; i <= words && words > 0; ++i) {
+        const std::size_t word = (first + i) % words;
+        const std::uint64_t before = i == 0 ? (std::uint64_t{1} << m_cursor % WORD_BITS) - 1 : 0;
+        const std::uint64_t bits = m_open[word] & ~before;
+        if (bits != 0)
+            return m_regions[word * WORD_BITS + static_cast<std::size_t>(std::countr_zero(bits))];
+    }
+    return nullptr;
+}
+
+CZelPoolDepot::Region &CZelPoolDepot::regionOf(const Block *block) {
+    const std::uintptr_t key = Region::KeyOf(block);
+    if (m_latest == nullptr || Region::KeyOf(m_latest->m_base) != key)
+        m_latest = placeOf(key);
+    return *m_latest;
+}
+
+void CZelPoolDepot::setOpen(const Region &region, bool open) {
+    const std::uint64_t bit = std::uint64_t{1} << region.m_number % WORD_BITS;
+    std::uint64_t &word = m_open[region.m_number / WORD_BITS];
+    word = open ? word | bit : word & ~bit;
 }
 
 // Chunks double, so that a small process stays small and a large one has few page table entries.
 void CZelPoolDepot::startChunk() {
-    m_chunk = static_cast<char *>(std::aligned_alloc(m_chunkSize, m_chunkSize));
-    if (m_chunk == nullptr)
+    char *chunk = static_cast<char *>(std::aligned_alloc(m_chunkSize, m_chunkSize));
+    if (chunk == nullptr)
         ZelOutOfMemory();
     if (m_chunkSize == LARGEST_CHUNK)
-        madvise(m_chunk, m_chunkSize, MADV_HUGEPAGE);
-    m_chunkLeft = m_chunkSize;
+        madvise(chunk, m_chunkSize, MADV_HUGEPAGE);
+    for (std::size_t offset = 0; offset < m_chunkSize; offset += REGION)
+        addRegion(chunk + offset);
     m_chunkSize = std::min(2 * m_chunkSize, LARGEST_CHUNK);
 }
 
-// A list that was emptied front to back has given its blocks in order already, upwards or downwards.
-CZelPoolDepot::Block *CZelPoolDepot::inOrderOfAddress(Block *batch, std::uint32_t count) {
-    Block *blocks[MOST_BLOCKS] = {};
-    for (std::uint32_t i = 0; i < count; ++i, batch = batch->m_next)
-        blocks[i] = batch;
-    if (std::is_sorted(blocks, blocks + count, std::greater<>()))
-        std::reverse(blocks, blocks + count);
-    else
-        std::sort(blocks, blocks + count, std::less<>());
-    for (std::uint32_t i = 0; i < count; ++i)
-        blocks[i]->m_next = i + 1 < count ? blocks[i + 1] : nullptr;
-    return blocks[0];
+void CZelPoolDepot::addRegion(char *memory) {
+    if (m_count == m_capacity)
+        makeSpace();
+    const std::size_t size = BlockSize(sizeClass());
+    const std::size_t blocks = REGION / size;
+    void *place = std::calloc(1, sizeof(Region) + wordsFor(blocks) * sizeof(std::uint64_t));
+    if (place == nullptr)
+        ZelOutOfMemory();
+    auto *region = static_cast<Region *>(place);
+    region->m_base = memory;
+    region->m_number = m_count;
+    region->m_size = static_cast<std::uint32_t>(size);
+    region->m_inverse = static_cast<std::uint32_t>((std::uint64_t{1} << 32) / size + 1);
+    region->m_free = static_cast<std::uint32_t>(blocks);
+    for (std::size_t i = 0; i < blocks; ++i)
+        region->Bits()[i / WORD_BITS] |= std::uint64_t{1} << i % WORD_BITS;
+    m_regions[m_count++] = region;
+    placeOf(Region::KeyOf(memory)) = region;
+    setOpen(*region, true);
+}
+
+void CZelPoolDepot::makeSpace() {
+    const std::uint32_t capacity = m_capacity == 0 ? WORD_BITS : 2 * m_capacity;
+    enlarge(m_regions, m_capacity, capacity);
+    enlarge(m_open, m_capacity / WORD_BITS, capacity / WORD_BITS);
+    std::free(m_places);
+    m_places = zeroed<Region *>(2 * static_cast<std::size_t>(capacity));
+    m_capacity = capacity;
+    for (std::uint32_t i = 0; i < m_count; ++i)
+        placeOf(Region::KeyOf(m_regions[i]->m_base)) = m_regions[i];
+}
+
+// Where the region of that key stands, or the empty place where it belongs. Addresses of one chunk follow each
+// other, so the low bits spread them.
+CZelPoolDepot::Region *&CZelPoolDepot::placeOf(std::uintptr_t key) const {
+    const std::size_t mask = 2 * static_cast<std::size_t>(m_capacity) - 1;
+    std::size_t place = key & mask;
+    while (m_places[place] != nullptr && Region::KeyOf(m_places[place]->m_base) != key)
+        place = (place + 1) & mask;
+    return m_places[place];
 }

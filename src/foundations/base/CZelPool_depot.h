@@ -1,5 +1,8 @@
-// What all threads share of one size class of the pool: whole batches, the single blocks of threads that
-// have ended, and the chunk that fresh blocks are cut from. Chunks are never given back to the system.
+// What all threads share of one size class of the pool: the free blocks, by the region of memory that they lie in.
+//
+// A region is 64 KiB with a bit per block. Batches are taken from one region after the other, lowest address first,
+// however the blocks came back: what is made together lies together, also in a process that has run for long.
+// Regions come in chunks, which are never given back to the system.
 //
 // Threads: one lock per class, held for a batch at a time. Never destroyed, since objects die as late as in
 // the destructors of statics.
@@ -27,27 +30,40 @@ public:
     }
 
     Block *TakeBatch();            // BatchSize blocks
-    void GiveBatch(Block *batch);  // the same number
+    void GiveBatch(Block *batch);  // any number
     Block *TakeOne();
     void GiveOne(Block *block);
 
 private:
     static constexpr std::size_t BATCH_BYTES = 8192;
-    static constexpr std::size_t FIRST_CHUNK = 65536;
+    static constexpr unsigned REGION_BITS = 16;
+    static constexpr std::size_t REGION = std::size_t{1} << REGION_BITS;
     static constexpr std::size_t LARGEST_CHUNK = 2097152;  // a huge page, where the system has them
-    static constexpr std::uint32_t MOST_BLOCKS = BATCH_BYTES / CZelPool::STEP;
+    static constexpr unsigned WORD_BITS = 64;
+
+    struct Region;
 
     std::size_t sizeClass() const;
-    Block *popBatch();
-    Block *cutBatch();
+    Block *takeBlocks(std::uint32_t count);
+    void give(Block *block);
+
+    Region &regionWithFree();
+    Region *nextOpen() const;
+    Region &regionOf(const Block *block);
+
     void startChunk();
-    static Block *inOrderOfAddress(Block *batch, std::uint32_t count);
+    void addRegion(char *memory);
+    void makeSpace();
+    Region *&placeOf(std::uintptr_t key) const;
+    void setOpen(const Region &region, bool open);
 
     std::mutex m_lock;
-    Block *m_batches = nullptr;
-    Block *m_loose = nullptr;
-    std::uint32_t m_looseCount = 0;
-    char *m_chunk = nullptr;  // its uncut part
-    std::size_t m_chunkLeft = 0;
-    std::size_t m_chunkSize = FIRST_CHUNK;
+    Region **m_regions = nullptr;      // in the order in which they came
+    std::uint64_t *m_open = nullptr;   // a bit per region: has it free blocks?
+    Region **m_places = nullptr;       // by address: a hash table of twice the capacity
+    std::uint32_t m_count = 0;         // regions
+    std::uint32_t m_capacity = 0;      // a power of two
+    std::uint32_t m_cursor = 0;        // the region that blocks are taken from
+    Region *m_latest = nullptr;        // that a block was given back to
+    std::size_t m_chunkSize = REGION;  // of the next chunk
 };
