@@ -1,5 +1,7 @@
 #include "foundations/base/CZelKeyTree.h"
 
+#include <algorithm>
+
 #include "foundations/base/CZelBag.h"
 #include "foundations/base/CZelKeyTree_nodes.h"
 
@@ -40,19 +42,54 @@ int rankOf(const CZelAtom &key) {
 
 }  // namespace
 
-bool CZelKeyTree::descend(const Wanted &wanted, Way &way) const {
+const CZelKeyTree::Node *CZelKeyTree::leafFor(const Wanted &wanted, Way &way) const {
     auto notGreater = [&wanted](const CZelAtom &key) { return wanted.compare(key) >= 0; };
-    auto less = [&wanted](const CZelAtom &key) { return wanted.compare(key) > 0; };
     Node *node = m_root;
     for (unsigned int level = 0; level < m_depth; ++level) {
         way.nodes[level] = node;
         way.indexes[level] = countBefore(node->items() + 1, node->count - 1U, notGreater);
         node = node->items()[way.indexes[level]].child;
     }
-    unsigned int index = countBefore(node->items(), node->count, less);
     way.nodes[m_depth] = node;
-    way.indexes[m_depth] = index;
-    return index < node->count && wanted.compare(node->items()[index].key) == 0;
+    return node;
+}
+
+bool CZelKeyTree::descend(const Wanted &wanted, Way &way) const {
+    return placeIn(leafFor(wanted, way), wanted, &way.indexes[m_depth]);
+}
+
+bool CZelKeyTree::placeIn(const Node *leaf, const Wanted &wanted, unsigned int *index) {
+    auto less = [&wanted](const CZelAtom &key) { return wanted.compare(key) > 0; };
+    *index = countBefore(leaf->items(), leaf->count, less);
+    return *index < leaf->count && wanted.compare(leaf->items()[*index].key) == 0;
+}
+
+bool CZelKeyTree::find(const Wanted &wanted, Way &way) const {
+    const Node *leaf = leafFor(wanted, way);
+    if (!wanted.isText() || !leaf->hasPrints())
+        return placeIn(leaf, wanted, &way.indexes[m_depth]);
+    way.indexes[m_depth] = placeOfText(leaf, wanted.text());
+    return way.indexes[m_depth] < leaf->count;
+}
+
+// Eight prints at a time: a word has a zero byte where one of them is the text's. Where there is none, the trick
+// with the borrow sees none; see "Hacker's Delight" (Warren), chapter 6.
+unsigned int CZelKeyTree::placeOfText(const Node *leaf, std::string_view text) {
+    constexpr std::uint64_t ONES = 0x0101010101010101U;
+    constexpr std::uint64_t HIGHS = 0x8080808080808080U;
+    const std::uint8_t print = printOf(text);
+    for (unsigned int base = 0; base < leaf->count; base += Node::PRINTS_AT_ONCE) {
+        std::uint64_t word;
+        std::memcpy(&word, leaf->prints() + base, sizeof word);
+        word ^= ONES * print;
+        if (((word - ONES) & ~word & HIGHS) == 0)
+            continue;
+        const unsigned int end = std::min<unsigned int>(base + Node::PRINTS_AT_ONCE, leaf->count);
+        for (unsigned int i = base; i < end; ++i)
+            if (leaf->prints()[i] == print && leaf->items()[i].key.RATextView() == text)
+                return i;
+    }
+    return leaf->count;
 }
 
 CZelBTreeNode *CZelKeyTree::RKTFind(const CZelAtom &key) const {
@@ -64,7 +101,7 @@ CZelBTreeNode *CZelKeyTree::RKTFind(const CZelAtom &key) const {
             return const_cast<CZelBTreeNode *>(&item->entry);
     }
     Way way;
-    if (!descend(Wanted(key), way))
+    if (!find(Wanted(key), way))
         return nullptr;
     return &way.nodes[m_depth]->items()[way.indexes[m_depth]].entry;
 }

@@ -4,11 +4,14 @@
 // the entries lie in leaves of up to 64, linked in key order, and nodes of the same shape lead down to them.
 // A leaf has memory for little more than it holds; keys that come in rising or falling order fill leaves
 // wholly, and a node that has become small joins its neighbour. A tree of a few keys is one small block.
+// A text that is looked for by itself is found in its leaf by a byte of its hash.
 //
 // Threads: no lock; several readers may look up and walk while nobody changes.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <string_view>
 
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelBTreeNode.h"
@@ -75,15 +78,21 @@ private:
     class Wanted;
 
     // Looking up.
-    bool descend(const Wanted &wanted, Way &way) const;
+    bool descend(const Wanted &wanted, Way &way) const;  // to the key's place; is it there?
+    bool find(const Wanted &wanted, Way &way) const;     // to the key, if it is there
+    const Node *leafFor(const Wanted &wanted, Way &way) const;
+    static bool placeIn(const Node *leaf, const Wanted &wanted, unsigned int *index);
+    static unsigned int placeOfText(const Node *leaf, std::string_view text);  // the count when it is not there
+    static std::uint8_t printOf(std::string_view text);
     static const Item *findByAddress(const Node *node, const CZelAtom &name);
     template <class Before>
     Place firstNot(Before before) const;
 
     // Nodes by themselves.
     static unsigned int spaceFor(unsigned int count);
-    static Node *makeNode(unsigned int capacity);
+    static Node *makeNode(unsigned int capacity, bool withPrints);
     static Node *resize(Node *node, unsigned int capacity);
+    static void moveItemsTo(Node *node, std::uint16_t offset);
     static void insertItem(Node *node, unsigned int index, Item &item);
     static void removeItem(Node *node, unsigned int index);
     static void moveItems(Node *from, unsigned int index, Node *to);

@@ -19,14 +19,20 @@ unsigned int CZelKeyTree::spaceFor(unsigned int count) {
     return std::max(std::bit_ceil(count), FIRST);
 }
 
-CZelKeyTree::Node *CZelKeyTree::makeNode(unsigned int capacity) {
-    void *block = ZelMalloc(sizeof(Node) + capacity * sizeof(Item));
-    return new (block) Node{nullptr, nullptr, 0, static_cast<std::uint16_t>(capacity)};
+CZelKeyTree::Node *CZelKeyTree::makeNode(unsigned int capacity, bool withPrints) {
+    const std::uint16_t offset = Node::OffsetFor(capacity, withPrints);
+    void *block = ZelMalloc(offset + capacity * sizeof(Item));
+    return new (block) Node{nullptr, nullptr, 0, static_cast<std::uint16_t>(capacity), offset};
 }
 
 // Gives the node another capacity. It may move: its neighbours learn that here, its parent through the caller.
 CZelKeyTree::Node *CZelKeyTree::resize(Node *node, unsigned int capacity) {
-    node = static_cast<Node *>(ZelRealloc(node, sizeof(Node) + capacity * sizeof(Item)));
+    const std::uint16_t offset = Node::OffsetFor(capacity, node->hasPrints());
+    if (offset < node->offset)
+        moveItemsTo(node, offset);
+    node = static_cast<Node *>(ZelRealloc(node, offset + capacity * sizeof(Item)));
+    if (offset > node->offset)
+        moveItemsTo(node, offset);
     node->capacity = static_cast<std::uint16_t>(capacity);
     if (node->prev != nullptr)
         node->prev->next = node;
@@ -35,11 +41,22 @@ CZelKeyTree::Node *CZelKeyTree::resize(Node *node, unsigned int capacity) {
     return node;
 }
 
+void CZelKeyTree::moveItemsTo(Node *node, std::uint16_t offset) {
+    const void *former = node->items();
+    node->offset = offset;
+    std::memmove(static_cast<void *>(node->items()), former, node->count * sizeof(Item));
+}
+
 // Moves the item in: the caller's is no longer an object.
 void CZelKeyTree::insertItem(Node *node, unsigned int index, Item &item) {
     Item *place = node->items() + index;
-    std::memmove(static_cast<void *>(place + 1), static_cast<void *>(place), (node->count - index) * sizeof(Item));
+    const unsigned int behind = node->count - index;
+    std::memmove(static_cast<void *>(place + 1), static_cast<void *>(place), behind * sizeof(Item));
     std::memcpy(static_cast<void *>(place), static_cast<void *>(&item), sizeof(Item));
+    if (node->hasPrints()) {
+        std::memmove(node->prints() + index + 1, node->prints() + index, behind);
+        node->prints()[index] = place->key.RAType() == E_RDTText ? printOf(place->key.RATextView()) : 0;
+    }
     ++node->count;
 }
 
@@ -47,7 +64,10 @@ void CZelKeyTree::removeItem(Node *node, unsigned int index) {
     Item *place = node->items() + index;
     place->key.~CZelAtom();
     --node->count;
-    std::memmove(static_cast<void *>(place), static_cast<void *>(place + 1), (node->count - index) * sizeof(Item));
+    const unsigned int behind = node->count - index;
+    std::memmove(static_cast<void *>(place), static_cast<void *>(place + 1), behind * sizeof(Item));
+    if (node->hasPrints())
+        std::memmove(node->prints() + index, node->prints() + index + 1, behind);
 }
 
 // Moves the items from `index` on behind those of another node.
@@ -55,6 +75,8 @@ void CZelKeyTree::moveItems(Node *from, unsigned int index, Node *to) {
     unsigned int moved = from->count - index;
     std::memcpy(static_cast<void *>(to->items() + to->count), static_cast<void *>(from->items() + index),
                 moved * sizeof(Item));
+    if (to->hasPrints())
+        std::memcpy(to->prints() + to->count, from->prints() + index, moved);
     to->count = static_cast<std::uint16_t>(to->count + moved);
     from->count = static_cast<std::uint16_t>(index);
 }
@@ -79,7 +101,7 @@ CZelKeyTree::Node *&CZelKeyTree::slot(Way &way, unsigned int level) {
 
 CZelKeyTree::Place CZelKeyTree::RKTAdd(const CZelAtom &key, void *object, bool *isNew) {
     if (m_root == nullptr)
-        m_root = makeNode(spaceFor(1));
+        m_root = makeNode(spaceFor(1), key.RAType() == E_RDTText);
     Way way;
     *isNew = !descend(Wanted(key), way);
     if (!*isNew)
@@ -133,7 +155,7 @@ CZelKeyTree::Node *CZelKeyTree::split(Way &way, unsigned int level, unsigned int
         kept = Node::MOST;
     else if (index == 0 && node->prev == nullptr)
         kept = 0;
-    Node *right = makeNode(spaceFor(Node::MOST - kept + 1));
+    Node *right = makeNode(spaceFor(Node::MOST - kept + 1), node->hasPrints());
     moveItems(node, kept, right);
     if (level == m_depth)
         linkBehind(node, right);
@@ -161,7 +183,7 @@ void CZelKeyTree::growRoot(Item &right) {
     Loose left;
     new (&left.item.key) CZelAtom();
     left.item.child = m_root;
-    m_root = makeNode(spaceFor(2));
+    m_root = makeNode(spaceFor(2), false);
     insertItem(m_root, 0, left.item);
     insertItem(m_root, 1, right);
     ++m_depth;
@@ -170,7 +192,7 @@ void CZelKeyTree::growRoot(Item &right) {
 
 bool CZelKeyTree::RKTRemove(const CZelAtom &key, void *object) {
     Way way;
-    if (m_root == nullptr || !descend(Wanted(key), way))
+    if (m_root == nullptr || !find(Wanted(key), way))
         return false;
     Node *leaf = way.nodes[m_depth];
     unsigned int index = way.indexes[m_depth];

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "foundations/base/CZelKeyTree.h"
+#include "foundations/base/ZelHash.h"
 
 // In a leaf a key and its entry. Above the leaves a child and the least key that it may hold; that of a node's
 // first child has no meaning.
@@ -18,20 +19,35 @@ struct CZelKeyTree::Item {
     };
 };
 
+// In the leaves of a tree of texts each item also has a print, one byte of its key's hash. The prints lie together
+// behind the node, so that a text is looked for in a leaf without touching the texts that it is not.
 struct CZelKeyTree::Node {
     Node *prev;  // the neighbours of a leaf
     Node *next;
     std::uint16_t count;
     std::uint16_t capacity;
+    std::uint16_t offset;  // of the items
 
     static constexpr unsigned int MOST = 64;
     static constexpr unsigned int FEW = MOST / 4;              // fewer than these look for a neighbour to join
     static constexpr unsigned int MOST_JOINED = MOST / 4 * 3;  // so that the next few additions don't split
+    static constexpr unsigned int PRINTS_AT_ONCE = sizeof(std::uint64_t);
 
-    // The items lie behind the node.
-    Item *items() { return reinterpret_cast<Item *>(this + 1); }
-    const Item *items() const { return reinterpret_cast<const Item *>(this + 1); }
+    static std::uint16_t OffsetFor(unsigned int capacity, bool withPrints) {
+        const unsigned int prints = (capacity + PRINTS_AT_ONCE - 1) / PRINTS_AT_ONCE * PRINTS_AT_ONCE;
+        return static_cast<std::uint16_t>(sizeof(Node) + (withPrints ? prints : 0));
+    }
+    bool hasPrints() const { return offset != sizeof(Node); }
+
+    std::uint8_t *prints() { return reinterpret_cast<std::uint8_t *>(this + 1); }
+    const std::uint8_t *prints() const { return reinterpret_cast<const std::uint8_t *>(this + 1); }
+    Item *items() { return reinterpret_cast<Item *>(reinterpret_cast<char *>(this) + offset); }
+    const Item *items() const { return reinterpret_cast<const Item *>(reinterpret_cast<const char *>(this) + offset); }
 };
+
+inline std::uint8_t CZelKeyTree::printOf(std::string_view text) {
+    return static_cast<std::uint8_t>(ZelHashText(text.data(), text.size()) >> 56);
+}
 
 inline const CZelAtom &CZelKeyTree::Place::key() const {
     return m_leaf->items()[m_index].key;
@@ -70,6 +86,9 @@ public:
             m_head = headOf(m_text);
         }
     }
+
+    bool isText() const { return m_text.data() != nullptr; }
+    std::string_view text() const { return m_text; }
 
     // Negative, 0 or positive as this key is less than, equal to or greater than the other.
     int compare(const CZelAtom &other) const {
