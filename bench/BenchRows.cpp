@@ -54,6 +54,14 @@ std::vector<int> randomPositions(int count, int rows, unsigned seed) {
     return chosen;
 }
 
+std::vector<std::string> keysAt(const std::vector<int> &positions) {
+    std::vector<std::string> keys;
+    keys.reserve(positions.size());
+    for (const int position : positions)
+        keys.push_back(benchRows()[static_cast<std::size_t>(position)].entityName);
+    return keys;
+}
+
 std::string insertText(const BenchRow &row, const char *table) {
     char text[512];
     std::snprintf(text, sizeof text,

@@ -24,5 +24,8 @@ const std::vector<BenchRow> &benchRows();  // BENCH_ROWS of them
 // `count` positions of rows, in random order with a fixed seed; distinct while count <= rows.
 std::vector<int> randomPositions(int count, int rows, unsigned seed);
 
+// The EntityName of those rows, in that order: finding the question is no part of what is measured.
+std::vector<std::string> keysAt(const std::vector<int> &positions);
+
 // The row as an insert statement that both languages take.
 std::string insertText(const BenchRow &row, const char *table);

@@ -10,31 +10,32 @@ namespace {
 constexpr int UPDATES = 50000;
 constexpr int DELETES = 20000;
 
-const std::string &keyAt(int position) {
-    return benchRows()[static_cast<std::size_t>(position)].entityName;
+std::string updateText(const char *table, const std::string &key) {
+    return std::string("update ") + table + " set Load = 1.5, Status = 2 where EntityName = '" + key + "';";
 }
 
-std::string updateText(const char *table, int position) {
-    return std::string("update ") + table + " set Load = 1.5, Status = 2 where EntityName = '" + keyAt(position) + "';";
+std::string deleteText(const char *table, const std::string &key) {
+    return std::string("delete from ") + table + " where EntityName = '" + key + "';";
 }
 
-std::string deleteText(const char *table, int position) {
-    return std::string("delete from ") + table + " where EntityName = '" + keyAt(position) + "';";
+const std::vector<std::string> &updated() {
+    static const std::vector<std::string> keys = keysAt(randomPositions(UPDATES, BENCH_ROWS, 13));
+    return keys;
 }
 
-const std::vector<int> &updated() {
-    static const std::vector<int> positions = randomPositions(UPDATES, BENCH_ROWS, 13);
-    return positions;
-}
-
-const std::vector<int> &deleted() {
+const std::vector<int> &deletedPositions() {
     static const std::vector<int> positions = randomPositions(DELETES, BENCH_ROWS, 17);
     return positions;
 }
 
+const std::vector<std::string> &deleted() {
+    static const std::vector<std::string> keys = keysAt(deletedPositions());
+    return keys;
+}
+
 std::vector<BenchRow> deletedRows() {
     std::vector<BenchRow> rows;
-    for (const int position : deleted())
+    for (const int position : deletedPositions())
         rows.push_back(benchRows()[static_cast<std::size_t>(position)]);
     return rows;
 }
@@ -50,8 +51,8 @@ void runTheirs(const std::string &text) {
 BenchRun updateOurs() {
     OurStore::loaded();
     return {UPDATES, secondsOf([] {
-                for (const int position : updated())
-                    runOurs(updateText("b.t", position));
+                for (const std::string &key : updated())
+                    runOurs(updateText("b.t", key));
             })};
 }
 
@@ -59,8 +60,8 @@ BenchRun updateTheirs() {
     Sqlite::loaded();
     return {UPDATES, secondsOf([] {
                 Sqlite::loaded().run("begin");
-                for (const int position : updated())
-                    runTheirs(updateText("t", position));
+                for (const std::string &key : updated())
+                    runTheirs(updateText("t", key));
                 Sqlite::loaded().run("commit");
             })};
 }
@@ -69,8 +70,8 @@ BenchRun updateCompiledOurs() {
     OurStore &store = OurStore::loaded();
     OurStatement statement("update b.t set Load = 1.5, Status = 2 where EntityName = '';");
     return {UPDATES, secondsOf([&] {
-                for (const int position : updated()) {
-                    statement.setKey(CZelAtom(keyAt(position).c_str()));
+                for (const std::string &key : updated()) {
+                    statement.setKey(CZelAtom(key.c_str()));
                     store.select(statement.statements());
                 }
             })};
@@ -81,8 +82,8 @@ BenchRun updateCompiledTheirs() {
     SqliteStatement statement(database.get(), "update t set Load = 1.5, Status = 2 where EntityName = ?");
     return {UPDATES, secondsOf([&] {
                 database.run("begin");
-                for (const int position : updated()) {
-                    statement.bind(1, keyAt(position));
+                for (const std::string &key : updated()) {
+                    statement.bind(1, key);
                     statement.step();
                     statement.reset();
                 }
@@ -103,8 +104,8 @@ BenchRun updateAllTheirs() {
 BenchRun deleteOurs() {
     OurStore &store = OurStore::loaded();
     const double seconds = secondsOf([] {
-        for (const int position : deleted())
-            runOurs(deleteText("b.t", position));
+        for (const std::string &key : deleted())
+            runOurs(deleteText("b.t", key));
     });
     store.insertAll(deletedRows());
     return {DELETES, seconds};
@@ -114,8 +115,8 @@ BenchRun deleteTheirs() {
     Sqlite &database = Sqlite::loaded();
     const double seconds = secondsOf([&] {
         database.run("begin");
-        for (const int position : deleted())
-            runTheirs(deleteText("t", position));
+        for (const std::string &key : deleted())
+            runTheirs(deleteText("t", key));
         database.run("commit");
     });
     database.insertAll(deletedRows());

@@ -13,32 +13,28 @@ constexpr int KEYED = 50000;
 constexpr int IN_KEYS = 1000;
 constexpr int COUNTS = 200;
 
-const std::vector<int> &keys() {
-    static const std::vector<int> positions = randomPositions(KEYED, BENCH_ROWS, 7);
-    return positions;
+const std::vector<std::string> &keys() {
+    static const std::vector<std::string> texts = keysAt(randomPositions(KEYED, BENCH_ROWS, 7));
+    return texts;
 }
 
-const std::string &keyAt(int position) {
-    return benchRows()[static_cast<std::size_t>(position)].entityName;
-}
-
-std::string pointText(const char *table, int position) {
-    return std::string("select * from ") + table + " where EntityName = '" + keyAt(position) + "';";
+std::string pointText(const char *table, const std::string &key) {
+    return std::string("select * from ") + table + " where EntityName = '" + key + "';";
 }
 
 BenchRun pointTextOurs() {
     OurStore &store = OurStore::loaded();
     return {KEYED, secondsOf([&] {
-                for (const int position : keys())
-                    store.select(pointText("b.t", position));
+                for (const std::string &key : keys())
+                    store.select(pointText("b.t", key));
             })};
 }
 
 BenchRun pointTextTheirs() {
     Sqlite &database = Sqlite::loaded();
     return {KEYED, secondsOf([&] {
-                for (const int position : keys())
-                    database.select(pointText("t", position));
+                for (const std::string &key : keys())
+                    database.select(pointText("t", key));
             })};
 }
 
@@ -46,8 +42,8 @@ BenchRun pointCompiledOurs() {
     OurStore &store = OurStore::loaded();
     OurStatement statement("select * from b.t where EntityName = '';");
     return {KEYED, secondsOf([&] {
-                for (const int position : keys()) {
-                    statement.setKey(CZelAtom(keyAt(position).c_str()));
+                for (const std::string &key : keys()) {
+                    statement.setKey(CZelAtom(key.c_str()));
                     store.select(statement.statements());
                 }
             })};
@@ -57,8 +53,8 @@ BenchRun pointCompiledTheirs() {
     SqliteStatement statement(Sqlite::loaded().get(), "select * from t where EntityName = ?");
     BenchRow row;
     return {KEYED, secondsOf([&] {
-                for (const int position : keys()) {
-                    statement.bind(1, keyAt(position));
+                for (const std::string &key : keys()) {
+                    statement.bind(1, key);
                     while (statement.step())
                         statement.fetch(row);
                     statement.reset();
@@ -87,8 +83,8 @@ void addQuestion(const char *name, const std::string &condition, bool countsScan
 
 std::string inCondition() {
     std::string text = " where EntityName in (";
-    for (const int position : randomPositions(IN_KEYS, BENCH_ROWS, 11))
-        text += (text.back() == '(' ? "'" : ",'") + keyAt(position) + "'";
+    for (const std::string &key : keysAt(randomPositions(IN_KEYS, BENCH_ROWS, 11)))
+        text += (text.back() == '(' ? "'" : ",'") + key + "'";
     return text + ");";
 }
 
