@@ -49,6 +49,8 @@ const CZelKeyTree::Node *CZelKeyTree::leafFor(const Wanted &wanted, Way &way) co
         way.nodes[level] = node;
         way.indexes[level] = countBefore(node->items() + 1, node->count - 1U, notGreater);
         node = node->items()[way.indexes[level]].child;
+        __builtin_prefetch(node);
+        __builtin_prefetch(reinterpret_cast<const char *>(node) + 64);
     }
     way.nodes[m_depth] = node;
     return node;
@@ -85,9 +87,13 @@ unsigned int CZelKeyTree::placeOfText(const Node *leaf, std::string_view text) {
         if (((word - ONES) & ~word & HIGHS) == 0)
             continue;
         const unsigned int end = std::min<unsigned int>(base + Node::PRINTS_AT_ONCE, leaf->count);
-        for (unsigned int i = base; i < end; ++i)
-            if (leaf->prints()[i] == print && leaf->items()[i].key.RATextView() == text)
+        for (unsigned int i = base; i < end; ++i) {
+            if (leaf->prints()[i] != print)
+                continue;
+            leaf->items()[i].entry.RBTNPrefetch();
+            if (leaf->items()[i].key.RATextView() == text)
                 return i;
+        }
     }
     return leaf->count;
 }

@@ -27,6 +27,14 @@ public:
     }
     CZelVarBind *RVBLFind(const char *name) const;
 
+    // Asks the memory for the first bindings at once: made together, they mostly follow each other.
+    void RVBLPrefetch() const {
+        constexpr int CACHE_LINE = 64;
+        const char *first = reinterpret_cast<const char *>(m_head);
+        for (int line = 0; line < 4; ++line)
+            __builtin_prefetch(first + line * CACHE_LINE);
+    }
+
     int RVBLRemove(const CZelVarBind *binding);  // unlinks and deletes; 1 or E_RCNotFound
     void RVBLEmptyList();
     void RVBLMoveFrom(CZelVBList &other);  // appends all bindings of `other`, which is empty afterwards
