@@ -74,8 +74,8 @@ bool CZelFilterWalk::answersAsRange(const CZelFilter *node, Answer &answer) cons
         std::swap(low, high);
     const bool isRange = low.tree != nullptr && low.tree == high.tree && isLower(low.op) && isUpper(high.op) &&
                          !CZelAtom::RAIsNull(low.value) && !CZelAtom::RAIsNull(high.value);
-    if (!isRange ||
-        (low.tree->RBPTCountQuery(low.value, low.op) < FEW && high.tree->RBPTCountQuery(high.value, high.op) < FEW))
+    if (!isRange || (low.tree->RBPTCountQuery(low.value, low.op, FEW) < FEW &&
+                     high.tree->RBPTCountQuery(high.value, high.op, FEW) < FEW))
         return false;
     answer = {new CZelBag, false, false};
     low.tree->RBPTAppendBetween(*low.value, low.op == E_ROGreaterEqual, *high.value, high.op == E_ROLessEqual,
@@ -91,12 +91,12 @@ bool CZelFilterWalk::narrows(const CZelFilter *right, Answer &left) const {
     const TreeTest test = length > 0 && !left.all ? treeTestOf(right) : TreeTest();
     if (test.tree == nullptr)
         return false;
-    const int count = test.tree->RBPTCountQuery(test.value, test.op);
+    const int count = test.tree->RBPTCountQuery(test.value, test.op, std::max(length, FEW));  // the longer one?
     const bool leftIsLonger = length > count;
     const bool ordered = test.tree->RBPTIsDegenerate() != E_RBTrue && test.op != E_RONotEqual;
     if (count == 0 || std::max(length, count) < FEW || length > count * HASH_IS_BETTER || (!leftIsLonger && !ordered))
         return false;
-    if (count == m_total)
+    if (test.tree->RBPTLength() == m_total && test.tree->RBPTIsWhole(test.value, test.op))
         return true;
     keepPassing(test, left.bag);
     if (!leftIsLonger)

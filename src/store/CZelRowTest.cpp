@@ -1,5 +1,6 @@
 #include "store/CZelRowTest.h"
 
+#include <cstdint>
 #include <cstring>
 
 #include "foundations/base/CZelBag.h"
@@ -24,6 +25,8 @@ struct BagRows {
     void advance() { node = CZelBag::RBNext(node); }
 };
 
+constexpr int ROWS_AHEAD = 8;
+
 constexpr unsigned int LESS = 1, EQUAL = 2, GREATER = 4;
 
 unsigned int ordersOf(EZelOper op) {
@@ -42,6 +45,11 @@ bool isIn(unsigned int orders, int order) {
 
 bool isText(const CZelAtom &value) {
     return value.RAType() == E_RDTText;
+}
+
+// The address of the first binding.
+std::uintptr_t startOf(const CZelRecord &row) {
+    return reinterpret_cast<std::uintptr_t>(row.RRVbIterator()->RVBLHead());
 }
 
 bool holds(std::string_view text, std::string_view part) {
@@ -106,12 +114,22 @@ void CZelRowTest::select(const CZelBag &rows, CZelBag &passed) const {
     dispatch(BagRows(rows), passed);
 }
 
-// The test gets present values only.
+// The test gets present values only. Where a row's column lies is where it lay in the row before, so the memory can
+// be asked for it some rows ahead.
 template <class Rows, class Test>
 void CZelRowTest::scan(Rows rows, CZelBag &passed, Test test) const {
+    Rows ahead = rows;
+    for (int i = 0; i < ROWS_AHEAD && ahead.node != nullptr; ++i)
+        ahead.advance();
+    std::uintptr_t place = 0;
     for (; rows.node != nullptr; rows.advance()) {
         CZelRecord *row = rows.row();
+        if (ahead.node != nullptr) {
+            __builtin_prefetch(reinterpret_cast<const void *>(startOf(*ahead.row()) + place));
+            ahead.advance();
+        }
         const CZelAtom *value = m_column.value(*row);
+        place = reinterpret_cast<std::uintptr_t>(value) - startOf(*row);
         if (CZelAtom::RAIsNull(value) ? m_onNull : test(*value))
             passed.RBAdd(static_cast<void *>(row));
     }

@@ -12,6 +12,7 @@
 #include "oql/CZelExpr.h"
 #include "oql/CZelQuery.h"
 #include "store/CZelProjection.h"
+#include "store/CZelRowsAhead.h"
 #include "store/CZelStore.h"
 #include "store/CZelStoreGuard.h"
 #include "store/CZelTable.h"
@@ -99,8 +100,10 @@ private:
 // Walks rows that each become something else. Rows that the query owns are deleted behind it.
 template <class Convert>
 void replaceRows(CZelBag &rows, bool owned, Convert convert) {
+    CZelRowsAhead ahead(rows);
     for (CZelPointer *node = rows.RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
         auto *row = static_cast<CZelRecord *>(node->RPData());
+        ahead.advance();
         node->RPSetData(convert(row));
         if (owned && node->RPData() != row)
             delete row;

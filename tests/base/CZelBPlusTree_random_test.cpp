@@ -76,6 +76,8 @@ protected:
                 found.push_back(node->RPData());
             ASSERT_EQ(expected, found) << op;
             ASSERT_EQ(count, m_tree.RBPTCountQuery(&value, static_cast<EZelOper>(op)));
+            ASSERT_EQ(count >= 3, m_tree.RBPTCountQuery(&value, static_cast<EZelOper>(op), 3) >= 3);
+            ASSERT_EQ(count == m_length, m_tree.RBPTIsWhole(&value, static_cast<EZelOper>(op)));
         }
     }
     void compareNode(const CZelAtom &key) {

@@ -203,6 +203,12 @@ public:
         return left->RALex(right, nullptr);
     }
 
+    // Asks the memory for what lies outside of the atom.
+    void RAPrefetch() const {
+        if (ownsMemory())
+            __builtin_prefetch(m_heap.word.text);
+    }
+
 private:
     friend class CZelName;
     friend class CZelVarBind;

@@ -9,6 +9,8 @@
 // Threads: no lock; several readers may query while nobody changes.
 #pragma once
 
+#include <climits>
+
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelBTreeNode.h"
 #include "foundations/base/CZelKeyTree.h"
@@ -38,9 +40,12 @@ public:
     CZelBag *RBPTComputeQueryOp(const CZelAtom *key, EZelOper op) const;
 
     // The same without a bag of its own, or by number alone. RBPTCountQuery builds nothing and takes no time for
-    // `=` and `<>`; for a range it walks the result.
+    // `=` and `<>`; for a range it walks the result until it has counted `enough`.
     int RBPTAppendQuery(const CZelAtom *key, EZelOper op, CZelBag &bag) const;  // gives how many were appended
-    int RBPTCountQuery(const CZelAtom *key, EZelOper op) const;
+    int RBPTCountQuery(const CZelAtom *key, EZelOper op, int enough = INT_MAX) const;
+
+    // Would the query give all objects? Takes no time.
+    bool RBPTIsWhole(const CZelAtom *key, EZelOper op) const;
 
     // Appends the objects whose key lies between two bounds, each inclusive or not, in key order. Bounds that are
     // null or can't be ordered against each other hold nothing between them. Gives how many were appended.

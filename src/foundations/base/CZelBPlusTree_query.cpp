@@ -70,7 +70,7 @@ CZelBag *CZelBPlusTree::RBPTComputeQueryOp(const CZelAtom *key, EZelOper op) con
     return nullptr;
 }
 
-int CZelBPlusTree::RBPTCountQuery(const CZelAtom *key, EZelOper op) const {
+int CZelBPlusTree::RBPTCountQuery(const CZelAtom *key, EZelOper op, int enough) const {
     const CZelBTreeNode *entry = op > E_RONotEqual ? nullptr : RBPTGetNodeForKey(key);
     int equal = entry == nullptr ? 0 : static_cast<int>(entry->RBTNCount());
     if (op == E_ROEqual)
@@ -78,7 +78,14 @@ int CZelBPlusTree::RBPTCountQuery(const CZelAtom *key, EZelOper op) const {
     if (op == E_RONotEqual)
         return RBPTLength() - equal;
     Stretch stretch = answer(key, op).first;
-    return static_cast<int>(CZelKeyTree::RKTCount(stretch.from, stretch.to));
+    return static_cast<int>(CZelKeyTree::RKTCount(stretch.from, stretch.to, static_cast<std::size_t>(enough)));
+}
+
+bool CZelBPlusTree::RBPTIsWhole(const CZelAtom *key, EZelOper op) const {
+    if (op == E_ROEqual || op == E_RONotEqual)
+        return RBPTCountQuery(key, op) == RBPTLength();
+    const Stretch stretch = answer(key, op).first;
+    return stretch.from == m_tree.RKTFirst() && stretch.to == CZelKeyTree::RKTEnd();
 }
 
 int CZelBPlusTree::RBPTAppendBetween(const CZelAtom &low, bool withLow, const CZelAtom &high, bool withHigh,

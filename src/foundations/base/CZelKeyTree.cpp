@@ -161,9 +161,9 @@ void CZelKeyTree::RKTAppend(Place from, Place to, CZelBag &bag) {
         from.entry().RBTNAppendTo(bag);
 }
 
-std::size_t CZelKeyTree::RKTCount(Place from, Place to) {
+std::size_t CZelKeyTree::RKTCount(Place from, Place to, std::size_t enough) {
     std::size_t count = 0;
-    for (; from != to; from.next())
+    for (; from != to && count < enough; from.next())
         count += from.entry().RBTNCount();
     return count;
 }

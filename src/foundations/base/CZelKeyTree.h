@@ -59,9 +59,9 @@ public:
     Place RKTStartOfType(const CZelAtom &key) const;
     Place RKTEndOfType(const CZelAtom &key) const;
 
-    // All objects of the entries in [from, to): appended to a bag, or counted.
+    // All objects of the entries in [from, to): appended to a bag, or counted until there are enough.
     static void RKTAppend(Place from, Place to, CZelBag &bag);
-    static std::size_t RKTCount(Place from, Place to);
+    static std::size_t RKTCount(Place from, Place to, std::size_t enough);
 
     // The entry of a key, made for `object` alone when there was none.
     Place RKTAdd(const CZelAtom &key, void *object, bool *isNew);

@@ -1,6 +1,8 @@
 // An ordered list of bindings, which it owns: the body of an object atom and of a record.
 #pragma once
 
+#include <cstdint>
+
 #include "foundations/base/CZelPool.h"
 #include "foundations/base/CZelVarBind.h"
 
@@ -29,10 +31,15 @@ public:
 
     // Asks the memory for the first bindings at once: made together, they mostly follow each other.
     void RVBLPrefetch() const {
-        constexpr int CACHE_LINE = 64;
-        const char *first = reinterpret_cast<const char *>(m_head);
-        for (int line = 0; line < 4; ++line)
-            __builtin_prefetch(first + line * CACHE_LINE);
+        constexpr std::uintptr_t CACHE_LINE = 64;
+        const auto first = reinterpret_cast<std::uintptr_t>(m_head);
+        for (std::uintptr_t line = 0; line < 4; ++line)
+            __builtin_prefetch(reinterpret_cast<const void *>(first + line * CACHE_LINE));
+    }
+    // And for what lies behind their values.
+    void RVBLPrefetchValues() const {
+        for (const CZelVarBind *binding = m_head; binding != nullptr; binding = binding->m_next)
+            binding->m_value.RAPrefetch();
     }
 
     int RVBLRemove(const CZelVarBind *binding);  // unlinks and deletes; 1 or E_RCNotFound
