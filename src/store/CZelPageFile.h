@@ -15,13 +15,16 @@
 // Failures are reported here, with path or errno as told, and given back as codes. Not thread-safe.
 #pragma once
 
+#include <cstddef>
 #include <deque>
 #include <string>
+#include <vector>
 
 #include "foundations/base/ZelEnums.h"
 #include "foundations/port/ZelExport.h"
 #include "foundations/port/ZelFile.h"
 
+class CZelPageMap;
 class CZelROMPWrapper;
 
 // Pages of a file by what they are used for.
@@ -75,24 +78,53 @@ public:
     bool isOpen() const { return m_file != ZEL_NO_FILE; }
     const SZelPageCounts &counts() const { return m_counts; }
 
-    // Called with each page and what it is used for, in the order of the file; `path` is only read, under no lock.
-    // 1, or E_RCOpenFailed, E_RCMalformed (size), reported.
-    enum Use { CHAIN_START, CHAIN_PAGE, FREE, OUT_OF_USE, DAMAGED };
-    class QUINTOR_API Inspector {
-    public:
-        virtual ~Inspector();
-        virtual void inspect(long position, Use use, const CZelROMPWrapper &page) = 0;
-    };
-    static int inspectFile(const char *path, Inspector &inspector);
+    // Adds every page of a file to the map and settles it. The file is only read, under no lock. *owner: the id of the
+    // process that has it open, or 0. 1; E_RCOpenFailed, E_RCMalformed (its size is no multiple of 512), reported.
+    static int inspect(const char *path, CZelPageMap &map, long *owner);
 
 private:
+    struct Window;
+
+    // Opening, growing, closing.
+    int openOwned(const char *path);
+    int refuse(const char *path, int code, long owner) const;
+    int moveAside();
+    int prepareToWrite();
+    int reserve(std::size_t pages);
+
+    // Recovery.
+    int mapPages(CZelPageMap &map);
+    void takeChains(CZelPageMap &map, Reader &reader);
+    bool takeChain(const CZelPageMap &map, Window &window, long start, Reader &reader);
+    void takeFreePages(const CZelPageMap &map);
+
+    // Chains.
+    void layOut(const unsigned char *encoding, int length, long replaced, unsigned long long replacedStamp);
+    int lookUpFormer(long start, std::vector<long> &former, unsigned long long &stamp);
+    int writePages(const std::vector<long> &chain, std::size_t from, std::size_t to);
+    int writeChain();
+    void undo();
+    int follow(long start);  // fills m_chain and m_bytes with the positions and bytes of a chain that is whole
+    int followOn(const CZelROMPWrapper &first);
+    int broken() const;
+    int empty(const std::vector<long> &chain);
+    int emptyPending();
+    int sync();
+    int failSync();
+    int fail(int code, const char *what) const;
+
     ZelFileHandle m_file = ZEL_NO_FILE;
     std::string m_path;
     SZelPageCounts m_counts;
-    EZelSyncPolicy m_policy = E_SPOff;  // the process's at opening
-    bool m_isForeign = false;           // not readable: to be moved aside before the first write
-    bool m_hasFailedSync = false;       // nothing is written any more
-    long m_pages = 0;                   // the file's, handed out or not
-    unsigned long long m_stamp = 0;     // the last one given
-    std::deque<long> m_free;            // positions, in the order in which they are given out
+    EZelSyncPolicy m_policy = E_SPOff;         // the process's at opening
+    bool m_isKept = true;                      // is anything to be found again?
+    bool m_isForeign = false;                  // not readable: to be moved aside before the first write
+    bool m_formerMayReturn = false;            // a replaced chain has been emptied since the last sync
+    bool m_hasFailedSync = false;              // nothing is written any more
+    long m_pageCount = 0;                      // of the file, handed out or not
+    unsigned long long m_stamp = 0;            // the last one given
+    std::deque<long> m_free;                   // positions, in the order in which they are given out
+    std::vector<std::vector<long>> m_pending;  // chains that don't count any more and could not be emptied yet
+    std::vector<long> m_chain;                 // positions of the chain at hand
+    std::vector<unsigned char> m_bytes;        // its pages, one after the other
 };

@@ -30,6 +30,7 @@ public:
     // Wraps as much of the encoding from `offset` on as fits; the bytes are copied.
     CZelROMPWrapper(const unsigned char *encoding, int totalLength, int offset);
     explicit CZelROMPWrapper(const unsigned char *page);  // copies a page that was read
+    CZelListable *RLTargetDeepCopy(const CZelListable *source) const override;
 
     Condition RRWCondition() const { return m_condition; }
 

@@ -110,6 +110,13 @@ int CZelFileSystem::Truncate(ZelFileHandle handle, long size) {
     return ftruncate(handle, size);
 }
 
+int CZelFileSystem::Reserve(ZelFileHandle handle, long offset, long count) {
+    const int failure = posix_fallocate(handle, offset, count);
+    if (failure != 0)
+        errno = failure;
+    return failure == 0 ? 0 : -1;
+}
+
 int CZelFileSystem::Lock(ZelFileHandle handle, long *owner) {
     struct flock lock = oneByte(LOCK_PLACE);
     if (fcntl(handle, F_OFD_SETLK, &lock) != 0) {
@@ -193,9 +200,21 @@ int ZelFileTruncate(ZelFileHandle handle, long size) {
     return files().Truncate(handle, size) == 0 ? 1 : -1;
 }
 
+int ZelFileReserve(ZelFileHandle handle, long offset, long count) {
+    int result = 0;
+    do {
+        result = files().Reserve(handle, offset, count);
+    } while (result != 0 && errno == EINTR);
+    return result == 0 ? 1 : -1;
+}
+
 int ZelFileLock(ZelFileHandle handle, long *owner) {
     *owner = 0;
     return files().Lock(handle, owner) == 0 ? 1 : -1;
+}
+
+long ZelFileOwner(ZelFileHandle handle) {
+    return ownerOf(handle);
 }
 
 int ZelFileRename(const char *from, const char *to) {

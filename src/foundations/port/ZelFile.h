@@ -33,6 +33,7 @@ public:
     virtual int Sync(ZelFileHandle handle);  // 0 or -1, like all that follow
     virtual int Close(ZelFileHandle handle);
     virtual int Truncate(ZelFileHandle handle, long size);
+    virtual int Reserve(ZelFileHandle handle, long offset, long count);
     virtual int Lock(ZelFileHandle handle, long *owner);
     virtual int Rename(const char *from, const char *to);
     virtual int SyncFolder(const char *path);
@@ -59,12 +60,18 @@ QUINTOR_API int ZelGetOpenFileSize(ZelFileHandle handle, unsigned int &size);
 QUINTOR_API int ZelFileSync(ZelFileHandle handle);                 // data and size to the disk; 1 or -1
 QUINTOR_API int ZelFileClose(ZelFileHandle handle);                // the handle is gone in any case; 1 or -1
 QUINTOR_API int ZelFileTruncate(ZelFileHandle handle, long size);  // 1 or -1
-QUINTOR_API int ZelFileRename(const char *from, const char *to);   // replaces nothing: EEXIST; 1 or -1
-QUINTOR_API int ZelFileSyncFolder(const char *path);               // its entries to the disk; 1 or -1
+// Makes the file at least offset + count long and sees to it that the disk has room for these bytes, zeros where there
+// was nothing. 1 or -1; after a failure the file may have become longer.
+QUINTOR_API int ZelFileReserve(ZelFileHandle handle, long offset, long count);
+QUINTOR_API int ZelFileRename(const char *from, const char *to);  // replaces nothing: EEXIST; 1 or -1
+QUINTOR_API int ZelFileSyncFolder(const char *path);              // its entries to the disk; 1 or -1
 
 // The advisory lock of a whole open file, held until the handle is closed; it keeps out other processes and other
 // handles of this one. 1; or -1 with EAGAIN while somebody else holds it, and *owner is that process's id or 0.
 QUINTOR_API int ZelFileLock(ZelFileHandle handle, long *owner);
+
+// The process that holds the lock of the file, or 0; asked of the system itself.
+QUINTOR_API long ZelFileOwner(ZelFileHandle handle);
 
 // How much of what a cache writes is forced to the disk. Any kill of the process is survived by each; they differ
 // in what a power cut can take.

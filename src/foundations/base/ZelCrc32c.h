@@ -1,0 +1,14 @@
+// CRC32C, the checksum with Castagnoli's polynomial (RFC 3720, appendix B.4), of a run of bytes.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "foundations/port/ZelExport.h"
+
+// Uses the processor's instruction where it has one.
+QUINTOR_API std::uint32_t ZelCrc32c(const void *bytes, std::size_t length);
+
+// The same by tables alone, eight bytes at a time (Kounavis and Berry, "Novel Table Lookup-Based Algorithms for
+// High-Performance CRC Generation", 2008).
+QUINTOR_API std::uint32_t ZelCrc32cByTable(const void *bytes, std::size_t length);

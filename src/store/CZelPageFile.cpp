@@ -1,0 +1,175 @@
+// Opening, growing and closing.
+#include "store/CZelPageFile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include "foundations/base/CZelROMPWrapper.h"
+#include "foundations/base/CZelString.h"
+#include "foundations/port/CZelError.h"
+#include "foundations/port/CZelFileDescriptor.h"
+
+namespace {
+
+constexpr int PAGE = CZelROMPWrapper::PAGE_BYTES;
+constexpr int OPEN_FLAGS = ZEL_FILE_READ | ZEL_FILE_WRITE | ZEL_FILE_CREATE | ZEL_FILE_NO_LINK;
+constexpr int OWNER_ONLY = ZEL_FILE_OWNER_READ | ZEL_FILE_OWNER_WRITE;
+constexpr int MOST_ASIDE = 1000;  // unreadable files of one table
+
+// Opens a file, once more after making room for handles where there were none left.
+ZelFileHandle openFile(const char *path, int flags) {
+    ZelFileHandle file = ZelFileOpen(path, flags, OWNER_ONLY);
+    if (file == ZEL_NO_FILE && CZelFileDescriptor::RFDIsUnavailable(errno) &&
+        CZelFileDescriptor::RFDMakeAvailable() == E_FDOk)
+        file = ZelFileOpen(path, flags, OWNER_ONLY);
+    return file;
+}
+
+}  // namespace
+
+CZelPageFile::Reader::~Reader() = default;
+
+CZelPageFile::~CZelPageFile() {
+    close();
+}
+
+int CZelPageFile::open(const char *path, bool keep) {
+    if (path == nullptr || isOpen())
+        return ZEL_FAIL(E_RCBadArgument, "CZelPageFile::open: no path, or open already");
+    const int status = openOwned(path);
+    if (status != 1)
+        return status;
+    m_path = path;
+    m_policy = keep ? ZelGetSyncPolicy() : E_SPOff;
+    m_isKept = keep;
+    if (m_policy != E_SPOff && ZelFileSyncFolder(m_path.substr(0, m_path.rfind('/') + 1).c_str()) != 1)
+        (void)failSync();
+    if (!keep && ZelFileTruncate(m_file, 0) != 1) {
+        refuse(path, E_RCOpenFailed, 0);
+        ZelFileClose(m_file);
+        m_file = ZEL_NO_FILE;
+        return E_RCOpenFailed;
+    }
+    return 1;
+}
+
+// Nothing is changed in a file before the lock is held.
+int CZelPageFile::openOwned(const char *path) {
+    m_file = openFile(path, OPEN_FLAGS);
+    if (m_file == ZEL_NO_FILE)
+        return refuse(path, E_RCOpenFailed, 0);
+    long owner = 0;
+    if (ZelFileLock(m_file, &owner) == 1)
+        return 1;
+    const int status = refuse(path, E_RCOpenFailed, errno == EAGAIN ? std::max(owner, 1L) : 0);
+    ZelFileClose(m_file);
+    m_file = ZEL_NO_FILE;
+    return status;
+}
+
+// Owner: 0 when it isn't another process that stands in the way.
+int CZelPageFile::refuse(const char *path, int code, long owner) const {
+    CZelString text(path);
+    text.RSStrCat(' ');
+    if (owner == 0) {
+        text.RSStrCat(std::strerror(errno));
+    } else {
+        text.RSStrCat("is in use by process ");
+        text.RSStrCat(std::to_string(owner).c_str());
+    }
+    return ZEL_FAIL(code, text.RSString());
+}
+
+int CZelPageFile::fail(int code, const char *what) const {
+    const int reason = errno;
+    CZelString text(m_path.c_str());
+    text.RSStrCat(": ");
+    text.RSStrCat(what);
+    if (reason != 0) {
+        text.RSStrCat(": ");
+        text.RSStrCat(std::strerror(reason));
+    }
+    return ZEL_FAIL(code, text.RSString());
+}
+
+int CZelPageFile::close() {
+    if (!isOpen())
+        return 1;
+    emptyPending();
+    const bool synced = !m_isKept || m_isForeign || ZelFileSync(m_file) == 1;
+    errno = synced ? 0 : errno;
+    const bool closed = ZelFileClose(m_file) == 1;
+    m_file = ZEL_NO_FILE;
+    return synced && closed ? 1 : fail(E_RCCacheClose, "the cache file could not be closed in order");
+}
+
+// A file that can't be read in goes out of the way, whole, under a name that is no cache file's: a cache file's name
+// has no further part behind the domain.
+int CZelPageFile::moveAside() {
+    std::string aside;
+    int status = -1;
+    for (int number = 1; status != 1 && number <= MOST_ASIDE; ++number) {
+        aside = m_path + ".unreadable." + std::to_string(number);
+        status = ZelFileRename(m_path.c_str(), aside.c_str());
+        if (status != 1 && errno != EEXIST)
+            break;
+    }
+    if (status != 1)
+        return fail(E_RCPageWrite, "the unreadable cache file can't be moved aside");
+    const ZelFileHandle unreadable = m_file;
+    status = openOwned(m_path.c_str());
+    ZelFileClose(unreadable);
+    if (status != 1)
+        return E_RCPageWrite;
+    m_isForeign = false;
+    ZEL_REPORT(E_RCMalformed, ("The unreadable cache file was moved to " + aside).c_str());
+    return 1;
+}
+
+// What every change asks first.
+int CZelPageFile::prepareToWrite() {
+    errno = 0;
+    if (!isOpen())
+        return fail(E_RCPageWrite, "the cache file is not open");
+    if (m_hasFailedSync)
+        return fail(E_RCPageWrite, "nothing is written after a failed sync");
+    if (m_isForeign && moveAside() != 1)
+        return E_RCPageWrite;
+    return emptyPending();
+}
+
+// Takes positions into m_chain. The file grows when there are too few.
+int CZelPageFile::reserve(std::size_t pages) {
+    while (m_free.size() < pages) {
+        const long count = std::min(PAGES_AT_ONCE, PAGES_AT_MOST - m_pageCount);
+        errno = 0;
+        if (count <= 0)
+            return fail(E_RCNoHandle, "no file position is left");
+        if (ZelFileReserve(m_file, m_pageCount * PAGE, count * PAGE) != 1) {
+            const int status = fail(E_RCPageWrite, "no room for more pages");
+            (void)ZelFileTruncate(m_file, m_pageCount * PAGE);
+            return status;
+        }
+        for (long page = m_pageCount; page < m_pageCount + count; ++page)
+            m_free.push_back(page * PAGE);
+        m_pageCount += count;
+        m_counts.m_free += count;
+    }
+    m_chain.assign(m_free.begin(), m_free.begin() + static_cast<std::ptrdiff_t>(pages));
+    m_free.erase(m_free.begin(), m_free.begin() + static_cast<std::ptrdiff_t>(pages));
+    m_counts.m_free -= static_cast<long>(pages);
+    return 1;
+}
+
+int CZelPageFile::sync() {
+    if (ZelFileSync(m_file) != 1)
+        return failSync();
+    m_formerMayReturn = false;
+    return 1;
+}
+
+int CZelPageFile::failSync() {
+    m_hasFailedSync = true;
+    return fail(E_RCPageWrite, "the cache file could not be synced; nothing more is written to it");
+}

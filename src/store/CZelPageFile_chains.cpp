@@ -1,0 +1,219 @@
+// Chains: writing, reading, emptying.
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+#include "foundations/base/CZelROMPWrapper.h"
+#include "foundations/base/ZelMalloc.h"
+#include "foundations/port/CZelError.h"
+#include "store/CZelPageFile.h"
+
+namespace {
+
+constexpr int PAGE = CZelROMPWrapper::PAGE_BYTES;
+constexpr int SLICE = CZelROMPWrapper::SLICE_BYTES;
+
+std::size_t pagesFor(int length) {
+    return static_cast<std::size_t>((length + SLICE - 1) / SLICE);
+}
+
+}  // namespace
+
+int CZelPageFile::write(const unsigned char *encoding, int length, long replaced, long *start) {
+    if (encoding == nullptr || length <= 0 || start == nullptr)
+        return ZEL_FAIL(E_RCBadArgument, "CZelPageFile::write: nothing to write");
+    std::vector<long> former;
+    unsigned long long formerStamp = 0;
+    int status = prepareToWrite();
+    if (status == 1 && replaced != NO_POSITION)
+        status = lookUpFormer(replaced, former, formerStamp);
+    if (status == 1)
+        status = reserve(pagesFor(length));
+    if (status != 1)
+        return status;
+    layOut(encoding, length, former.empty() ? NO_POSITION : replaced, formerStamp);
+    status = writeChain();
+    if (status == 1 && (m_policy == E_SPFull || (m_policy == E_SPUpdate && !former.empty())))
+        status = sync();
+    if (status != 1) {
+        undo();
+        return status;
+    }
+    m_counts.m_used += static_cast<long>(m_chain.size());
+    *start = m_chain.front();
+    if (m_policy != E_SPOff && !former.empty())
+        m_formerMayReturn = true;
+    if (!former.empty() && empty(former) != 1)
+        m_pending.push_back(std::move(former));
+    return 1;
+}
+
+// The chain that is to be replaced. One that is broken by now is left where it is, and nothing is replaced.
+int CZelPageFile::lookUpFormer(long start, std::vector<long> &former, unsigned long long &stamp) {
+    const int status = follow(start);
+    if (status == 1) {
+        former = m_chain;
+        stamp = CZelROMPWrapper(m_bytes.data()).RRWGetStamp();
+    }
+    return status == E_RCBadValue ? 1 : status;
+}
+
+// The pages of m_chain in m_bytes.
+void CZelPageFile::layOut(const unsigned char *encoding, int length, long replaced, unsigned long long replacedStamp) {
+    ++m_stamp;
+    m_bytes.resize(m_chain.size() * PAGE);
+    for (std::size_t i = 0; i < m_chain.size(); ++i) {
+        CZelROMPWrapper page(encoding, length, static_cast<int>(i) * SLICE);
+        page.RRWSetStamp(m_stamp);
+        if (i + 1 < m_chain.size())
+            page.RRWSetNextPkt(m_chain[i + 1]);
+        if (i == 0) {
+            page.RRWSetIsFirstPkt(E_RBTrue);
+            page.RRWSetReplaced(replaced, replacedStamp);
+        }
+        std::memcpy(m_bytes.data() + i * PAGE, page.RRWGetData(), PAGE);
+    }
+}
+
+// The chain counts once its first page stands, so that one comes last and by itself.
+int CZelPageFile::writeChain() {
+    std::size_t end = m_chain.size();
+    while (end > 1) {
+        std::size_t from = end - 1;
+        while (from > 1 && m_chain[from - 1] == m_chain[from] - PAGE)
+            --from;
+        if (writePages(m_chain, from, end) != 1)
+            return E_RCPageWrite;
+        end = from;
+    }
+    return writePages(m_chain, 0, 1);
+}
+
+// Requires: the positions of pages [from, to) of the chain follow each other. Their bytes lie in m_bytes.
+int CZelPageFile::writePages(const std::vector<long> &chain, std::size_t from, std::size_t to) {
+    const auto count = static_cast<unsigned int>((to - from) * PAGE);
+    errno = 0;
+    const long done = ZelFilePWrite(m_file, m_bytes.data() + from * PAGE, count, chain[from]);
+    if (done == static_cast<long>(count))
+        return 1;
+    return fail(E_RCPageWrite, "a page was not written whole");
+}
+
+// Takes back what has been written of the chain in m_chain. A first page that may stand and can't be emptied now is
+// emptied before anything else is written.
+void CZelPageFile::undo() {
+    m_counts.m_used += static_cast<long>(m_chain.size());
+    if (empty(m_chain) != 1)
+        m_pending.push_back(m_chain);
+}
+
+// While a power cut could bring back what a chain has replaced, the chain itself must stand: it is what tells that the
+// other one is dead.
+int CZelPageFile::release(long start) {
+    int status = prepareToWrite();
+    if (status == 1 && m_formerMayReturn)
+        status = sync();
+    if (status == 1)
+        status = follow(start);
+    if (status == 1)
+        status = empty(m_chain);
+    if (status == 1 && m_policy == E_SPFull)
+        status = sync();
+    return status;
+}
+
+// Empties a chain, first page first: from that page on it doesn't count. Its other pages are only put in order, and
+// those that can't be are used again all the same.
+int CZelPageFile::empty(const std::vector<long> &chain) {
+    m_bytes.assign(chain.size() * PAGE, 0);
+    if (writePages(chain, 0, 1) != 1)
+        return E_RCPageWrite;
+    for (std::size_t from = 1, to = 1; from < chain.size(); from = to) {
+        for (to = from + 1; to < chain.size() && chain[to] == chain[to - 1] + PAGE;)
+            ++to;
+        (void)writePages(chain, from, to);
+    }
+    m_free.insert(m_free.end(), chain.begin(), chain.end());
+    m_counts.m_free += static_cast<long>(chain.size());
+    m_counts.m_used -= static_cast<long>(chain.size());
+    return 1;
+}
+
+// What can't be emptied yet is reported each time: nothing can be written in the meantime.
+int CZelPageFile::emptyPending() {
+    while (!m_pending.empty()) {
+        if (empty(m_pending.back()) != 1)
+            return E_RCPageWrite;
+        m_pending.pop_back();
+    }
+    return 1;
+}
+
+int CZelPageFile::read(long start, unsigned char **encoding, int *length) {
+    *encoding = nullptr;
+    *length = 0;
+    const int status = follow(start);
+    if (status != 1)
+        return status;
+    const int total = CZelROMPWrapper(m_bytes.data()).RRWGetTotalLen();
+    auto *block = static_cast<unsigned char *>(ZelMalloc(static_cast<std::size_t>(total)));
+    for (std::size_t i = 0; i < m_chain.size(); ++i) {
+        const CZelROMPWrapper page(m_bytes.data() + i * PAGE);
+        std::memcpy(block + *length, page.RRWGetROMPData(), static_cast<std::size_t>(page.RRWGetDataLen()));
+        *length += page.RRWGetDataLen();
+    }
+    *encoding = block;
+    return 1;
+}
+
+// The pages behind the first mostly follow it, so they are read with one call and checked one by one; one that lies
+// elsewhere is read by itself.
+int CZelPageFile::follow(long start) {
+    if (!isOpen() || start < 0 || start % PAGE != 0 || start / PAGE >= m_pageCount)
+        return ZEL_FAIL(E_RCBadArgument, "CZelPageFile: no position of this file");
+    m_chain.assign(1, start);
+    m_bytes.resize(PAGE);
+    if (ZelFilePRead(m_file, m_bytes.data(), PAGE, start) != PAGE)
+        return fail(E_RCPageRead, "a page could not be read whole");
+    const CZelROMPWrapper first(m_bytes.data());
+    const int total = first.RRWGetTotalLen();
+    if (first.RRWGetIsFirstPkt() != E_RBTrue || pagesFor(total) > static_cast<std::size_t>(m_pageCount))
+        return broken();
+    if (first.RRWGetDataLen() == total)
+        return first.RRWGetNextPkt() == CZelROMPWrapper::LAST_PAGE ? 1 : broken();
+    return followOn(first);
+}
+
+// The pages behind the first one.
+int CZelPageFile::followOn(const CZelROMPWrapper &first) {
+    const std::size_t count = pagesFor(first.RRWGetTotalLen());
+    m_bytes.resize(count * PAGE);
+    const long behind = m_chain.front() + PAGE;
+    const long guessed =
+        first.RRWGetNextPkt() != behind
+            ? 0
+            : ZelFilePRead(m_file, m_bytes.data() + PAGE, static_cast<unsigned int>((count - 1) * PAGE), behind) / PAGE;
+    long length = first.RRWGetDataLen();
+    long position = first.RRWGetNextPkt();
+    for (std::size_t i = 1; i < count; ++i) {
+        unsigned char *bytes = m_bytes.data() + i * PAGE;
+        const bool isThere = static_cast<long>(i) <= guessed && position == behind + static_cast<long>(i - 1) * PAGE;
+        if (position / PAGE >= m_pageCount)
+            return broken();
+        if (!isThere && ZelFilePRead(m_file, bytes, PAGE, position) != PAGE)
+            return fail(E_RCPageRead, "a page could not be read whole");
+        const CZelROMPWrapper page(bytes);
+        if (page.RRWCondition() != CZelROMPWrapper::SOUND || page.RRWGetIsFirstPkt() == E_RBTrue ||
+            page.RRWGetStamp() != first.RRWGetStamp() || page.RRWGetTotalLen() != first.RRWGetTotalLen())
+            return broken();
+        m_chain.push_back(position);
+        length += page.RRWGetDataLen();
+        position = page.RRWGetNextPkt();
+    }
+    return length == first.RRWGetTotalLen() && position == CZelROMPWrapper::LAST_PAGE ? 1 : broken();
+}
+
+int CZelPageFile::broken() const {
+    return ZEL_FAIL(E_RCBadValue, "Incompatibility in cache file please make new cache file");
+}

@@ -1,0 +1,141 @@
+// What a file holds at the start, and what it holds for who inspects it.
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <vector>
+
+#include "foundations/base/CZelROMPWrapper.h"
+#include "foundations/port/CZelError.h"
+#include "foundations/port/ZelDebug.h"
+#include "store/CZelPageFile.h"
+#include "store/CZelPageMap.h"
+
+namespace {
+
+constexpr int PAGE = CZelROMPWrapper::PAGE_BYTES;
+constexpr unsigned int BLOCK = 1048576;
+
+// Adds all pages of an open file. 1, or E_RCPageRead with nothing reported.
+int mapAll(ZelFileHandle file, long pages, CZelPageMap &map) {
+    std::vector<unsigned char> block(BLOCK);
+    for (long position = 0; position < pages * PAGE; position += BLOCK) {
+        const long wanted = std::min<long>(BLOCK, pages * PAGE - position);
+        if (ZelFilePRead(file, block.data(), static_cast<unsigned int>(wanted), position) != wanted)
+            return E_RCPageRead;
+        for (long offset = 0; offset < wanted; offset += PAGE)
+            map.add(CZelROMPWrapper(block.data() + offset));
+    }
+    map.settle();
+    return 1;
+}
+
+std::vector<long> positionsOf(const CZelPageMap &map, long start) {
+    std::vector<long> positions;
+    for (long page = start; page >= 0; page = map.next(page))
+        positions.push_back(page * PAGE);
+    return positions;
+}
+
+}  // namespace
+
+// A part of the file in memory, the one that was asked for last.
+struct CZelPageFile::Window {
+    ZelFileHandle file;
+    long size;  // of the file
+    long start = 0;
+    long length = 0;
+    std::vector<unsigned char> bytes = std::vector<unsigned char>(BLOCK);
+    std::vector<unsigned char> single = std::vector<unsigned char>(PAGE);
+
+    // The page, or null when it can't be read. Moves on to the first page of a chain that lies behind, never back.
+    const unsigned char *page(long position, bool isFirst) {
+        if (isFirst && position >= start + length && !load(position))
+            return nullptr;
+        if (position >= start && position < start + length)
+            return bytes.data() + (position - start);
+        return ZelFilePRead(file, single.data(), PAGE, position) == PAGE ? single.data() : nullptr;
+    }
+    bool load(long position) {
+        const long wanted = std::min<long>(BLOCK, size - position);
+        start = position;
+        length = ZelFilePRead(file, bytes.data(), static_cast<unsigned int>(wanted), position);
+        return length == wanted;
+    }
+};
+
+int CZelPageFile::readAll(Reader &reader) {
+    CZelPageMap map;
+    if (mapPages(map) != 1)
+        return E_RCOpenFailed;
+    takeChains(map, reader);
+    m_counts.m_used =
+        map.count(CZelPageMap::CHAIN_START) + map.count(CZelPageMap::CHAIN_PAGE) + map.count(CZelPageMap::REPLACED);
+    m_counts.m_damaged = map.count(CZelPageMap::DAMAGED);
+    m_counts.m_outOfUse = m_counts.m_damaged + map.count(CZelPageMap::OUT_OF_USE);
+    takeFreePages(map);
+    for (const long start : map.replaced())
+        m_pending.push_back(positionsOf(map, start));
+    (void)emptyPending();
+    return 1;
+}
+
+int CZelPageFile::mapPages(CZelPageMap &map) {
+    unsigned int size = 0;
+    if (!isOpen() || ZelGetOpenFileSize(m_file, size) != 1)
+        return refuse(m_path.c_str(), E_RCOpenFailed, 0);
+    if (size % PAGE != 0 || size / PAGE > PAGES_AT_MOST) {
+        m_isForeign = true;
+        if (__Zeltronix_Debug_Level >= 1)
+            std::printf("Cache file has been corrupted, and cannot be read in.\n");
+        return E_RCMalformed;
+    }
+    m_pageCount = size / PAGE;
+    if (mapAll(m_file, m_pageCount, map) != 1) {
+        m_isForeign = true;
+        return refuse(m_path.c_str(), E_RCOpenFailed, 0);
+    }
+    m_stamp = map.highestStamp();
+    return 1;
+}
+
+void CZelPageFile::takeChains(CZelPageMap &map, Reader &reader) {
+    Window window{m_file, m_pageCount * PAGE};
+    for (const long start : map.starts())
+        if (!takeChain(map, window, start, reader))
+            map.setUse(start, CZelPageMap::OUT_OF_USE);
+}
+
+bool CZelPageFile::takeChain(const CZelPageMap &map, Window &window, long start, Reader &reader) {
+    m_bytes.clear();
+    for (long number = start; number >= 0; number = map.next(number)) {
+        const unsigned char *bytes = window.page(number * PAGE, number == start);
+        if (bytes == nullptr)
+            return false;
+        const CZelROMPWrapper page(bytes);
+        m_bytes.insert(m_bytes.end(), page.RRWGetROMPData(), page.RRWGetROMPData() + page.RRWGetDataLen());
+    }
+    return static_cast<int>(m_bytes.size()) == map.total(start) &&
+           reader.takeChain(start * PAGE, m_bytes.data(), static_cast<int>(m_bytes.size()));
+}
+
+void CZelPageFile::takeFreePages(const CZelPageMap &map) {
+    for (long page = 0; page < map.length(); ++page)
+        if (map.use(page) == CZelPageMap::FREE)
+            m_free.push_back(page * PAGE);
+    m_counts.m_free = static_cast<long>(m_free.size());
+}
+
+int CZelPageFile::inspect(const char *path, CZelPageMap &map, long *owner) {
+    CZelPageFile file;
+    file.m_isKept = false;
+    *owner = 0;
+    file.m_file = ZelFileOpen(path, ZEL_FILE_READ, 0);
+    if (!file.isOpen())
+        return file.refuse(path, E_RCOpenFailed, 0);
+    file.m_path = path;
+    *owner = ZelFileOwner(file.m_file);
+    const int status = file.mapPages(map);
+    return status == E_RCMalformed ? ZEL_FAIL(status, (file.m_path + ": the size is no multiple of 512").c_str())
+                                   : status;
+}

@@ -1,0 +1,114 @@
+#include "store/CZelPageMap.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "foundations/base/CZelROMPWrapper.h"
+
+namespace {
+
+constexpr std::uint32_t NO_PAGE = UINT32_MAX;
+
+std::uint32_t pageAt(long position) {
+    return position == CZelROMPWrapper::LAST_PAGE ? NO_PAGE
+                                                  : static_cast<std::uint32_t>(position / CZelROMPWrapper::PAGE_BYTES);
+}
+
+}  // namespace
+
+void CZelPageMap::add(const CZelROMPWrapper &wrapper) {
+    Page page;
+    if (wrapper.RRWCondition() == CZelROMPWrapper::EMPTY) {
+        page.use = FREE;
+    } else if (wrapper.RRWCondition() == CZelROMPWrapper::SOUND) {
+        page.use = OUT_OF_USE;  // until a chain claims it
+        page.stamp = wrapper.RRWGetStamp();
+        page.next = pageAt(wrapper.RRWGetNextPkt());
+        page.total = static_cast<std::uint32_t>(wrapper.RRWGetTotalLen());
+        page.length = static_cast<std::uint16_t>(wrapper.RRWGetDataLen());
+        page.isFirst = wrapper.RRWGetIsFirstPkt() == E_RBTrue;
+        m_highestStamp = std::max<std::uint64_t>(m_highestStamp, page.stamp);
+    }
+    if (page.isFirst) {
+        m_firsts.push_back(length());
+        if (wrapper.RRWGetReplaced() >= 0 && wrapper.RRWGetReplacedStamp() < page.stamp)
+            m_notes.push_back(
+                {length(), wrapper.RRWGetReplaced() / CZelROMPWrapper::PAGE_BYTES, wrapper.RRWGetReplacedStamp()});
+    }
+    m_pages.push_back(page);
+}
+
+void CZelPageMap::settle() {
+    for (const long start : m_firsts)
+        if (walk(start))
+            m_starts.push_back(start);
+    dropDoubles();
+    dropReplaced();
+}
+
+// Is the chain whole? A page that a walk has passed is out of reach for every other: it belongs to that chain or to
+// none.
+bool CZelPageMap::walk(long start) {
+    const Page &first = m_pages[static_cast<std::size_t>(start)];
+    std::uint64_t length = 0;
+    auto number = static_cast<std::uint32_t>(start);
+    while (number != NO_PAGE) {
+        if (number >= m_pages.size())
+            return false;
+        Page &page = m_pages[number];
+        const bool belongs = page.use == OUT_OF_USE && !page.isWalked && page.stamp == first.stamp &&
+                             page.total == first.total && page.isFirst == (number == start);
+        if (!belongs)
+            return false;
+        page.isWalked = true;
+        length += page.length;
+        number = page.next;
+    }
+    if (length != first.total)
+        return false;
+    setUse(start, CHAIN_START);
+    return true;
+}
+
+long CZelPageMap::next(long page) const {
+    const std::uint32_t number = m_pages[static_cast<std::size_t>(page)].next;
+    return number == NO_PAGE ? -1 : static_cast<long>(number);
+}
+
+void CZelPageMap::setUse(long start, Use use) {
+    m_pages[static_cast<std::size_t>(start)].use = use;
+    for (long page = next(start); page >= 0; page = next(page))
+        m_pages[static_cast<std::size_t>(page)].use = use == CHAIN_START ? CHAIN_PAGE : use;
+}
+
+// Each chain has a stamp of its own. A second one with the same is a copy that damage has made.
+void CZelPageMap::dropDoubles() {
+    std::unordered_set<std::uint64_t> stamps;
+    stamps.reserve(m_starts.size());
+    std::erase_if(m_starts, [&](long start) {
+        if (stamps.insert(m_pages[static_cast<std::size_t>(start)].stamp).second)
+            return false;
+        setUse(start, OUT_OF_USE);
+        return true;
+    });
+}
+
+// A note counts while its own chain is whole, be that one replaced too. Notes point to older stamps, so there is no
+// circle.
+void CZelPageMap::dropReplaced() {
+    for (const Note &note : m_notes) {
+        const Use bearer = use(note.start);
+        const bool isWhole = bearer == CHAIN_START || bearer == REPLACED;
+        if (!isWhole || note.replaced >= length() || use(note.replaced) != CHAIN_START ||
+            m_pages[static_cast<std::size_t>(note.replaced)].stamp != note.stamp)
+            continue;
+        setUse(note.replaced, REPLACED);
+        m_replaced.push_back(note.replaced);
+    }
+    std::erase_if(m_starts, [this](long start) { return use(start) == REPLACED; });
+    std::sort(m_replaced.begin(), m_replaced.end());
+}
+
+long CZelPageMap::count(Use wanted) const {
+    return std::count_if(m_pages.begin(), m_pages.end(), [wanted](const Page &page) { return page.use == wanted; });
+}
