@@ -1,14 +1,94 @@
-// The rows of a cached table, part of them in memory and the rest in a paged file.
+// The rows of a cached table: some of them in memory, the rest in a paged file, within a limit of bytes or of a
+// share. A persistent cache has every row in its file at all times and finds it there at the next start.
 //
-// Only the interface that tables hold on to: until the cache is built, making one reports and fails, so every
-// table is a plain table.
+// A row is known by its handle, a long atom that lives as long as the row and belongs to the cache. Handles are new
+// at each start. The size of a row is the length of its encoding.
+//
+// Threads: none of its own lock, and reads change it: the table's lock is held as writer around every call. A record
+// that belongs to the cache is valid until the next call.
 #pragma once
 
 #include "foundations/base/ZelEnums.h"
 #include "foundations/port/ZelExport.h"
+#include "store/CZelPageFile.h"
+
+class CZelAtom;
+class CZelCachedRecord;
+class CZelDoubleList;
+class CZelHashList;
+class CZelRecord;
+class CZelStack;
+class CZelTreeList;
+
+enum EZelRecordCacheType : int {
+    E_RCTNotCreated = 1,
+    E_RCTBySize = 2,
+    E_RCTByProportion = 3,
+    E_RCTAllInCore = 4,
+    E_RCTAllOnDisk = 5
+};
+
+// What a cache uses, for who watches it.
+struct SZelCacheUse {
+    EZelRecordCacheType m_type = E_RCTNotCreated;
+    __boolean m_persistent = E_RBFalse;
+    long m_rows = 0;
+    unsigned long long m_bytes = 0;        // of all rows
+    unsigned long long m_inCoreBytes = 0;  // of the rows in memory
+    SZelPageCounts m_pages;                // zeros without a file
+};
 
 class QUINTOR_API CZelRecordCache {
 public:
-    CZelRecordCache() = delete;
-    ~CZelRecordCache() = default;
+    CZelRecordCache();
+    CZelRecordCache(const CZelRecordCache &) = delete;
+    CZelRecordCache &operator=(const CZelRecordCache &) = delete;
+    ~CZelRecordCache();  // closes the file, and deletes it if it is marked
+
+    // Opens the file `name` in the location and, if persistent, reads it. A share of 1 keeps all in memory, of 0 (and
+    // no bytes) all on disk. 1; E_RCBadArgument when it has been created before or has no name or location;
+    // E_RCOpenFailed; E_RCMalformed for a file that can't be read in: the cache then exists and is empty. After any
+    // other failure it exists and can't write. All reported.
+    int RRCCreateByPropn(const char *name, float proportion, __boolean persistent);
+    int RRCCreateBySize(const char *name, unsigned long long bytes, __boolean persistent);
+
+    // `copy`: the record stays the caller's and the cache makes one of its own. Otherwise the cache takes it over,
+    // on failure too. 1; E_RCPageWrite, E_RCNoHandle: nothing is stored, and an updated row keeps what it had.
+    int RRCCacheRecord(CZelRecord *record, CZelAtom **handle, __boolean copy);
+    int RRCUpdateRecord(CZelRecord *record, CZelAtom *handle, __boolean copy);  // the handle stays
+    // 1, also for a handle that is not known; the handle is the cache's again and may be given out anew.
+    int RRCDeleteRecord(CZelAtom *handle);
+
+    // A copy, the caller's; null for an unknown handle, and for one that can't be read (reported).
+    CZelRecord *RRCRetrieveRecord(CZelAtom *handle);
+    // In: does the caller want a record of its own? Out: does it own what it got?
+    CZelRecord *RRCRetrieveRecord(CZelAtom *handle, bool &copy);
+    CZelAtom *RRCRetrieveROMP(CZelAtom *handle);  // a new data atom; counts as no access
+
+    CZelDoubleList *RRCHandleIterator();  // of CZelPointer to handle atoms, in order; null before creation
+    int RRCLength() const;                // rows
+    __boolean RRCInitialisedFromDisk() const { return m_initialisedFromDisk; }
+    SZelCacheUse RRCUse() const;
+
+    void RRCDeleteCacheFile() { m_deleteFile = E_RBTrue; }  // when the cache is destroyed
+    static void RRCDeleteCacheFile(const char *path);       // now; a file that is not there is no failure
+    void RRCSetFileLocation(const char *folder);            // with its trailing separator; copied
+    const char *RRCGetFileLocation() const { return m_location; }
+
+private:
+    EZelRecordCacheType m_type = E_RCTNotCreated;
+    __boolean m_persistent = E_RBFalse;
+    char *m_name = nullptr;      // of the file; from malloc
+    char *m_location = nullptr;  // from malloc
+    CZelPageFile m_file;
+    float m_proportion = 1.0F;
+    unsigned long long m_byteLimit = 0;
+    unsigned long long m_totalBytes = 0;
+    unsigned long long m_inCoreBytes = 0;
+    long long m_nextHandle = 0;
+    CZelStack *m_handles = nullptr;        // atoms ready to be given out, owned
+    CZelTreeList *m_handleList = nullptr;  // handle -> the same; owns the atoms
+    CZelHashList *m_records = nullptr;     // number of the handle -> CZelCachedRecord*, owned
+    __boolean m_initialisedFromDisk = E_RBFalse;
+    __boolean m_deleteFile = E_RBFalse;
 };

@@ -1,0 +1,66 @@
+// One row's entry in a record cache: where the row is now, and how recently it was used.
+#pragma once
+
+#include "foundations/base/CZelPool.h"
+#include "foundations/base/ZelEnums.h"
+#include "foundations/port/ZelExport.h"
+
+class CZelDoubleList;
+class CZelRecord;
+
+enum EZelCachedRecordType : int {
+    E_CRTUninitialised = 1,
+    E_CRTInCore = 2,
+    E_CRTOnDisk = 3,
+    E_CRTPersistent = 4  // has a chain in the file from the start and always; in memory too or not
+};
+
+class QUINTOR_API CZelCachedRecord {
+public:
+    ZEL_POOLED
+
+    // `copy` here and below: holds a copy; otherwise takes the record over.
+    CZelCachedRecord(CZelRecord *record, __boolean copy, __boolean persistent);
+    CZelCachedRecord(long position, __boolean persistent);
+    CZelCachedRecord(const CZelCachedRecord &) = delete;
+    CZelCachedRecord &operator=(const CZelCachedRecord &) = delete;
+    ~CZelCachedRecord();
+
+    void RCRSetOnDisk(long position);                       // drops the record
+    void RCRSetInCore(CZelRecord *record, __boolean copy);  // forgets the position
+    void RCRSetPersistant(CZelRecord *record, __boolean copy, long position);
+    void RCRSetPersistant(CZelRecord *record, __boolean copy);
+    void RCRSetPersistant(long position);
+    void RCRSetPersistant();  // drops the record; without a position E_RCBadArgument is reported
+
+    __boolean RCRIsRecordOnDisk() const;
+    __boolean RCRIsRecordInCore() const;
+    void RCRRecordAccess();  // of a held record: one more access, now
+
+    CZelRecord *RCRGetRecord() const { return m_record; }
+    CZelRecord *RCRGetCopiedRecord() const;  // new; null when none is held
+    CZelDoubleList *RCRWrapRecord() const;   // its encoding as new CZelROMPWrapper; null for none
+
+    EZelCachedRecordType RCRGetRecordType() const { return m_type; }
+    long RCRGetRefCount() const { return m_refCount; }
+    long RCRGetLastAccess() const { return m_lastAccess; }  // seconds
+    long RCRGetStartPos() const { return m_startPos; }      // -1: no chain
+
+    // Bytes of the record's encoding, kept by the cache; and the order in which records came.
+    int RCRSize() const { return m_size; }
+    void RCRSetSize(int bytes) { m_size = bytes; }
+    unsigned long long RCRArrival() const { return m_arrival; }
+    void RCRSetArrival(unsigned long long arrival) { m_arrival = arrival; }
+
+private:
+    void RCRSetType(EZelCachedRecordType type);  // a persistent record stays one
+    void hold(CZelRecord *record, __boolean copy);
+
+    EZelCachedRecordType m_type = E_CRTUninitialised;
+    int m_size = 0;
+    long m_refCount = -1;
+    long m_lastAccess = -1;
+    CZelRecord *m_record = nullptr;
+    long m_startPos = -1;
+    unsigned long long m_arrival = 0;
+};
