@@ -52,6 +52,15 @@ public:
     unsigned long long RCRArrival() const { return m_arrival; }
     void RCRSetArrival(unsigned long long arrival) { m_arrival = arrival; }
 
+    // Where it stands among the records in memory; CZelEvictionHeap's.
+    static constexpr unsigned int NO_PLACE = 0xFFFFFFFFU;
+    unsigned int RCRHeapPlace() const { return m_heapPlace; }
+    void RCRSetHeapPlace(unsigned int place) { m_heapPlace = place; }
+
+    // What gives the seconds, for tests; null for the system's time. Set while no cache is at work.
+    using Clock = long (*)();
+    static void RCRSetClock(Clock clock);
+
 private:
     void RCRSetType(EZelCachedRecordType type);  // a persistent record stays one
     void hold(CZelRecord *record, __boolean copy);
@@ -63,4 +72,5 @@ private:
     CZelRecord *m_record = nullptr;
     long m_startPos = -1;
     unsigned long long m_arrival = 0;
+    unsigned int m_heapPlace = NO_PLACE;
 };

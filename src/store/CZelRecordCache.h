@@ -8,17 +8,19 @@
 // that belongs to the cache is valid until the next call.
 #pragma once
 
+#include <string>
+
 #include "foundations/base/ZelEnums.h"
 #include "foundations/port/ZelExport.h"
+#include "store/CZelEvictionHeap.h"
+#include "store/CZelHandleTable.h"
 #include "store/CZelPageFile.h"
 
 class CZelAtom;
 class CZelCachedRecord;
 class CZelDoubleList;
-class CZelHashList;
+class CZelROMPer;
 class CZelRecord;
-class CZelStack;
-class CZelTreeList;
 
 enum EZelRecordCacheType : int {
     E_RCTNotCreated = 1,
@@ -40,7 +42,7 @@ struct SZelCacheUse {
 
 class QUINTOR_API CZelRecordCache {
 public:
-    CZelRecordCache();
+    explicit CZelRecordCache(long rowsAtMost = CZelHandleTable::AT_MOST);
     CZelRecordCache(const CZelRecordCache &) = delete;
     CZelRecordCache &operator=(const CZelRecordCache &) = delete;
     ~CZelRecordCache();  // closes the file, and deletes it if it is marked
@@ -53,10 +55,12 @@ public:
     int RRCCreateBySize(const char *name, unsigned long long bytes, __boolean persistent);
 
     // `copy`: the record stays the caller's and the cache makes one of its own. Otherwise the cache takes it over,
-    // on failure too. 1; E_RCPageWrite, E_RCNoHandle: nothing is stored, and an updated row keeps what it had.
+    // on failure too. 1; E_RCPageWrite, E_RCNoHandle: nothing is stored, and an updated row keeps what it had. The
+    // same for a record with a value that can't be packed (E_RCBadValue) and for an unknown handle (E_RCBadArgument).
     int RRCCacheRecord(CZelRecord *record, CZelAtom **handle, __boolean copy);
     int RRCUpdateRecord(CZelRecord *record, CZelAtom *handle, __boolean copy);  // the handle stays
     // 1, also for a handle that is not known; the handle is the cache's again and may be given out anew.
+    // E_RCPageRead, E_RCPageWrite: the row could not be taken out of the file, and stays.
     int RRCDeleteRecord(CZelAtom *handle);
 
     // A copy, the caller's; null for an unknown handle, and for one that can't be read (reported).
@@ -66,7 +70,7 @@ public:
     CZelAtom *RRCRetrieveROMP(CZelAtom *handle);  // a new data atom; counts as no access
 
     CZelDoubleList *RRCHandleIterator();  // of CZelPointer to handle atoms, in order; null before creation
-    int RRCLength() const;                // rows
+    int RRCLength() const { return m_handles.length(); }  // rows
     __boolean RRCInitialisedFromDisk() const { return m_initialisedFromDisk; }
     SZelCacheUse RRCUse() const;
 
@@ -76,6 +80,34 @@ public:
     const char *RRCGetFileLocation() const { return m_location; }
 
 private:
+    class FileReader;
+
+    int create(const char *name, __boolean persistent);
+    void setProportion(float proportion);
+    void setBytes(unsigned long long bytes);
+    void setName(const char *name);
+    std::string path() const;
+    int openFile();
+    int readFile();
+
+    bool isBounded() const { return m_type == E_RCTBySize || m_type == E_RCTByProportion; }
+    bool writesThrough() const { return m_type == E_RCTAllOnDisk || m_persistent == E_RBTrue; }
+    CZelCachedRecord *entryOf(const CZelAtom *handle, int code) const;
+    int pack(const CZelRecord *record, CZelROMPer &packet) const;
+    int prepare(CZelROMPer &packet, long replaced, long *start);
+    CZelCachedRecord *newEntry(CZelRecord *record, __boolean copy, long start, int size);
+    void enter(CZelCachedRecord &entry);
+    void leave(CZelCachedRecord &entry);
+
+    CZelRecord *readFromDisk(const CZelCachedRecord &entry);
+    CZelRecord *fetch(CZelCachedRecord &entry, bool &copy);
+    void bringIn(CZelCachedRecord &entry, CZelRecord *record, bool copy);
+    void touch(CZelCachedRecord &entry);
+
+    bool needsRoom(unsigned long long size) const;
+    int makeRoom(unsigned long long size);
+    int evict(CZelCachedRecord &entry);
+
     EZelRecordCacheType m_type = E_RCTNotCreated;
     __boolean m_persistent = E_RBFalse;
     char *m_name = nullptr;      // of the file; from malloc
@@ -85,10 +117,9 @@ private:
     unsigned long long m_byteLimit = 0;
     unsigned long long m_totalBytes = 0;
     unsigned long long m_inCoreBytes = 0;
-    long long m_nextHandle = 0;
-    CZelStack *m_handles = nullptr;        // atoms ready to be given out, owned
-    CZelTreeList *m_handleList = nullptr;  // handle -> the same; owns the atoms
-    CZelHashList *m_records = nullptr;     // number of the handle -> CZelCachedRecord*, owned
+    CZelHandleTable m_handles;          // and the entries
+    CZelEvictionHeap m_inCore;          // entries in memory, of a cache that evicts
+    unsigned long long m_arrivals = 0;  // counted, so that entries know their order
     __boolean m_initialisedFromDisk = E_RBFalse;
     __boolean m_deleteFile = E_RBFalse;
 };

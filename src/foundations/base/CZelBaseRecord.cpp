@@ -106,15 +106,21 @@ void CZelBaseRecord::ROMEncode(unsigned char **data, int *length) const {
         return;
     }
     CZelROMPer packet(CZelROMPer::INITIAL_SIZE);
+    static_cast<void>(ROMEncode(packet));
+    *length = packet.RRCreatedLength();
+    *data = packet.RRTakePacket();
+}
+
+int CZelBaseRecord::ROMEncode(CZelROMPer &packet) const {
+    int result = E_RCOk;
     for (const CZelVarBind *pair = m_values.RVBLHead(); pair != nullptr; pair = m_values.RVBLGetNext(pair)) {
         int status = packet.RRAddAttrVal(&pair->RVBName(), pair->RVBValue());
         if (status != E_RCOk)
-            ZEL_REPORT(status, "CZelBaseRecord::ROMEncode can't pack a value.");
+            result = ZEL_FAIL(status, "CZelBaseRecord::ROMEncode can't pack a value.");
     }
     if (packet.RRCreatedLength() == 0)
         packet.RRAddPad();
-    *length = packet.RRCreatedLength();
-    *data = packet.RRTakePacket();
+    return result;
 }
 
 void CZelBaseRecord::RRPrint() const {

@@ -8,6 +8,7 @@
 #include "foundations/base/CZelVBList.h"
 
 class CZelAtomVector;
+class CZelROMPer;
 class CZelStack;
 
 class QUINTOR_API CZelBaseRecord : public CZelListable {
@@ -59,6 +60,8 @@ public:
 
     // All values in the packed form; *data comes from malloc and is the caller's.
     void ROMEncode(unsigned char **data, int *length) const;
+    // The same into a builder that is empty. 1, or the code of the last value that is missing in it, reported.
+    int ROMEncode(CZelROMPer &packet) const;
 
     void RRPrint() const;  // to standard output, "name=value" and a line feed for each pair
 

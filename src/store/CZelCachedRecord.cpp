@@ -1,0 +1,119 @@
+#include "store/CZelCachedRecord.h"
+
+#include <ctime>
+
+#include "foundations/base/CZelDoubleList.h"
+#include "foundations/base/CZelROMPWrapper.h"
+#include "foundations/base/CZelROMPer.h"
+#include "foundations/base/CZelRecord.h"
+#include "foundations/port/CZelError.h"
+
+namespace {
+
+long systemTime() {
+    return static_cast<long>(std::time(nullptr));
+}
+
+CZelCachedRecord::Clock presentTime = systemTime;
+
+}  // namespace
+
+CZelCachedRecord::CZelCachedRecord(CZelRecord *record, __boolean copy, __boolean persistent)
+    : m_type(persistent == E_RBTrue ? E_CRTPersistent : E_CRTInCore) {
+    hold(record, copy);
+}
+
+CZelCachedRecord::CZelCachedRecord(long position, __boolean persistent)
+    : m_type(persistent == E_RBTrue ? E_CRTPersistent : E_CRTOnDisk), m_startPos(position) {}
+
+CZelCachedRecord::~CZelCachedRecord() {
+    delete m_record;
+}
+
+void CZelCachedRecord::RCRSetClock(Clock clock) {
+    presentTime = clock != nullptr ? clock : systemTime;
+}
+
+void CZelCachedRecord::RCRSetType(EZelCachedRecordType type) {
+    if (m_type != E_CRTPersistent)
+        m_type = type;
+}
+
+void CZelCachedRecord::hold(CZelRecord *record, __boolean copy) {
+    CZelRecord *held = copy == E_RBTrue && record != nullptr ? new CZelRecord(*record) : record;
+    if (held != m_record)
+        delete m_record;
+    m_record = held;
+}
+
+void CZelCachedRecord::RCRSetOnDisk(long position) {
+    hold(nullptr, E_RBFalse);
+    RCRSetType(E_CRTOnDisk);
+    m_refCount = m_lastAccess = -1;
+    m_startPos = position;
+}
+
+void CZelCachedRecord::RCRSetInCore(CZelRecord *record, __boolean copy) {
+    hold(record, copy);
+    RCRSetType(E_CRTInCore);
+    m_refCount = m_lastAccess = 0;
+    m_startPos = -1;
+}
+
+void CZelCachedRecord::RCRSetPersistant(CZelRecord *record, __boolean copy, long position) {
+    hold(record, copy);
+    RCRSetPersistant(position);
+}
+
+void CZelCachedRecord::RCRSetPersistant(CZelRecord *record, __boolean copy) {
+    hold(record, copy);
+}
+
+void CZelCachedRecord::RCRSetPersistant(long position) {
+    m_type = E_CRTPersistent;
+    m_refCount = m_lastAccess = 0;
+    m_startPos = position;
+}
+
+void CZelCachedRecord::RCRSetPersistant() {
+    hold(nullptr, E_RBFalse);
+    m_refCount = m_lastAccess = -1;
+    if (m_startPos == -1)
+        ZEL_REPORT(E_RCBadArgument, "CZelCachedRecord::RCRSetPersistant: the record has no place in the file");
+}
+
+__boolean CZelCachedRecord::RCRIsRecordOnDisk() const {
+    return ZelBool(m_type == E_CRTPersistent ? m_startPos >= 0 : m_type == E_CRTOnDisk);
+}
+
+__boolean CZelCachedRecord::RCRIsRecordInCore() const {
+    return ZelBool(m_type == E_CRTPersistent ? m_record != nullptr : m_type == E_CRTInCore);
+}
+
+void CZelCachedRecord::RCRRecordAccess() {
+    if (m_record == nullptr)
+        return;
+    ++m_refCount;
+    m_lastAccess = presentTime();
+}
+
+CZelRecord *CZelCachedRecord::RCRGetCopiedRecord() const {
+    return m_record != nullptr ? new CZelRecord(*m_record) : nullptr;
+}
+
+CZelDoubleList *CZelCachedRecord::RCRWrapRecord() const {
+    if (m_record == nullptr)
+        return nullptr;
+    CZelROMPer packet(CZelROMPer::INITIAL_SIZE);
+    static_cast<void>(m_record->ROMEncode(packet));  // reports what it can't pack
+    const unsigned char *encoding = packet.RRPacket();
+    const int length = packet.RRCreatedLength();
+    CZelDoubleList *pages = new CZelDoubleList;
+    for (int offset = 0; offset < length;) {
+        CZelROMPWrapper *page = new CZelROMPWrapper(encoding, length, offset);
+        page->RRWSetIsFirstPkt(ZelBool(offset == 0));
+        pages->RDLAddToListEnd(page);
+        offset += page->RRWGetDataLen();
+    }
+    return pages;
+}

@@ -1,0 +1,160 @@
+#include "store/CZelRecordCache.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <memory>
+
+#include "foundations/base/CZelEnv.h"
+#include "foundations/base/CZelRecord.h"
+#include "foundations/base/CZelString.h"
+#include "foundations/base/ZelMalloc.h"
+#include "foundations/port/CZelError.h"
+#include "store/CZelCachedRecord.h"
+
+namespace {
+
+constexpr const char *FOLDER = "/var/solvantis/";
+
+char *defaultLocation() {
+    const char *home = CZelEnv().REHome();
+    if (home == nullptr)
+        return nullptr;
+    CZelString folder(home);
+    folder.RSStrCat(FOLDER);
+    return folder.RSTakeString();
+}
+
+}  // namespace
+
+// Makes an entry of each chain that is found at start.
+class CZelRecordCache::FileReader : public CZelPageFile::Reader {
+public:
+    explicit FileReader(CZelRecordCache &cache) : m_cache(cache) {}
+
+    bool takeChain(long start, const unsigned char *encoding, int length) override {
+        auto record = std::make_unique<CZelRecord>();
+        if (record->ROMDecode(encoding, length) != E_RCOk)
+            return false;
+        CZelAtom *handle = m_cache.m_handles.take();
+        if (handle == nullptr) {
+            m_status = E_RCNoHandle;
+            return false;
+        }
+        const bool isKept = m_cache.m_type == E_RCTAllInCore;
+        CZelCachedRecord *entry = m_cache.newEntry(isKept ? record.release() : nullptr, E_RBFalse, start, length);
+        m_cache.m_handles.add(handle, entry);
+        m_cache.enter(*entry);
+        m_cache.m_initialisedFromDisk = E_RBTrue;
+        return true;
+    }
+    int status() const { return m_status; }
+
+private:
+    CZelRecordCache &m_cache;
+    int m_status = E_RCOk;
+};
+
+CZelRecordCache::CZelRecordCache(long rowsAtMost) : m_location(defaultLocation()), m_handles(rowsAtMost) {}
+
+// The file goes while it is still locked, so that no other process finds it in between. One that was never opened
+// may be another's.
+CZelRecordCache::~CZelRecordCache() {
+    if (m_deleteFile == E_RBTrue && m_file.isOpen())
+        RRCDeleteCacheFile(path().c_str());
+    static_cast<void>(m_file.close());  // reports
+    std::free(m_name);
+    std::free(m_location);
+}
+
+int CZelRecordCache::RRCCreateByPropn(const char *name, float proportion, __boolean persistent) {
+    if (m_type != E_RCTNotCreated)
+        return ZEL_FAIL(E_RCBadArgument, "CZelRecordCache::RRCCreateByPropn: the cache has been created before");
+    setProportion(proportion);
+    return create(name, persistent);
+}
+
+int CZelRecordCache::RRCCreateBySize(const char *name, unsigned long long bytes, __boolean persistent) {
+    if (m_type != E_RCTNotCreated)
+        return ZEL_FAIL(E_RCBadArgument, "CZelRecordCache::RRCCreateBySize: the cache has been created before");
+    m_byteLimit = bytes;
+    m_type = bytes != 0 ? E_RCTBySize : E_RCTAllOnDisk;
+    return create(name, persistent);
+}
+
+void CZelRecordCache::setProportion(float proportion) {
+    const bool isShare = proportion >= 0 && proportion <= 1;  // not of NaN
+    if (!isShare)
+        ZEL_REPORT(E_RCBadValue, "Invalid cache size - no cache will be used");
+    m_proportion = isShare ? proportion : 0;
+    if (m_proportion > 0)
+        m_type = m_proportion < 1 ? E_RCTByProportion : E_RCTAllInCore;
+    else
+        m_type = E_RCTAllOnDisk;
+}
+
+int CZelRecordCache::create(const char *name, __boolean persistent) {
+    setName(name);
+    m_persistent = persistent;
+    if (m_type == E_RCTAllInCore && m_persistent != E_RBTrue)
+        return E_RCOk;
+    const int status = openFile();
+    return status == E_RCOk && m_persistent == E_RBTrue ? readFile() : status;
+}
+
+void CZelRecordCache::setName(const char *name) {
+    if (name == nullptr)
+        ZEL_REPORT(E_RCBadArgument, "CZelRecordCache::RRCSetName: a cache needs a name");
+    std::free(m_name);
+    m_name = ZelStrDup(name);
+}
+
+void CZelRecordCache::RRCSetFileLocation(const char *folder) {
+    char *location = ZelStrDup(folder);
+    std::free(m_location);
+    m_location = location;
+}
+
+std::string CZelRecordCache::path() const {
+    return std::string(m_location) + m_name;
+}
+
+int CZelRecordCache::openFile() {
+    if (m_name == nullptr || m_location == nullptr)
+        return ZEL_FAIL(E_RCBadArgument, "CZelRecordCache::RRCOpenCacheFile: no name or no location");
+    return m_file.open(path().c_str(), m_persistent == E_RBTrue);
+}
+
+int CZelRecordCache::readFile() {
+    FileReader reader(*this);
+    const int status = m_file.readAll(reader);
+    if (status == E_RCOpenFailed)
+        return ZEL_FAIL(E_RCMalformed,
+                        "The cache file maybe be corrupt.\n"
+                        "Should be corrected by removing cache file or replacing with a valid cache.\n");
+    return status != E_RCOk ? status : reader.status();
+}
+
+SZelCacheUse CZelRecordCache::RRCUse() const {
+    return {m_type, m_persistent, RRCLength(), m_totalBytes, m_inCoreBytes, m_file.counts()};
+}
+
+CZelDoubleList *CZelRecordCache::RRCHandleIterator() {
+    return m_type != E_RCTNotCreated ? m_handles.inOrder() : nullptr;
+}
+
+void CZelRecordCache::RRCDeleteCacheFile(const char *path) {
+    if (path == nullptr) {
+        ZEL_REPORT(E_RCNull, "Attempt to delete NULL cache file name ");
+        return;
+    }
+    if (::unlink(path) == 0 || errno == ENOENT)
+        return;
+    CZelString text("Could not unlink cache file ");
+    text.RSStrCat(path);
+    text.RSStrCat(" : ");
+    text.RSStrCat(std::strerror(errno));
+    text.RSStrCat('\n');
+    ZEL_REPORT(E_RCBadValue, text.RSString());
+}

@@ -1,0 +1,137 @@
+// Storing, replacing and removing rows, and the accounts of what is stored.
+
+#include <memory>
+
+#include "foundations/base/CZelAtom.h"
+#include "foundations/base/CZelROMPer.h"
+#include "foundations/base/CZelRecord.h"
+#include "foundations/port/CZelError.h"
+#include "store/CZelCachedRecord.h"
+#include "store/CZelRecordCache.h"
+
+namespace {
+
+// A record that was handed over, until an entry has it. One to be copied stays its owner's.
+std::unique_ptr<CZelRecord> handedOver(CZelRecord *record, __boolean copy) {
+    return std::unique_ptr<CZelRecord>(copy == E_RBTrue ? nullptr : record);
+}
+
+}  // namespace
+
+int CZelRecordCache::RRCCacheRecord(CZelRecord *record, CZelAtom **handle, __boolean copy) {
+    std::unique_ptr<CZelRecord> owned = handedOver(record, copy);
+    CZelROMPer packet(CZelROMPer::INITIAL_SIZE);
+    int status = pack(record, packet);
+    if (status != E_RCOk)
+        return status;
+    CZelAtom *taken = m_handles.take();
+    if (taken == nullptr)
+        return E_RCNoHandle;
+    long start = CZelPageFile::NO_POSITION;
+    status = prepare(packet, CZelPageFile::NO_POSITION, &start);
+    if (status != E_RCOk) {
+        m_handles.giveBack(taken);
+        return status;
+    }
+    static_cast<void>(owned.release());
+    CZelCachedRecord *entry = newEntry(record, copy, start, packet.RRCreatedLength());
+    m_handles.add(taken, entry);
+    enter(*entry);
+    *handle = taken;
+    return E_RCOk;
+}
+
+// The old row leaves the accounts first, so that it is neither counted nor evicted while room is made for the new
+// one; it is put back if that fails.
+int CZelRecordCache::RRCUpdateRecord(CZelRecord *record, CZelAtom *handle, __boolean copy) {
+    std::unique_ptr<CZelRecord> owned = handedOver(record, copy);
+    CZelCachedRecord *former = entryOf(handle, E_RCBadArgument);
+    if (former == nullptr)
+        return ZEL_FAIL(E_RCBadArgument, "CZelRecordCache::RRCUpdateRecord: no row has this handle");
+    CZelROMPer packet(CZelROMPer::INITIAL_SIZE);
+    int status = pack(record, packet);
+    if (status != E_RCOk)
+        return status;
+    leave(*former);
+    const long place = former->RCRGetStartPos();
+    long start = CZelPageFile::NO_POSITION;
+    status = prepare(packet, place, &start);
+    if (status != E_RCOk) {
+        enter(*former);
+        return status;
+    }
+    if (!writesThrough() && place != CZelPageFile::NO_POSITION)
+        static_cast<void>(m_file.release(place));  // reports; pages of a file that nobody reads back may get lost
+    static_cast<void>(owned.release());
+    CZelCachedRecord *entry = newEntry(record, copy, start, packet.RRCreatedLength());
+    m_handles.replace(handle, entry);
+    enter(*entry);
+    return E_RCOk;
+}
+
+int CZelRecordCache::RRCDeleteRecord(CZelAtom *handle) {
+    if (handle == nullptr || handle->RAType() != E_RDTLong)
+        return ZEL_FAIL(E_RCBadArgument, "CZelRecordCache::RRCDeleteRecord: no handle");
+    CZelCachedRecord *entry = m_handles.find(*handle);
+    if (entry == nullptr)
+        return E_RCOk;
+    if (entry->RCRGetStartPos() != CZelPageFile::NO_POSITION) {
+        const int status = m_file.release(entry->RCRGetStartPos());
+        if (status != E_RCOk)
+            return status;
+    }
+    leave(*entry);
+    m_handles.remove(*handle);
+    return E_RCOk;
+}
+
+int CZelRecordCache::pack(const CZelRecord *record, CZelROMPer &packet) const {
+    if (record == nullptr || m_type == E_RCTNotCreated)
+        return ZEL_FAIL(E_RCBadArgument, "CZelRecordCache: no record, or the cache has not been created");
+    return record->ROMEncode(packet);
+}
+
+// Room in memory and, where the cache writes through, the new chain: all of a store that can fail.
+int CZelRecordCache::prepare(CZelROMPer &packet, long replaced, long *start) {
+    const int size = packet.RRCreatedLength();
+    const int status = makeRoom(static_cast<unsigned long long>(size));
+    if (status != E_RCOk || !writesThrough())
+        return status;
+    return m_file.write(packet.RRPacket(), size, replaced, start);
+}
+
+// Without a record, or where none is kept, the entry says only where the row lies.
+CZelCachedRecord *CZelRecordCache::newEntry(CZelRecord *record, __boolean copy, long start, int size) {
+    CZelCachedRecord *entry;
+    if (record == nullptr || m_type == E_RCTAllOnDisk) {
+        entry = new CZelCachedRecord(start, m_persistent);
+        if (copy != E_RBTrue)
+            delete record;
+    } else {
+        entry = new CZelCachedRecord(record, copy, m_persistent);
+        if (m_persistent == E_RBTrue)
+            entry->RCRSetPersistant(start);
+    }
+    entry->RCRSetSize(size);
+    entry->RCRSetArrival(++m_arrivals);
+    return entry;
+}
+
+void CZelRecordCache::enter(CZelCachedRecord &entry) {
+    const unsigned long long size = static_cast<unsigned long long>(entry.RCRSize());
+    m_totalBytes += size;
+    if (entry.RCRIsRecordInCore() != E_RBTrue)
+        return;
+    m_inCoreBytes += size;
+    if (isBounded())
+        m_inCore.add(&entry);
+}
+
+void CZelRecordCache::leave(CZelCachedRecord &entry) {
+    const unsigned long long size = static_cast<unsigned long long>(entry.RCRSize());
+    m_totalBytes -= size;
+    if (entry.RCRIsRecordInCore() != E_RBTrue)
+        return;
+    m_inCoreBytes -= size;
+    m_inCore.remove(&entry);
+}

@@ -1,0 +1,96 @@
+// Getting rows, from memory or from the file.
+
+#include <memory>
+
+#include "foundations/base/CZelAtom.h"
+#include "foundations/base/CZelROMPer.h"
+#include "foundations/base/CZelRecord.h"
+#include "foundations/port/CZelError.h"
+#include "store/CZelCachedRecord.h"
+#include "store/CZelRecordCache.h"
+
+CZelRecord *CZelRecordCache::RRCRetrieveRecord(CZelAtom *handle) {
+    bool copy = true;
+    return RRCRetrieveRecord(handle, copy);
+}
+
+CZelRecord *CZelRecordCache::RRCRetrieveRecord(CZelAtom *handle, bool &copy) {
+    CZelCachedRecord *entry = entryOf(handle, E_RCBadArgument);
+    if (entry == nullptr)
+        return nullptr;
+    if (entry->RCRIsRecordInCore() != E_RBTrue)
+        return fetch(*entry, copy);
+    touch(*entry);
+    return copy ? entry->RCRGetCopiedRecord() : entry->RCRGetRecord();
+}
+
+// Null for an unknown handle; what is no handle is reported with the code.
+CZelCachedRecord *CZelRecordCache::entryOf(const CZelAtom *handle, int code) const {
+    if (handle != nullptr && handle->RAType() == E_RDTLong)
+        return m_handles.find(*handle);
+    ZEL_REPORT(code, "CZelRecordCache: a row is asked for without its handle");
+    return nullptr;
+}
+
+// Counters only grow, except when the clock is set back.
+void CZelRecordCache::touch(CZelCachedRecord &entry) {
+    if (!isBounded())
+        return;
+    const long former = entry.RCRGetLastAccess();
+    entry.RCRRecordAccess();
+    if (entry.RCRGetLastAccess() < former)
+        m_inCore.leavesEarlier(&entry);
+}
+
+// Room is made before anything of the row changes: if there is none, it stays where it is and is the caller's copy.
+CZelRecord *CZelRecordCache::fetch(CZelCachedRecord &entry, bool &copy) {
+    std::unique_ptr<CZelRecord> record(readFromDisk(entry));
+    if (record == nullptr) {
+        ZEL_REPORT(E_RCBadArgument, "CZelRecordCache::RRCRetrieveRecord: a row can't be read from its file");
+        return nullptr;
+    }
+    const bool isKept =
+        m_type != E_RCTAllOnDisk && makeRoom(static_cast<unsigned long long>(entry.RCRSize())) == E_RCOk;
+    if (isKept)
+        bringIn(entry, record.get(), copy);
+    else
+        copy = true;
+    return record.release();
+}
+
+CZelRecord *CZelRecordCache::readFromDisk(const CZelCachedRecord &entry) {
+    unsigned char *encoding = nullptr;
+    int length = 0;
+    if (m_file.read(entry.RCRGetStartPos(), &encoding, &length) != E_RCOk)
+        return nullptr;
+    auto record = std::make_unique<CZelRecord>();
+    return record->RRConsumeAndDecode(encoding, length) == E_RCOk ? record.release() : nullptr;
+}
+
+// The row is safe in memory before its pages are freed, so a failure of that only costs the pages.
+void CZelRecordCache::bringIn(CZelCachedRecord &entry, CZelRecord *record, bool copy) {
+    const long place = entry.RCRGetStartPos();
+    if (m_persistent == E_RBTrue) {
+        entry.RCRSetPersistant(record, ZelBool(copy));
+    } else {
+        entry.RCRSetInCore(record, ZelBool(copy));
+        static_cast<void>(m_file.release(place));  // reports
+    }
+    m_inCoreBytes += static_cast<unsigned long long>(entry.RCRSize());
+    touch(entry);
+    if (isBounded())
+        m_inCore.add(&entry);
+}
+
+CZelAtom *CZelRecordCache::RRCRetrieveROMP(CZelAtom *handle) {
+    const CZelCachedRecord *entry = entryOf(handle, E_RCNull);
+    if (entry == nullptr)
+        return nullptr;
+    unsigned char *encoding = nullptr;
+    int length = 0;
+    if (entry->RCRIsRecordInCore() == E_RBTrue)
+        entry->RCRGetRecord()->ROMEncode(&encoding, &length);
+    else if (m_file.read(entry->RCRGetStartPos(), &encoding, &length) != E_RCOk)
+        return nullptr;
+    return new CZelAtom(encoding, length);
+}
