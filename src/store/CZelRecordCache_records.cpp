@@ -77,7 +77,7 @@ int CZelRecordCache::RRCDeleteRecord(CZelAtom *handle) {
         return E_RCOk;
     if (entry->RCRGetStartPos() != CZelPageFile::NO_POSITION) {
         const int status = m_file.release(entry->RCRGetStartPos());
-        if (status != E_RCOk)
+        if (status != E_RCOk && status != E_RCBadValue)  // a broken chain does not count at the next start either
             return status;
     }
     leave(*entry);
