@@ -1,10 +1,14 @@
 #include "store/CZelDatabase.h"
 
 #include <cstdio>
+#include <memory>
+#include <string>
 
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelAtomVector.h"
 #include "foundations/base/CZelBag.h"
+#include "foundations/base/CZelDirectory.h"
+#include "foundations/base/CZelEnv.h"
 #include "foundations/base/CZelString.h"
 #include "foundations/base/CZelTreeList.h"
 #include "foundations/base/ZelMalloc.h"
@@ -12,6 +16,7 @@
 #include "foundations/port/ZelDebug.h"
 #include "oql/CZelDbEntity.h"
 #include "oql/CZelExpr.h"
+#include "store/CZelCacheFiles.h"
 #include "store/CZelDbCallback.h"
 #include "store/CZelTable.h"
 
@@ -38,6 +43,18 @@ void deleteCompilables(CZelBag *compilables) {
 
 CZelTable *tableOf(const CZelPointer *node) {
     return static_cast<CZelTable *>(node->RPData());
+}
+
+void reportNoFolder(const char *folder, const char *cacheName, const char *database) {
+    CZelString text("Unable to access directory ");
+    text.RSStrCat(folder);
+    text.RSStrCat(" in order to clear cache files for files matching ");
+    text.RSStrCat(cacheName);
+    text.RSStrCat(".Cache.");
+    text.RSStrCat(database);
+    text.RSStrCat(".*.");
+    text.RSStrCat(CZelEnv::REDomain(nullptr));
+    ZEL_REPORT(E_RCBadValue, text.RSString());
 }
 
 }  // namespace
@@ -206,5 +223,18 @@ void CZelDatabase::RDSetDbCallback(CZelDbCallback *callback) {
 void CZelDatabase::RDClearCache(const char *cacheName, const char *database) {
     if (cacheName == nullptr || database == nullptr)
         return;
-    ZEL_REPORT(E_RCUnsupported, "CZelDatabase::RDClearCache: this build has no record caches");
+    const std::string folder = CZelCacheFiles::folder();
+    if (folder.empty())
+        return;
+    const CZelDirectory directory(folder.c_str());
+    if (directory.RDCheckAccess() != E_DROk) {
+        reportNoFolder(folder.c_str(), cacheName, database);
+        return;
+    }
+    const std::unique_ptr<CZelAtomVector> names(directory.RDGetFileList(nullptr, nullptr, nullptr));
+    for (unsigned int i = 0; i < names->RAVSize(); ++i) {
+        const std::string_view name = names->RAVGetValue(i)->RATextView();
+        if (CZelCacheFiles::isOfDatabase(name, cacheName, database))
+            CZelCacheFiles::remove(folder + std::string(name));
+    }
 }

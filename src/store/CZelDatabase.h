@@ -45,7 +45,8 @@ public:
     CZelDoubleList *RDTables() const;  // a new list of CZelPointer to new CZelDbEntity, the caller's
     void RDSetDbCallback(CZelDbCallback *callback);
 
-    // Removes the cache files of every table of a database.
+    // Removes the cache files of every table of a database in the process's domain, whether a store knows the table
+    // or not; those of live tables stay and are reported.
     static void RDClearCache(const char *cacheName, const char *database);
 
 private:

@@ -1,6 +1,7 @@
 // Roads of an And whose comparisons are answered by index trees. They give the rows that the set algebra would
 // give, in the same order, without a bag of each side: two bounds of one column are one stretch of its tree, and a
-// comparison whose tree holds more rows than are left tests those rows one by one.
+// comparison whose tree holds more rows than are left tests those rows one by one (of a plain table: a cached one would
+// have to fetch them).
 #include <algorithm>
 #include <utility>
 #include <vector>
@@ -88,7 +89,7 @@ bool CZelFilterWalk::answersAsRange(const CZelFilter *node, Answer &answer) cons
 // the order of the longer side. False, with nothing changed, where the algebra itself must do it.
 bool CZelFilterWalk::narrows(const CZelFilter *right, Answer &left) const {
     const int length = left.bag != nullptr ? left.bag->RBLength() : 0;
-    const TreeTest test = length > 0 && !left.all ? treeTestOf(right) : TreeTest();
+    const TreeTest test = length > 0 && !left.all && m_table.m_cache == nullptr ? treeTestOf(right) : TreeTest();
     if (test.tree == nullptr)
         return false;
     const int count = test.tree->RBPTCountQuery(test.value, test.op, std::max(length, FEW));  // the longer one?

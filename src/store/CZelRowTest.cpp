@@ -6,26 +6,75 @@
 #include "foundations/base/CZelBag.h"
 #include "foundations/base/CZelRecord.h"
 #include "store/CZelBoolean.h"
+#include "store/CZelCacheWalk.h"
 
 namespace {
 
-// The rows of a table are the elements of its list; those of a bag stand behind its pointers.
+// The rows of a table are the elements of its list; those of a bag stand behind its pointers. Of a cached table the
+// record is looked at and the handle is what passes.
 struct ListRows {
     const CZelListable *node;
     const CZelDoubleList &list;
     explicit ListRows(const CZelDoubleList &rows) : node(rows.RDLHead()), list(rows) {}
+    bool hasRow() const { return node != nullptr; }
     CZelRecord *row() const { return static_cast<CZelRecord *>(const_cast<CZelListable *>(node)); }
+    void *identity() const { return row(); }
     void advance() { node = list.RDLGetNext(node); }
 };
 
 struct BagRows {
     const CZelPointer *node;
     explicit BagRows(const CZelBag &rows) : node(rows.RBFirst()) {}
+    bool hasRow() const { return node != nullptr; }
     CZelRecord *row() const { return static_cast<CZelRecord *>(node->RPData()); }
+    void *identity() const { return node->RPData(); }
     void advance() { node = CZelBag::RBNext(node); }
 };
 
-constexpr int ROWS_AHEAD = 8;
+struct CachedRows {
+    CZelCacheWalk &walk;
+    bool hasRow() const { return walk.hasRow(); }
+    CZelRecord *row() const { return &walk.record(); }
+    void *identity() const { return walk.handle(); }
+    void advance() { walk.advance(); }
+};
+
+// Where a row's column lies is where it lay in the row before, so the memory can be asked for it some rows ahead.
+template <class Rows>
+class Ahead {
+public:
+    explicit Ahead(const Rows &rows) : m_rows(rows) {
+        for (int i = 0; i < ROWS_AHEAD && m_rows.hasRow(); ++i)
+            m_rows.advance();
+    }
+    void advance() {
+        if (!m_rows.hasRow())
+            return;
+        __builtin_prefetch(reinterpret_cast<const void *>(startOf(*m_rows.row()) + m_place));
+        m_rows.advance();
+    }
+    void learn(const CZelRecord &row, const CZelAtom *value) {
+        m_place = reinterpret_cast<std::uintptr_t>(value) - startOf(row);
+    }
+
+private:
+    static constexpr int ROWS_AHEAD = 8;
+    // The address of the first binding.
+    static std::uintptr_t startOf(const CZelRecord &row) {
+        return reinterpret_cast<std::uintptr_t>(row.RRVbIterator()->RVBLHead());
+    }
+    Rows m_rows;
+    std::uintptr_t m_place = 0;
+};
+
+// A look ahead would change the cache.
+template <>
+class Ahead<CachedRows> {
+public:
+    explicit Ahead(const CachedRows & /*rows*/) {}
+    void advance() {}
+    void learn(const CZelRecord & /*row*/, const CZelAtom * /*value*/) {}
+};
 
 constexpr unsigned int LESS = 1, EQUAL = 2, GREATER = 4;
 
@@ -45,11 +94,6 @@ bool isIn(unsigned int orders, int order) {
 
 bool isText(const CZelAtom &value) {
     return value.RAType() == E_RDTText;
-}
-
-// The address of the first binding.
-std::uintptr_t startOf(const CZelRecord &row) {
-    return reinterpret_cast<std::uintptr_t>(row.RRVbIterator()->RVBLHead());
 }
 
 bool holds(std::string_view text, std::string_view part) {
@@ -114,33 +158,30 @@ void CZelRowTest::select(const CZelBag &rows, CZelBag &passed) const {
     dispatch(BagRows(rows), passed);
 }
 
-// The test gets present values only. Where a row's column lies is where it lay in the row before, so the memory can
-// be asked for it some rows ahead.
+void CZelRowTest::select(CZelCacheWalk &rows, CZelBag &passed) const {
+    dispatch(CachedRows{rows}, passed);
+}
+
+// The test gets present values only.
 template <class Rows, class Test>
 void CZelRowTest::scan(Rows rows, CZelBag &passed, Test test) const {
-    Rows ahead = rows;
-    for (int i = 0; i < ROWS_AHEAD && ahead.node != nullptr; ++i)
+    Ahead<Rows> ahead(rows);
+    for (; rows.hasRow(); rows.advance()) {
         ahead.advance();
-    std::uintptr_t place = 0;
-    for (; rows.node != nullptr; rows.advance()) {
-        CZelRecord *row = rows.row();
-        if (ahead.node != nullptr) {
-            __builtin_prefetch(reinterpret_cast<const void *>(startOf(*ahead.row()) + place));
-            ahead.advance();
-        }
-        const CZelAtom *value = m_column.value(*row);
-        place = reinterpret_cast<std::uintptr_t>(value) - startOf(*row);
+        const CZelRecord &row = *rows.row();
+        const CZelAtom *value = m_column.value(row);
+        ahead.learn(row, value);
         if (CZelAtom::RAIsNull(value) ? m_onNull : test(*value))
-            passed.RBAdd(static_cast<void *>(row));
+            passed.RBAdd(rows.identity());
     }
 }
 
 template <class Rows>
 void CZelRowTest::dispatch(Rows rows, CZelBag &passed) const {
     if (m_column.isWild()) {
-        for (; rows.node != nullptr; rows.advance()) {
+        for (; rows.hasRow(); rows.advance()) {
             if (accepts(*rows.row()))
-                passed.RBAdd(static_cast<void *>(rows.row()));
+                passed.RBAdd(rows.identity());
         }
         return;
     }

@@ -11,6 +11,7 @@
 
 class CZelBag;
 class CZelBoolean;
+class CZelCacheWalk;
 class CZelDoubleList;
 class CZelRecord;
 
@@ -21,9 +22,11 @@ public:
 
     bool accepts(const CZelRecord &row) const;
 
-    // Append the rows that pass, in order: from a list of records, or from a bag of them.
+    // Append the rows that pass, in order: from a list of records, or from a bag of them; or the handles of those
+    // that pass among the rows still before a walk.
     void select(const CZelDoubleList &rows, CZelBag &passed) const;
     void select(const CZelBag &rows, CZelBag &passed) const;
+    void select(CZelCacheWalk &rows, CZelBag &passed) const;
 
 private:
     enum Kind {

@@ -79,6 +79,7 @@ public:
     CZelDoubleList *RSGetTables() const;  // a new list of CZelPointer to new CZelDbEntity, the caller's
 
     // --- rows (CZelStore_rows.cpp); results as the header of CZelTable tells, statuses beside them ---
+    // E_RSEUpdateFailed says for all of them that a cache could not store a row.
 
     int RSInsert(CZelInsert *statement, EZelStoreErrorStatus *status, __boolean takeLock);
     // The record is the store's on result 1 with status E_RSEOk unless a callback refused it; a refused record
@@ -95,7 +96,7 @@ public:
 
     CZelBag *RSQuery(CZelQuery *query, EZelStoreErrorStatus *status, __boolean storeKeepsROMP);         // data atoms
     CZelBag *RSQueryGetRecs(CZelQuery *query, EZelStoreErrorStatus *status, __boolean storeKeepsROMP);  // new records
-    // asROMP: new data atoms; otherwise the stored rows of a plain table, copies of a cached one.
+    // asROMP: new data atoms; otherwise the stored rows of a plain table, copies of a cached one, the caller's.
     CZelBag *RSExecSimpleQuery(CZelQuery *query, EZelStoreErrorStatus *status, __boolean takeLock, __boolean asROMP);
     CZelBag *RSSimpleQuery(CZelQuery *query, EZelStoreErrorStatus *status, __boolean storeKeepsROMP);
     CZelBag *RSSimpleQueryGetRecs(CZelQuery *query, EZelStoreErrorStatus *status, __boolean storeKeepsROMP);
@@ -120,8 +121,9 @@ protected:
 private:
     CZelTable *tableOf(const CZelQuery *query, EZelStoreErrorStatus *status) const;  // the first source; or null
     int countRows(CZelQuery *query, EZelStoreErrorStatus *status);
-    int dropDatabase(CZelDbEntity &target, EZelStoreErrorStatus *status);
-    int dropTable(CZelDbEntity &target, EZelStoreErrorStatus *status);
+    // *isKept: a callback kept a table, whose cache file then stays too.
+    int dropDatabase(CZelDbEntity &target, EZelStoreErrorStatus *status, bool &isKept);
+    int dropTable(CZelDbEntity &target, EZelStoreErrorStatus *status, bool &isKept);
     void clearCacheFiles(CZelDbEntity &target, bool wholeDatabase);
 
     CZelTreeList *m_databases;  // name -> CZelDatabase*, owned

@@ -1,4 +1,5 @@
-// Holds a store's lock for a scope: as writer, as reader, or not at all when the caller holds it already.
+// Holds the lock of a store, or of a cached table, for a scope: as writer, as reader, or not at all when the caller
+// holds it already.
 #pragma once
 
 #include "foundations/port/CZelRWLock.h"

@@ -110,6 +110,12 @@ void replaceRows(CZelBag &rows, bool owned, Convert convert) {
     }
 }
 
+// The table's answer; an empty bag without a table, or where the table can't answer.
+CZelBag *rowsOf(CZelTable *table, const CZelQuery *query) {
+    CZelBag *rows = table != nullptr ? table->RTReturnRows(query->RQFilter()) : nullptr;
+    return rows != nullptr ? rows : new CZelBag;
+}
+
 CZelBag *refuseJoin(const char *operation, EZelStoreErrorStatus *status) {
     setStatus(status, E_RSEOk);
     ZEL_REPORT(E_RCUnsupported, operation);
@@ -153,28 +159,25 @@ CZelBag *CZelStore::RSExecSimpleQuery(CZelQuery *query, EZelStoreErrorStatus *st
                                       __boolean asROMP) {
     const CZelStoreGuard guard(m_lock, readerIf(takeLock));
     CZelTable *table = tableOf(query, status);
-    CZelBag *rows = nullptr;
-    if (table != nullptr)
-        rows = asROMP == E_RBTrue ? table->RTReturnROMPRows(query->RQFilter(), E_RBFalse)
-                                  : table->RTReturnRows(query->RQFilter());
+    if (asROMP != E_RBTrue)
+        return rowsOf(table, query);
+    CZelBag *rows = table != nullptr ? table->RTReturnROMPRows(query->RQFilter(), E_RBFalse) : nullptr;
     return rows != nullptr ? rows : new CZelBag;
 }
 
-// Requires: the store lock is held.
+// Requires: the store lock is held. No row is fetched.
 int CZelStore::countRows(CZelQuery *query, EZelStoreErrorStatus *status) {
-    if (query->RQFilter() == nullptr) {
-        const CZelTable *table = tableOf(query, status);
-        return table != nullptr ? table->RTTotalRecordCount() : 0;
-    }
-    CZelBag *rows = RSExecSimpleQuery(query, status, E_RBFalse, E_RBFalse);
-    const int count = rows->RBLength();
-    if (RSOwnResultsOfSimpleQry(query))
-        replaceRows(*rows, true, [](CZelRecord *) { return nullptr; });
-    delete rows;
-    return count;
+    CZelTable *table = tableOf(query, status);
+    if (table == nullptr)
+        return 0;
+    if (query->RQFilter() == nullptr)
+        return table->RTTotalRecordCount();
+    const std::unique_ptr<CZelBag> rows(table->RTEvalFilter(query->RQFilter()));
+    return rows != nullptr ? rows->RBLength() : 0;
 }
 
-CZelBag *CZelStore::RSSimpleQuery(CZelQuery *query, EZelStoreErrorStatus *status, __boolean storeKeepsROMP) {
+// Whether the rows are copies of a cached table is the table's to tell, whatever the caller takes the store for.
+CZelBag *CZelStore::RSSimpleQuery(CZelQuery *query, EZelStoreErrorStatus *status, __boolean /*storeKeepsROMP*/) {
     const CZelStoreGuard guard(m_lock, CZelStoreGuard::READER);
     if (isWhole(query))
         return RSExecSimpleQuery(query, status, E_RBFalse, E_RBTrue);
@@ -184,11 +187,12 @@ CZelBag *CZelStore::RSSimpleQuery(CZelQuery *query, EZelStoreErrorStatus *status
         result->RBAdd(static_cast<void *>(encoded(*count)));
         return result;
     }
-    CZelBag *rows = RSExecSimpleQuery(query, status, E_RBFalse, E_RBFalse);
+    CZelTable *table = tableOf(query, status);
+    CZelBag *rows = rowsOf(table, query);
     if (rows->RBLength() == 0)
         return rows;
     Selection selection(query->RQSelection(), false);
-    const bool owned = storeKeepsROMP == E_RBTrue && RSOwnResultsOfSimpleQry(query);
+    const bool owned = table->RTIsCacheUsed() == E_RBTrue;
     replaceRows(*rows, owned, [&](CZelRecord *row) {
         unsigned char *block = nullptr;
         int length = 0;
@@ -198,17 +202,18 @@ CZelBag *CZelStore::RSSimpleQuery(CZelQuery *query, EZelStoreErrorStatus *status
     return rows;
 }
 
-CZelBag *CZelStore::RSSimpleQueryGetRecs(CZelQuery *query, EZelStoreErrorStatus *status, __boolean storeKeepsROMP) {
+CZelBag *CZelStore::RSSimpleQueryGetRecs(CZelQuery *query, EZelStoreErrorStatus *status, __boolean /*storeKeepsROMP*/) {
     const CZelStoreGuard guard(m_lock, CZelStoreGuard::READER);
     if (isCount(query)) {
         auto *result = new CZelBag;
         result->RBAdd(static_cast<void *>(countRecord(countRows(query, status))));
         return result;
     }
-    CZelBag *rows = RSExecSimpleQuery(query, status, E_RBFalse, E_RBFalse);
+    CZelTable *table = tableOf(query, status);
+    CZelBag *rows = rowsOf(table, query);
     if (rows->RBLength() == 0)
         return rows;
-    const bool owned = storeKeepsROMP == E_RBTrue && RSOwnResultsOfSimpleQry(query);
+    const bool owned = table->RTIsCacheUsed() == E_RBTrue;
     if (isWhole(query)) {
         if (!owned)
             replaceRows(*rows, false, [](CZelRecord *row) { return static_cast<void *>(new CZelRecord(*row)); });

@@ -28,6 +28,11 @@ bool isDuplicate(int code) {
     return code == E_RCDuplicate || code == E_RCKeyExists;
 }
 
+// A row that its table's cache can't store.
+bool isNotStored(int code) {
+    return code == E_RCPageWrite || code == E_RCNoHandle;
+}
+
 void reportOn(int code, const char *operation, CZelDbEntity *entity) {
     CZelString text(operation);
     text.RSStrCat(entity->RDEIdent());
@@ -70,6 +75,8 @@ int CZelStore::RSInsert(CZelInsert *statement, EZelStoreErrorStatus *status, __b
         traceRefusal(target);
     else if (result != 1)
         reportOn(result, "", target);
+    if (isNotStored(result))
+        setStatus(status, E_RSEUpdateFailed);
     return 1;
 }
 
@@ -89,6 +96,8 @@ int CZelStore::RSInsert(CZelRecord *record, CZelDbEntity *entity, EZelStoreError
         setStatus(status, E_RSEDuplicateKey);
         return 1;
     }
+    if (isNotStored(result))
+        setStatus(status, E_RSEUpdateFailed);
     reportOn(result, "CZelStore::RSInsert ", entity);
     return result;
 }
@@ -106,6 +115,8 @@ int CZelStore::RSDelete(CZelDelete *statement, EZelStoreErrorStatus *status) {
         setStatus(status, E_RSENoMatch);
     else if (result != 1)
         reportOn(result, "CZelStore::RSDelete ", target);
+    if (isNotStored(result))
+        setStatus(status, E_RSEUpdateFailed);
     return 1;
 }
 
@@ -137,6 +148,8 @@ int CZelStore::RSUpdate(CZelRecord *values, CZelFilter *filter, CZelDbEntity *en
     if (values == nullptr)
         return ZEL_FAIL(E_RCBadArgument, "CZelStore::RSUpdate: no record");
     const int result = table->RTUpdateRows(values, filter, E_RBFalse);
+    if (isNotStored(result))
+        setStatus(status, E_RSEUpdateFailed);
     if (result != E_RCNotFound) {
         if (result != 1)
             reportOn(result, "CZelStore::RSUpdate ", entity);

@@ -51,8 +51,9 @@ EZelStoreErrorStatus missing(const char *what, const char *name, EZelStoreErrorS
     return status;
 }
 
-// Drops every table with its index names; a callback may keep one, which then goes with its database.
-void dropTables(CZelDatabase &database, CZelTreeList &indices) {
+// Drops every table with its index names. A callback may keep one, which then goes with its database but leaves its
+// cache file; false says so.
+bool dropTables(CZelDatabase &database, CZelTreeList &indices) {
     CZelDoubleList *tables = database.RDTableIterator();
     CZelListable *node = tables->RDLHead();
     while (node != nullptr) {
@@ -63,6 +64,7 @@ void dropTables(CZelDatabase &database, CZelTreeList &indices) {
         if (status != 1)
             ZEL_REPORT(status, "CZelStore::RSDropObject");
     }
+    return tables->RDLLength() == 0;
 }
 
 // What goes wrong with one index name: the name is freed again and the status tells why.
@@ -195,19 +197,21 @@ int CZelStore::RSDropObject(CZelDropObject *statement, EZelStoreErrorStatus *sta
         return E_RCNoText;
     }
     const bool wholeDatabase = statement->RDOType() == E_RDODatabase;
-    const int result = wholeDatabase ? dropDatabase(*target, status) : dropTable(*target, status);
-    clearCacheFiles(*target, wholeDatabase);
+    bool isKept = false;
+    const int result = wholeDatabase ? dropDatabase(*target, status, isKept) : dropTable(*target, status, isKept);
+    if (!isKept)
+        clearCacheFiles(*target, wholeDatabase);
     return result;
 }
 
-int CZelStore::dropDatabase(CZelDbEntity &target, EZelStoreErrorStatus *status) {
+int CZelStore::dropDatabase(CZelDbEntity &target, EZelStoreErrorStatus *status, bool &isKept) {
     const CZelStoreGuard guard(m_lock, CZelStoreGuard::WRITER);
     CZelDatabase *database = RSDatabase(target.RDEDbNameAtom());
     if (database == nullptr) {
         setStatus(status, E_RSENoDatabase);
         return E_RCNotFound;
     }
-    dropTables(*database, *m_indices);
+    isKept = !dropTables(*database, *m_indices);
     const int removed = m_databases->RTLDelete(database->RDName());
     if (removed != 1)
         ZEL_REPORT(removed, "CZelStore::RSDropObject");
@@ -215,7 +219,7 @@ int CZelStore::dropDatabase(CZelDbEntity &target, EZelStoreErrorStatus *status) 
     return 1;
 }
 
-int CZelStore::dropTable(CZelDbEntity &target, EZelStoreErrorStatus *status) {
+int CZelStore::dropTable(CZelDbEntity &target, EZelStoreErrorStatus *status, bool &isKept) {
     const CZelStoreGuard guard(m_lock, CZelStoreGuard::WRITER);
     CZelDatabase *database = RSDatabase(target.RDEDbNameAtom());
     if (database == nullptr) {
@@ -233,6 +237,7 @@ int CZelStore::dropTable(CZelDbEntity &target, EZelStoreErrorStatus *status) {
     const int dropped = database->RDDropTable(name);
     if (dropped != 1)
         ZEL_REPORT(dropped, "CZelStore::RSDropObject");
+    isKept = table != nullptr && database->RDTableNamed(name) != nullptr;
     return table != nullptr ? 1 : E_RCNotFound;
 }
 

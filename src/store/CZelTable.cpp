@@ -21,6 +21,7 @@
 #include "store/CZelObjectStore.h"
 #include "store/CZelRecordCache.h"
 #include "store/CZelStore.h"
+#include "store/CZelStoreGuard.h"
 #include "store/CZelTableProps.h"
 #include "store/CZelTable_plan.h"
 #include "store/CZelTblCallback.h"
@@ -259,11 +260,11 @@ int CZelTable::RDOInitialise(CZelStore *store) {
     if (database == nullptr || m_columns == nullptr)
         return E_RCNotFound;
     m_database = database;
-    if (m_cache != nullptr)
-        return ZEL_FAIL(E_RCUnsupported, "CZelTable::RDOInitialise: this build has no record caches");
     removeUnindexable();
     makeObjectStore();
     makeRows();
+    if (m_cache != nullptr)
+        rebuildIndexes();
     m_database->RDTableInitialised(this);
     if (m_active != nullptr)
         m_active->RTCInitialised(this, m_activeArgument);
@@ -327,10 +328,12 @@ int CZelTable::addRole(CZelTreeList &role, CZelColDef *column) {
 }
 
 int CZelTable::RTTotalRecordCount() const {
+    if (m_rows == nullptr)
+        return 0;
     if (m_cache == nullptr)
-        return m_rows != nullptr ? m_rows->RDLLength() : 0;
-    ZEL_REPORT(E_RCUnsupported, "CZelTable::RTTotalRecordCount: this build has no record caches");
-    return 0;
+        return m_rows->RDLLength();
+    const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
+    return m_cache->RRCLength();
 }
 
 void CZelTable::RTAddActive(CZelTblCallback *callback, int argument) {

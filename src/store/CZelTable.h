@@ -11,6 +11,7 @@
 // lock guards a cache, is taken as writer around every touch of it, and always after the store lock.
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "oql/CZelDbObject.h"
@@ -46,6 +47,8 @@ class CZelTreeList;
 class CZelTuple;
 class CZelUpdate;
 class CZelVarBind;
+struct SZelCacheUse;
+struct SZelIndexValue;
 
 class QUINTOR_API CZelTable : public CZelDbObject {
 public:
@@ -96,15 +99,21 @@ public:
 
     // --- record cache (CZelTable_cache.cpp) ---
 
-    char *RTCreateCache(CZelAtom *name);  // takes the name over; the file name from malloc, or null
+    // An empty cache without a file. Takes the name over; the file name from malloc, empty when a name is missing, or
+    // null when the table has a cache already.
+    char *RTCreateCache(CZelAtom *name);
+    // Both give the table a cache and read its file. Where that fails (reported), the table is a cached one all the
+    // same: it has no rows and can't take any.
     void RTCacheMe(CZelAtom *name, unsigned long long bytes, __boolean persistent);
     void RTCacheMe(CZelAtom *name, float proportion, __boolean persistent);
+    SZelCacheUse RTCacheUse() const;  // zeros for a plain table
     static void RTBuildCacheName(CZelString &out, const CZelAtom &cacheName, const CZelAtom &database,
                                  const CZelAtom &table);
     static void RTClearCache(const char *cacheName, const char *database, const char *table);
 
     // --- rows (CZelTable_rows.cpp, CZelTable_update.cpp) ---
 
+    // E_RCPageWrite and E_RCNoHandle come from a cached table whose cache can't store a row: it has what it had before.
     // Insert. 1; E_RCDuplicate when `unique (...)` ran into a row; E_RCKeyExists; E_RCRefused by the callback;
     // E_RCBadColumnValue; E_RCKeyMissing. The record of the second form is the table's after 1 and stays the
     // caller's after any other result. `flag` is handed to the callback.
@@ -173,8 +182,10 @@ private:
     bool isLive() const { return m_objectStore != nullptr; }
 
     // Steps of queries. New bags are the caller's; `input` as above.
-    static CZelBag *refuseCached(const char *operation);  // reports; an empty bag
-    CZelBag *allRows() const;
+    CZelBag *allRows() const;                                    // identities
+    CZelBag *identities(CZelFilter *filter, __boolean partial);  // null like RTReturnRows
+    template <class Convert>                                     // handles become what `convert` makes of them
+    void replaceHandles(CZelBag &handles, Convert convert);
     CZelBag *inputOrAllRows(const CZelBag *input) const;
     CZelBag *evalConstant(CZelBoolean *boolean, const CZelAtom *left, const CZelAtom *right, const CZelBag *input);
     CZelBag *evalColumn(CZelBoolean *boolean, CZelExpr *column, const CZelAtom *value, __boolean reversed,
@@ -182,6 +193,10 @@ private:
     CZelBag *evalAgainst(CZelBoolean *boolean, CZelQuery &query, CZelBag *input);
     void selectMembers(const CZelColumnReader &column, const CZelAtom &list, bool negated, const CZelBag *input,
                        CZelBag &result) const;
+    CZelBag *scanCache(CZelBoolean &boolean, CZelDbEntity &column, const CZelAtom *value, bool swapped,
+                       const CZelBag *input);
+    void selectCachedMembers(const CZelColumnReader &column, const CZelAtom &list, bool negated, const CZelBag *input,
+                             CZelBag &result) const;
     const CZelBPlusTree *uniqueTreeOf(const CZelColumnReader &column) const;
     static __boolean compareColumns(const CZelColumnReader &left, const CZelColumnReader &right,
                                     const CZelBoolean &boolean, const CZelRecord &record);
@@ -206,31 +221,51 @@ private:
     CZelTablePlan &plan();
     void forgetPlan();
 
-    // Steps of row operations on a plain table.
+    // Steps of row operations on either kind of table. A row stands in the indexes under its identity.
     int refuse(const char *operation, const void *argument) const;  // 1 when the operation can go on
-    int addPlainRow(CZelRecord *record, __boolean flag);
     int checkKeys(CZelRecord *record);
+    CZelRecord *firstMatch(CZelFilter &filter);
     CZelFilter *equalityFilter(const CZelRecord &record, const CZelAtomVector &columns) const;
     void countDuplicate(CZelRecord &row) const;
     void stamp(CZelRecord &row, const CZelAtom &now) const;
-    void deleteRow(CZelRecord *row, __boolean flag);
     int checkUpdateOfRows(CZelBag &rows, CZelDoubleList *changes);
+    int checkKeyOfEach(CZelBag &rows, CZelDoubleList *changes) const;
     int checkKeysStayApart(CZelBag &rows, const CZelDoubleList &changes) const;
 
-    struct Change;  // one assignment of an update
-    int updateRows(CZelBag &rows, CZelUpdate &statement, CZelDoubleList *changes, __boolean flag);
+    struct Change;  // one assignment of an update (CZelTable_change.h)
     std::vector<Change> resolveChanges(const CZelDoubleList *changes) const;
     bool isUpdateAccepted(CZelRecord *row, __boolean flag, CZelUpdate &statement);
-    int applyChange(CZelRecord &row, const Change &change);
-    int updateIndexed(CZelRecord &row, const Change &change);
+    int applyChange(CZelRecord &row, void *identity, const Change &change);
+    int updateIndexed(CZelRecord &row, void *identity, const Change &change);
+
+    // The same on a plain table alone.
+    int addPlainRow(CZelRecord *record, __boolean flag);
+    void deleteRow(CZelRecord *row, __boolean flag);
+    int updateRows(CZelBag &rows, CZelUpdate &statement, CZelDoubleList *changes, __boolean flag);
+
+    // And on a cached one (CZelTable_cached.cpp); where a handle comes in, the table lock is held.
+    struct CachedUpdate;
+    int addCachedRow(CZelRecord *record, __boolean flag);
+    int takeBack(CZelAtom *handle, int refusal);
+    int deleteCachedRows(CZelDelete &statement, __boolean flag);
+    int deleteCachedRow(const CZelRecord &record, CZelAtom *handle, __boolean flag);
+    void reenter(CZelAtom *handle);
+    int updateCachedRows(CZelUpdate &statement, CZelDoubleList *changes, __boolean flag);
+    int updateCachedRow(std::unique_ptr<CZelRecord> row, CZelAtom *handle, CachedUpdate &update);
+    void putBack(CZelRecord &row, CZelAtom *handle, const CachedUpdate &update);
+    CZelBag *copiesOf(const CZelBag &handles) const;
+    void rebuildIndexes();
+    void removeBreaking(const CZelRecord &record, CZelAtom *handle);
+    void cacheIsMade(int status, const char *failure);
 
     // Steps of created indexes.
     bool areColumns(const CZelAtomVector *names) const;
     void countIndex(const CZelAtom &name, CZelBag &added);
     void uncountIndex(const CZelAtom &name, CZelBag &removed);
     void moveRows(const CZelColDef &column, bool add);
+    void moveRow(const CZelRecord &row, void *identity, SZelIndexValue &place, bool add);
 
-    CZelRWLock *m_lock = nullptr;  // around every touch of the cache
+    CZelRWLock *m_lock = nullptr;  // around every touch of the cache; null only without columns
     CZelAtom *m_name = nullptr;    // null until named, like the next two
     CZelAtom *m_databaseName = nullptr;
     CZelAtom *m_identifier = nullptr;

@@ -1,20 +1,20 @@
-// The seam of record caches: names of their files and the removal of files. A cache itself can't be made yet, so
-// every table keeps its rows in memory.
+// How a table gets a record cache, and what becomes of the cache's file.
 
 #include <cstdio>
-#include <cstring>
 
 #include "foundations/base/CZelAtom.h"
-#include "foundations/base/CZelEnv.h"
 #include "foundations/base/CZelReadOnlyFile.h"
 #include "foundations/base/CZelString.h"
+#include "foundations/base/ZelMalloc.h"
 #include "foundations/port/CZelError.h"
+#include "foundations/port/CZelRWLock.h"
 #include "foundations/port/ZelDebug.h"
+#include "store/CZelCacheFiles.h"
+#include "store/CZelRecordCache.h"
+#include "store/CZelStoreGuard.h"
 #include "store/CZelTable.h"
 
 namespace {
-
-constexpr const char *CACHE_FOLDER = "/var/solvantis/";
 
 const char *orNull(const char *text) {
     return text != nullptr ? text : "NULL";
@@ -30,63 +30,75 @@ void reportMissing(const char *cacheName, const char *database, const char *tabl
     ZEL_REPORT(E_RCNull, text.RSString());
 }
 
-void reportUnreachable(const char *home, const char *file) {
-    CZelString text("Failed to clear cache for QMTHome ");
-    text.RSStrCat(orNull(home));
-    text.RSStrCat(" and cache file ");
-    text.RSStrCat(orNull(file));
+void reportNoFolder(const char *file) {
+    CZelString text("Failed to clear cache for QMTHome NULL and cache file ");
+    text.RSStrCat(file);
     ZEL_REPORT(E_RCBadValue, text.RSString());
 }
 
-// A name with a slash would lead out of the folder.
-bool isFileName(const CZelString &name) {
-    return name.RSStringLength() > 0 && std::strchr(name.RSString(), '/') == nullptr;
-}
-
-void removeFile(const char *path) {
-    if (CZelReadOnlyFile(path).ROFCheckAccess() != E_FROk)
-        return;
-    if (__Zeltronix_Debug_Level >= 4)
-        std::printf("CZelTable::RTClearCache removing %s\n", path);
-    if (std::remove(path) != 0)
-        ZEL_REPORT(E_RCOpenFailed, path);
+// A cache without a name of its file can't be created, and says so.
+const char *orNone(const char *file) {
+    return file[0] != '\0' ? file : nullptr;
 }
 
 }  // namespace
 
 void CZelTable::RTDropTable() {
-    if (m_cache != nullptr)
-        ZEL_REPORT(E_RCUnsupported, "CZelTable::RTDropTable: this build has no record caches");
+    if (m_cache == nullptr)
+        return;
+    const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
+    m_cache->RRCDeleteCacheFile();
 }
 
 char *CZelTable::RTCreateCache(CZelAtom *name) {
-    delete name;
-    if (m_cache == nullptr)
-        ZEL_REPORT(E_RCUnsupported, "Cache not created: this build has no record caches");
+    const std::unique_ptr<CZelAtom> owned(name);
+    if (m_cache != nullptr || m_lock == nullptr) {
+        if (__Zeltronix_Debug_Level >= 4)
+            std::puts("Cache already exists");
+        return nullptr;
+    }
+    m_cache = new CZelRecordCache();
+    CZelString file("");
+    if (!CZelAtom::RAIsNull(name) && m_databaseName != nullptr && m_name != nullptr)
+        RTBuildCacheName(file, *name, *m_databaseName, *m_name);
+    return ZelStrDup(file.RSString());
+}
+
+void CZelTable::RTCacheMe(CZelAtom *name, unsigned long long bytes, __boolean persistent) {
+    const CZelMallocText file(RTCreateCache(name));
+    if (file != nullptr)
+        cacheIsMade(m_cache->RRCCreateBySize(orNone(file.get()), bytes, persistent), "Failed to create sized cache");
     else if (__Zeltronix_Debug_Level >= 4)
-        std::puts("Cache already exists");
-    return nullptr;
-}
-
-void CZelTable::RTCacheMe(CZelAtom *name, unsigned long long, __boolean) {
-    if (RTCreateCache(name) == nullptr && __Zeltronix_Debug_Level >= 4)
         std::puts("Will not initialise cache");
 }
 
-void CZelTable::RTCacheMe(CZelAtom *name, float, __boolean) {
-    if (RTCreateCache(name) == nullptr && __Zeltronix_Debug_Level >= 4)
+void CZelTable::RTCacheMe(CZelAtom *name, float proportion, __boolean persistent) {
+    const CZelMallocText file(RTCreateCache(name));
+    if (file != nullptr)
+        cacheIsMade(m_cache->RRCCreateByPropn(orNone(file.get()), proportion, persistent),
+                    "Failed to create proportional cache");
+    else if (__Zeltronix_Debug_Level >= 4)
         std::puts("Will not initialise cache");
+}
+
+void CZelTable::cacheIsMade(int status, const char *failure) {
+    if (status != 1)
+        ZEL_REPORT(status, failure);
+    if (m_cache->RRCInitialisedFromDisk() == E_RBTrue)
+        RTSetInitialisedFromDisk();
+}
+
+SZelCacheUse CZelTable::RTCacheUse() const {
+    if (m_cache == nullptr)
+        return {};
+    const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
+    return m_cache->RRCUse();
 }
 
 void CZelTable::RTBuildCacheName(CZelString &out, const CZelAtom &cacheName, const CZelAtom &database,
                                  const CZelAtom &table) {
-    out.RSStrCat(&cacheName);
-    out.RSStrCat(".Cache.");
-    out.RSStrCat(&database);
-    out.RSStrCat('.');
-    out.RSStrCat(&table);
-    out.RSStrCat('.');
-    out.RSStrCat(CZelEnv::REDomain(nullptr));
+    out.RSStrCat(
+        std::string_view(CZelCacheFiles::nameOf(cacheName.RATextView(), database.RATextView(), table.RATextView())));
 }
 
 void CZelTable::RTClearCache(const char *cacheName, const char *database, const char *table) {
@@ -94,15 +106,16 @@ void CZelTable::RTClearCache(const char *cacheName, const char *database, const 
         reportMissing(cacheName, database, table);
         return;
     }
-    CZelString name;
-    RTBuildCacheName(name, CZelAtom(cacheName), CZelAtom(database), CZelAtom(table));
-    const char *home = CZelEnv().REHome();
-    if (home == nullptr || !isFileName(name)) {
-        reportUnreachable(home, name.RSString());
+    const std::string name = CZelCacheFiles::nameOf(cacheName, database, table);
+    const std::string folder = CZelCacheFiles::folder();
+    if (folder.empty()) {
+        reportNoFolder(name.c_str());
         return;
     }
-    CZelString path(home);
-    path.RSStrCat(CACHE_FOLDER);
-    path.RSStrCat(name.RSString());
-    removeFile(path.RSString());
+    const std::string path = folder + name;
+    if (CZelReadOnlyFile(path.c_str()).ROFCheckAccess() != E_FROk)
+        return;
+    if (__Zeltronix_Debug_Level >= 4)
+        std::printf("CZelTable::RTClearCache removing %s\n", path.c_str());
+    CZelCacheFiles::remove(path);
 }

@@ -11,8 +11,10 @@
 #include "foundations/port/CZelError.h"
 #include "oql/CZelDropIndex.h"
 #include "oql/CZelIndex.h"
+#include "store/CZelCacheWalk.h"
 #include "store/CZelColDef.h"
 #include "store/CZelObjectStore.h"
+#include "store/CZelStoreGuard.h"
 #include "store/CZelTable.h"
 #include "store/CZelTable_plan.h"
 
@@ -117,10 +119,6 @@ void CZelTable::uncountIndex(const CZelAtom &name, CZelBag &removed) {
 void CZelTable::RTAddDelObjStoreIndex(CZelBag *columns, __boolean add) {
     if (columns == nullptr || !isLive())
         return;
-    if (m_cache != nullptr) {
-        ZEL_REPORT(E_RCUnsupported, "CZelTable::RTAddDelObjStoreIndex: this build has no record caches");
-        return;
-    }
     for (CZelPointer *node = columns->RBFirst(); node != nullptr; node = CZelBag::RBNext(node))
         if (columnIn(node)->RCDIndexable())
             moveRows(*columnIn(node), add == E_RBTrue);
@@ -129,11 +127,21 @@ void CZelTable::RTAddDelObjStoreIndex(CZelBag *columns, __boolean add) {
 void CZelTable::moveRows(const CZelColDef &column, bool add) {
     const CZelAtom *name = column.RCDName();
     SZelIndexValue place{m_objectStore->ROSTreeFor(*name), nullptr, name};
+    if (m_cache != nullptr) {
+        const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
+        for (CZelCacheWalk walk(*m_cache, nullptr); walk.hasRow(); walk.advance())
+            moveRow(walk.record(), walk.handle(), place, add);
+        return;
+    }
     for (CZelListable *node = m_rows->RDLHead(); node != nullptr; node = m_rows->RDLGetNext(node)) {
         auto *row = static_cast<CZelRecord *>(node);
-        place.m_value = row->RRValueOf(name);
-        const int status = add ? m_objectStore->ROSAdd(row, &place, 1) : m_objectStore->ROSDelete(row, &place, 1);
-        if (status != 1)
-            ZEL_REPORT(status, "CZelTable::RTAddDelObjStoreIndex");
+        moveRow(*row, row, place, add);
     }
+}
+
+void CZelTable::moveRow(const CZelRecord &row, void *identity, SZelIndexValue &place, bool add) {
+    place.m_value = row.RRValueOf(place.m_column);
+    const int status = add ? m_objectStore->ROSAdd(identity, &place, 1) : m_objectStore->ROSDelete(identity, &place, 1);
+    if (status != 1)
+        ZEL_REPORT(status, "CZelTable::RTAddDelObjStoreIndex");
 }

@@ -1,5 +1,7 @@
 #include "store/CZelTable_plan.h"
 
+#include <algorithm>
+
 #include "foundations/base/CZelBPlusTree.h"
 #include "foundations/base/CZelDoubleList.h"
 #include "foundations/base/CZelName.h"
@@ -73,14 +75,24 @@ int CZelTablePlan::checkKey(const CZelRecord &row) {
     return isTaken ? E_RCKeyExists : 1;
 }
 
-int CZelTablePlan::enter(CZelRecord &row) {
-    readIndexed(row);
-    return m_store.ROSAdd(&row, m_indexes.data(), m_indexes.size());
+int CZelTablePlan::checkUniques(const CZelRecord &row) const {
+    const bool isTaken = std::any_of(m_indexes.begin(), m_indexes.end(), [&row](const SZelIndexValue &index) {
+        if (index.m_tree->RBPTIsDegenerate() == E_RBTrue)
+            return false;
+        const CZelAtom *value = row.RRValueOf(index.m_column);
+        return !CZelAtom::RAIsNull(value) && index.m_tree->RBPTHasKey(value);
+    });
+    return isTaken ? E_RCKeyExists : 1;
 }
 
-void CZelTablePlan::leave(CZelRecord &row) {
+int CZelTablePlan::enter(const CZelRecord &row, void *identity) {
     readIndexed(row);
-    m_store.ROSDelete(&row, m_indexes.data(), m_indexes.size());
+    return m_store.ROSAdd(identity, m_indexes.data(), m_indexes.size());
+}
+
+void CZelTablePlan::leave(const CZelRecord &row, void *identity) {
+    readIndexed(row);
+    m_store.ROSDelete(identity, m_indexes.data(), m_indexes.size());
 }
 
 void CZelTablePlan::readIndexed(const CZelRecord &row) {

@@ -35,8 +35,13 @@ public:
     // tree, which refuses by itself in `enter`.
     int checkKey(const CZelRecord &row);
 
-    int enter(CZelRecord &row);  // into all trees, or into none: 1 or the code of the tree that refused
-    void leave(CZelRecord &row);
+    // Would `enter` be refused by a unique tree? 1 or E_RCKeyExists. Asked where a refusal after the fact is dear.
+    int checkUniques(const CZelRecord &row) const;
+
+    // What the trees hold of a row is its identity. Into all of them, or into none: 1 or the code of the tree that
+    // refused.
+    int enter(const CZelRecord &row, void *identity);
+    void leave(const CZelRecord &row, void *identity);
 
 private:
     using Values = std::vector<SZelIndexValue>;

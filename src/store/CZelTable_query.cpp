@@ -15,7 +15,9 @@
 #include "store/CZelFilter.h"
 #include "store/CZelFilterWalk.h"
 #include "store/CZelObjectStore.h"
+#include "store/CZelRecordCache.h"
 #include "store/CZelStore.h"
+#include "store/CZelStoreGuard.h"
 #include "store/CZelTable.h"
 
 namespace {
@@ -93,17 +95,15 @@ void collect(const CZelExpr *item, const CZelBag &rows, CZelAtomVector &values) 
 
 }  // namespace
 
-CZelBag *CZelTable::refuseCached(const char *operation) {
-    ZEL_REPORT(E_RCUnsupported, operation);
-    return new CZelBag;
-}
-
 CZelBag *CZelTable::allRows() const {
-    if (m_cache != nullptr)
-        return refuseCached("CZelTable::allRows: a cached table");
     auto *rows = new CZelBag;
     if (m_rows == nullptr)
         return rows;
+    if (m_cache != nullptr) {
+        const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
+        rows->RBAppend(m_cache->RRCHandleIterator());
+        return rows;
+    }
     for (CZelListable *row = m_rows->RDLHead(); row != nullptr; row = m_rows->RDLGetNext(row))
         rows->RBAdd(static_cast<void *>(static_cast<CZelRecord *>(row)));
     return rows;
@@ -122,20 +122,45 @@ CZelBag *CZelTable::RTReturnPossibleRows(CZelFilter *filter) {
 }
 
 CZelBag *CZelTable::RTReturnRows(CZelFilter *filter, __boolean partial) {
-    if (m_cache != nullptr)
-        return refuseCached("CZelTable::RTReturnRows: a cached table");
+    CZelBag *rows = identities(filter, partial);
+    if (m_cache != nullptr && rows != nullptr)
+        replaceHandles(*rows, [this](CZelAtom *handle) { return m_cache->RRCRetrieveRecord(handle); });
+    return rows;
+}
+
+CZelBag *CZelTable::identities(CZelFilter *filter, __boolean partial) {
     if (filter == nullptr || !isLive())
         return allRows();
     return partial == E_RBTrue ? RTEvalPartialFilter(filter) : RTEvalFilter(filter);
 }
 
 CZelBag *CZelTable::RTReturnROMPRows(CZelFilter *filter, __boolean partial) {
-    if (m_cache != nullptr)
-        return refuseCached("CZelTable::RTReturnROMPRows: a cached table");
-    CZelBag *rows = RTReturnRows(filter, partial);
-    for (CZelPointer *node = rows != nullptr ? rows->RBFirst() : nullptr; node != nullptr; node = CZelBag::RBNext(node))
+    CZelBag *rows = identities(filter, partial);
+    if (rows == nullptr)
+        return rows;
+    if (m_cache != nullptr) {
+        replaceHandles(*rows, [this](CZelAtom *handle) { return m_cache->RRCRetrieveROMP(handle); });
+        return rows;
+    }
+    for (CZelPointer *node = rows->RBFirst(); node != nullptr; node = CZelBag::RBNext(node))
         node->RPSetData(encoded(*static_cast<CZelRecord *>(node->RPData())));
     return rows;
+}
+
+// The lock is taken here and, before, in each comparison that looks at rows, never across them: a subquery takes the
+// lock of another table. The handles stay good in between because the caller holds the store lock, which a delete
+// needs as writer.
+template <class Convert>
+void CZelTable::replaceHandles(CZelBag &handles, Convert convert) {
+    const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
+    for (CZelPointer *node = handles.RBFirst(), *next = nullptr; node != nullptr; node = next) {
+        next = CZelBag::RBNext(node);
+        node->RPSetData(convert(static_cast<CZelAtom *>(node->RPData())));
+        if (node->RPData() != nullptr)
+            continue;
+        ZEL_REPORT(E_RCBadArgument, "CZelTable::RTReturnRows: a row that its cache can't give is left out");
+        handles.RBFastDelete(node);
+    }
 }
 
 CZelBag *CZelTable::RTEvalFilter(CZelFilter *filter) {

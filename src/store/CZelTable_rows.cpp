@@ -17,8 +17,10 @@
 #include "oql/CZelExpr.h"
 #include "oql/CZelInsert.h"
 #include "store/CZelBoolean.h"
+#include "store/CZelCacheWalk.h"
 #include "store/CZelColDef.h"
 #include "store/CZelFilter.h"
+#include "store/CZelStoreGuard.h"
 #include "store/CZelTable.h"
 #include "store/CZelTable_plan.h"
 #include "store/CZelTblCallback.h"
@@ -108,15 +110,11 @@ void appendElementTypes(CZelString &out, const CZelAtom &value, EZelDataType exp
 
 // What every row operation asks first: 1, or why the table can't carry it out.
 int CZelTable::refuse(const char *operation, const void *argument) const {
-    if (argument != nullptr && isLive() && m_cache == nullptr)
+    if (argument != nullptr && isLive())
         return 1;
     CZelString text(operation);
-    if (argument == nullptr || !isLive()) {
-        text.RSStrCat(argument == nullptr ? ": nothing to work on" : ": the table is not live");
-        return ZEL_FAIL(E_RCBadArgument, text.RSString());
-    }
-    text.RSStrCat(": this build has no record caches");
-    return ZEL_FAIL(E_RCUnsupported, text.RSString());
+    text.RSStrCat(argument == nullptr ? ": nothing to work on" : ": the table is not live");
+    return ZEL_FAIL(E_RCBadArgument, text.RSString());
 }
 
 int CZelTable::RTAddRow(CZelInsert *statement, __boolean flag) {
@@ -137,22 +135,22 @@ int CZelTable::RTAddRow(CZelInsert *statement, __boolean flag) {
 }
 
 int CZelTable::RTAddRow(CZelRecord *record, __boolean flag) {
-    const int status = refuse("CZelTable::RTAddRow", record);
+    int status = refuse("CZelTable::RTAddRow", record);
     if (status != 1)
         return status;
     if (m_active != nullptr && m_active->RTCPreAdd(this, record, m_activeArgument, flag) != E_RBTrue)
         return E_RCRefused;
-    return addPlainRow(record, flag);
-}
-
-int CZelTable::addPlainRow(CZelRecord *record, __boolean flag) {
-    int status = RTCheckRecord(record);
+    status = RTCheckRecord(record);
     if (status != 1)
         return ZEL_FAIL(status, "CZelTable::RTAddRow: the row does not fit its columns");
     status = checkKeys(record);
     if (status != 1)
         return status;
-    status = plan().enter(*record);
+    return m_cache != nullptr ? addCachedRow(record, flag) : addPlainRow(record, flag);
+}
+
+int CZelTable::addPlainRow(CZelRecord *record, __boolean flag) {
+    const int status = plan().enter(*record, record);
     if (status != 1)
         return status == E_RCKeyExists ? status : ZEL_FAIL(status, "CZelTable::RTAddRow: an index refused the row");
     m_rows->RDLAddToListEnd(record);
@@ -231,16 +229,29 @@ __boolean CZelTable::RTCheckUniques(CZelRecord *record, const CZelAtomVector &co
     const std::unique_ptr<CZelFilter> filter(equalityFilter(*record, columns));
     if (filter == nullptr)
         return E_RBTrue;
-    const std::unique_ptr<CZelBag> rows(RTReturnRows(filter.get()));
-    if (rows == nullptr || rows->RBLength() == 0)
+    CZelRecord *row = firstMatch(*filter);
+    if (row == nullptr)
         return E_RBTrue;
-    CZelRecord *row = rowIn(rows->RBFirst());
     if (m_active != nullptr)
         m_active->RTCPreDuplicate(this, row, m_activeArgument, flag);
     countDuplicate(*row);
     if (m_active != nullptr)
         m_active->RTCPostDuplicate(this, row, m_activeArgument, flag);
+    if (m_cache != nullptr)
+        delete row;
     return E_RBFalse;
+}
+
+// The first row that matches, or null: the stored row of a plain table, a copy of a cached one.
+CZelRecord *CZelTable::firstMatch(CZelFilter &filter) {
+    const std::unique_ptr<CZelBag> rows(RTEvalFilter(&filter));
+    if (rows == nullptr || rows->RBLength() == 0)
+        return nullptr;
+    if (m_cache == nullptr)
+        return rowIn(rows->RBFirst());
+    const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
+    const CZelCacheWalk walk(*m_cache, rows.get());
+    return walk.hasRow() ? new CZelRecord(walk.record()) : nullptr;
 }
 
 // Equality in every one of the columns that the record has a value for; null when it has none.
@@ -283,6 +294,8 @@ int CZelTable::RTDeleteRows(CZelDelete *statement, __boolean flag) {
     const int status = refuse("CZelTable::RTDeleteRows", statement);
     if (status != 1)
         return status;
+    if (m_cache != nullptr)
+        return deleteCachedRows(*statement, flag);
     const std::unique_ptr<CZelBag> rows(RTReturnRows(statement->RDFilter()));
     if (rows == nullptr || rows->RBLength() == 0)
         return E_RCNotFound;
@@ -293,7 +306,7 @@ int CZelTable::RTDeleteRows(CZelDelete *statement, __boolean flag) {
 }
 
 void CZelTable::deleteRow(CZelRecord *row, __boolean flag) {
-    plan().leave(*row);
+    plan().leave(*row, row);
     m_rows->RDLSpliceAndJoinAt(row);
     if (m_active != nullptr)
         m_active->RTCPostDelete(this, row, m_activeArgument, flag);

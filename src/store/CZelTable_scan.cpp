@@ -14,10 +14,12 @@
 #include "oql/CZelDbEntity.h"
 #include "oql/CZelExpr.h"
 #include "store/CZelBoolean.h"
+#include "store/CZelCacheWalk.h"
 #include "store/CZelColDef.h"
 #include "store/CZelColumnReader.h"
 #include "store/CZelObjectStore.h"
 #include "store/CZelRowTest.h"
+#include "store/CZelStoreGuard.h"
 #include "store/CZelTable.h"
 #include "store/CZelValueSet.h"
 
@@ -55,6 +57,12 @@ void visitValues(const CZelDoubleList &table, const CZelBag *input, const CZelCo
     });
 }
 
+int orderByHandle(CZelListable *left, CZelListable *right) {
+    const long mine = static_cast<const CZelAtom *>(static_cast<CZelPointer *>(left)->RPData())->RALong();
+    const long theirs = static_cast<const CZelAtom *>(static_cast<CZelPointer *>(right)->RPData())->RALong();
+    return static_cast<int>(theirs < mine) - static_cast<int>(mine < theirs);
+}
+
 void addRow(CZelBag &bag, CZelRecord *row) {
     bag.RBAdd(static_cast<void *>(row));
 }
@@ -88,8 +96,6 @@ void appendByKey(std::vector<KeyedRow> &rows, CZelBag &result) {
 
 CZelBag *CZelTable::RTEvalUnIndexed(CZelBoolean *boolean, CZelExpr *column, const CZelAtom *value, __boolean reversed,
                                     CZelBag *input) {
-    if (m_cache != nullptr)
-        return refuseCached("CZelTable::RTEvalUnIndexed: a cached table");
     const EZelOper op = boolean->RBOperand();
     CZelDbEntity *entity = column != nullptr ? column->REEntityVal() : nullptr;
     if (entity == nullptr || op == E_ROExists) {
@@ -97,6 +103,8 @@ CZelBag *CZelTable::RTEvalUnIndexed(CZelBoolean *boolean, CZelExpr *column, cons
         return reversed == E_RBTrue ? evalConstant(boolean, value, other, input)
                                     : evalConstant(boolean, other, value, input);
     }
+    if (m_cache != nullptr)
+        return scanCache(*boolean, *entity, value, reversed == E_RBTrue && swapsOperands(op), input);
     auto *result = new CZelBag;
     if (m_rows == nullptr)
         return result;
@@ -143,6 +151,42 @@ void CZelTable::selectMembers(const CZelColumnReader &column, const CZelAtom &li
     }
 }
 
+CZelBag *CZelTable::scanCache(CZelBoolean &boolean, CZelDbEntity &column, const CZelAtom *value, bool swapped,
+                              const CZelBag *input) {
+    auto *result = new CZelBag;
+    if (!isLive())
+        return result;
+    const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
+    const CZelColumnReader reader(column);
+    const bool isInList = isMembership(boolean.RBOperand()) && value != nullptr && value->RAType() == E_RDTList;
+    if (isInList && !swapped && !reader.isWild()) {
+        selectCachedMembers(reader, *value, boolean.RBOperand() == E_RONotIn, input, *result);
+        return result;
+    }
+    CZelCacheWalk walk(*m_cache, input);
+    CZelRowTest(boolean, column, swapped, value).select(walk, *result);
+    return result;
+}
+
+// The rows come in the order of their handles. One without a value is neither in the list nor not in it.
+void CZelTable::selectCachedMembers(const CZelColumnReader &column, const CZelAtom &list, bool negated,
+                                    const CZelBag *input, CZelBag &result) const {
+    const CZelValueSet set(list.RAList());
+    const CZelBPlusTree *tree = negated || input != nullptr ? nullptr : uniqueTreeOf(column);
+    if (tree != nullptr) {
+        for (const CZelAtom *value : set.values())
+            if (const CZelBTreeNode *entry = tree->RBPTGetNodeForKey(value))
+                entry->RBTNAppendTo(result);
+        result.RBIterator()->RDLSortList(orderByHandle);
+        return;
+    }
+    for (CZelCacheWalk walk(*m_cache, input); walk.hasRow(); walk.advance()) {
+        const CZelAtom *value = column.value(walk.record());
+        if (!CZelAtom::RAIsNull(value) && (set.placeOf(*value) >= 0) != negated)
+            result.RBAdd(static_cast<void *>(walk.handle()));
+    }
+}
+
 // A tree with one row per value holds the rows of each value in the order in which a walk finds them.
 const CZelBPlusTree *CZelTable::uniqueTreeOf(const CZelColumnReader &column) const {
     if (!column.isPlain() || !column.hasName() || m_objectStore == nullptr)
@@ -176,14 +220,19 @@ CZelBag *CZelTable::RTEvalSelfJoin(CZelBoolean *boolean, __boolean *evaluated, C
     CZelDbEntity *right = boolean->RBRight()->REEntityVal();
     const bool isOurs = RTMatchSelfTest(left) == E_RBTrue && RTMatchSelfTest(right) == E_RBTrue;
     if (evaluated != nullptr)
-        *evaluated = ZelBool(isOurs && m_cache == nullptr);
-    if (m_cache != nullptr)
-        return refuseCached("CZelTable::RTEvalSelfJoin: a cached table");
+        *evaluated = ZelBool(isOurs && m_cache == nullptr);  // a join looks at cached rows once more itself
     auto *result = new CZelBag;
     if (!isOurs || m_rows == nullptr)
         return result;
     const CZelColumnReader mine(*left);
     const CZelColumnReader theirs(*right);
+    if (m_cache != nullptr) {
+        const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
+        for (CZelCacheWalk walk(*m_cache, input); walk.hasRow(); walk.advance())
+            if (compareColumns(mine, theirs, *boolean, walk.record()) == E_RBTrue)
+                result->RBAdd(static_cast<void *>(walk.handle()));
+        return result;
+    }
     visitRows(*m_rows, input, [&](CZelRecord *row) {
         if (compareColumns(mine, theirs, *boolean, *row) == E_RBTrue)
             addRow(*result, row);

@@ -17,10 +17,12 @@
 #include "oql/CZelDbEntity.h"
 #include "oql/CZelExpr.h"
 #include "oql/CZelUpdate.h"
+#include "store/CZelCacheWalk.h"
 #include "store/CZelColDef.h"
 #include "store/CZelFilter.h"
 #include "store/CZelObjectStore.h"
 #include "store/CZelTable.h"
+#include "store/CZelTable_change.h"
 #include "store/CZelTblCallback.h"
 
 namespace {
@@ -124,6 +126,8 @@ int CZelTable::RTUpdateRows(CZelUpdate *statement, __boolean flag) {
     status = RTCheckUpdate(changes);
     if (status != 1)
         return ZEL_FAIL(status, "CZelTable::RTUpdateRows: a value does not fit its column");
+    if (m_cache != nullptr)
+        return updateCachedRows(*statement, changes, flag);
     const std::unique_ptr<CZelBag> rows(RTReturnRows(statement->RUFilter()));
     if (rows == nullptr)
         return E_RCNotFound;
@@ -148,7 +152,7 @@ int CZelTable::RTCheckUpdate(CZelDoubleList *changes) {
     return status;
 }
 
-// All rows are checked before the first one changes.
+// All rows, which are identities, are checked before the first one changes.
 int CZelTable::checkUpdateOfRows(CZelBag &rows, CZelDoubleList *changes) {
     if (rows.RBLength() == 0)
         return E_RCNotFound;
@@ -161,12 +165,20 @@ int CZelTable::checkUpdateOfRows(CZelBag &rows, CZelDoubleList *changes) {
         if (status != 1)
             return ZEL_FAIL(status, "Update causes a keying mismatch, ignored.");
     }
-    for (CZelPointer *node = rows.RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
-        const int status = m_objectStore->ROSCheckUpdateKey(rowIn(node), changes);
-        if (status != 1)
-            return ZEL_FAIL(status, "Update conflicts with table keying.");
+    const int status = checkKeyOfEach(rows, changes);
+    return status == 1 ? 1 : ZEL_FAIL(status, "Update conflicts with table keying.");
+}
+
+int CZelTable::checkKeyOfEach(CZelBag &rows, CZelDoubleList *changes) const {
+    int status = 1;
+    if (m_cache != nullptr) {
+        for (CZelCacheWalk walk(*m_cache, &rows); walk.hasRow() && status == 1; walk.advance())
+            status = m_objectStore->ROSCheckUpdateKey(&walk.record(), changes);
+        return status;
     }
-    return 1;
+    for (CZelPointer *node = rows.RBFirst(); node != nullptr && status == 1; node = CZelBag::RBNext(node))
+        status = m_objectStore->ROSCheckUpdateKey(rowIn(node), changes);
+    return status;
 }
 
 __boolean CZelTable::RTIsIndexUpdate(CZelDoubleList *changes) {
@@ -212,19 +224,20 @@ int CZelTable::checkKeysStayApart(CZelBag &rows, const CZelDoubleList &changes) 
             rest.push_back(column->RCDName());
     }
     const bool isPart = !rest.empty() && static_cast<int>(rest.size()) < keys->RDLLength();
-    if (!isPart || !areTwoEqual(rows, rest))
+    if (!isPart)
+        return 1;
+    const CZelBagGuard<CZelRecord> copies(m_cache != nullptr ? copiesOf(rows) : nullptr);
+    if (!areTwoEqual(m_cache != nullptr ? *copies.get() : rows, rest))
         return 1;
     return ZEL_FAIL(E_RCBadColumnValue, "Update failed due to multiple updates on the same key.");
 }
 
-// One assignment, resolved once for all rows.
-struct CZelTable::Change {
-    const CZelAtom *m_column;
-    const CZelAtom *m_value;
-    CZelDoubleList *m_keys;  // null: the column itself
-    bool m_isIndexed;
-    CZelBPlusTree *m_tree;  // of an indexed column; null when its type has none
-};
+CZelBag *CZelTable::copiesOf(const CZelBag &handles) const {
+    auto *copies = new CZelBag;
+    for (CZelCacheWalk walk(*m_cache, &handles); walk.hasRow(); walk.advance())
+        copies->RBAdd(static_cast<void *>(new CZelRecord(walk.record())));
+    return copies;
+}
 
 int CZelTable::updateRows(CZelBag &rows, CZelUpdate &statement, CZelDoubleList *changes, __boolean flag) {
     const std::vector<Change> resolved = resolveChanges(changes);
@@ -236,7 +249,7 @@ int CZelTable::updateRows(CZelBag &rows, CZelUpdate &statement, CZelDoubleList *
             continue;
         row->BeginWrite();
         for (const Change &change : resolved) {
-            const int outcome = applyChange(*row, change);
+            const int outcome = applyChange(*row, row, change);
             status = outcome != 1 ? outcome : status;
         }
         stamp(*row, now);
@@ -268,9 +281,9 @@ bool CZelTable::isUpdateAccepted(CZelRecord *row, __boolean flag, CZelUpdate &st
             m_active->RTCPreUpdate(this, row, m_activeArgument, flag) == E_RBTrue);
 }
 
-int CZelTable::applyChange(CZelRecord &row, const Change &change) {
+int CZelTable::applyChange(CZelRecord &row, void *identity, const Change &change) {
     if (change.m_tree != nullptr)
-        return updateIndexed(row, change);
+        return updateIndexed(row, identity, change);
     if (change.m_isIndexed || change.m_keys == nullptr)
         return RTUpdateValue(&row, change.m_column, change.m_value);
     return RTUpdateNested(&row, change.m_column, change.m_value, change.m_keys);
@@ -278,20 +291,20 @@ int CZelTable::applyChange(CZelRecord &row, const Change &change) {
 
 // The row leaves the tree under its old value and enters it under the new one. Where the tree refuses that, the
 // row keeps what it had, so that rows and trees stay one.
-int CZelTable::updateIndexed(CZelRecord &row, const Change &change) {
+int CZelTable::updateIndexed(CZelRecord &row, void *identity, const Change &change) {
     SZelIndexValue place{change.m_tree, row.RRValueOf(change.m_column), change.m_column};
     const bool mayRefuse = change.m_tree->RBPTIsDegenerate() != E_RBTrue;
     const CZelAtom former = mayRefuse && place.m_value != nullptr ? *place.m_value : CZelAtom();
-    m_objectStore->ROSDelete(&row, &place, 1);
+    m_objectStore->ROSDelete(identity, &place, 1);
     const int status = RTUpdateValue(&row, change.m_column, change.m_value);
     place.m_value = row.RRValueOf(change.m_column);
-    const int entered = m_objectStore->ROSAdd(&row, &place, 1);
+    const int entered = m_objectStore->ROSAdd(identity, &place, 1);
     if (entered == 1)
         return status;
     ZEL_REPORT(entered, "CZelTable::RTUpdateRows: an index refused the new value");
     RTUpdateValue(&row, change.m_column, &former);
     place.m_value = row.RRValueOf(change.m_column);
-    m_objectStore->ROSAdd(&row, &place, 1);
+    m_objectStore->ROSAdd(identity, &place, 1);
     return entered;
 }
 
