@@ -117,38 +117,4 @@ TEST_F(TableLifeTest, SharedRowsAreReleasedOnceWhenTheTableGoes) {
     shared->RSRDeleteUser();
 }
 
-TEST_F(TableLifeTest, ClearingACacheRemovesItsFileAndNothingElse) {
-    const std::filesystem::path home = std::filesystem::temp_directory_path() / "quintor_clear_cache_test";
-    const std::filesystem::path folder = home / "var" / "solvantis";
-    std::filesystem::create_directories(folder);
-    CZelString name;
-    CZelTable::RTBuildCacheName(name, CZelAtom("app"), CZelAtom("d"), CZelAtom("t"));
-    EXPECT_EQ(0, std::string(name.RSString()).find("app.Cache.d.t."));
-    const std::filesystem::path cache = folder / name.RSString(), other = folder / "app.Cache.d.u.";
-    std::ofstream(cache) << "rows";
-    std::ofstream(other) << "rows";
-    CZelErrorCapture reports;
-    setenv("QMTHOME", home.c_str(), 1);
-    CZelTable::RTClearCache("app", "d", "t");
-    CZelTable::RTClearCache("app", "d", "absent");
-    EXPECT_FALSE(std::filesystem::exists(cache));
-    EXPECT_TRUE(std::filesystem::exists(other));
-    EXPECT_EQ(0U, reports.Count());
-    CZelTable::RTClearCache("app", "d", "../t");
-    EXPECT_TRUE(reports.Holds(E_RCBadValue));
-    unsetenv("QMTHOME");
-    CZelTable::RTClearCache("app", nullptr, "t");
-    EXPECT_EQ("Attempt to clear cache APP name:app, db name:NULL, table name:t", reports.LastText());
-    std::filesystem::remove_all(home);
-}
-
-TEST_F(TableLifeTest, ACacheCanNotBeMadeAndTheTableStaysPlain) {
-    CZelErrorCapture reports;
-    make({column("a", E_RDTInt)});
-    m_table->RTCacheMe(new CZelAtom("app"), 1.0F, E_RBTrue);
-    EXPECT_EQ(E_RCUnsupported, reports.LastCode());
-    EXPECT_EQ(E_RBFalse, m_table->RTIsCacheUsed());
-    EXPECT_EQ(1, insert({{"a", 1}}));
-}
-
 }  // namespace

@@ -1,0 +1,281 @@
+// A table with a record cache, looked at from inside: what events see, what stays when the file can't be written, what
+// a start makes of the rows of an earlier run.
+#include "store/CZelRecordCache.h"
+#include "tests/port/FailingFiles.h"
+#include "tests/store/TableTest.h"
+#include "tests/support/CacheHome.h"
+
+namespace {
+
+class CachedTableTest : public TableTest, public testing::WithParamInterface<CacheKind> {
+protected:
+    ~CachedTableTest() override { close(); }
+
+    // The table takes the place of the one before, as a new process would make it.
+    CZelTable &open(std::initializer_list<CZelTblAttr *> attributes, const CacheKind &kind) {
+        close();
+        m_table = parsed(attributes);
+        m_store.RSAddTbl(m_table, E_RBTrue);
+        if (kind.isBySize)
+            m_table->RTCacheMe(new CZelAtom("app"), kind.bytes, ZelBool(kind.isPersistent));
+        else
+            m_table->RTCacheMe(new CZelAtom("app"), kind.share, ZelBool(kind.isPersistent));
+        m_table->RDOInitialise(&m_store);
+        return *m_table;
+    }
+
+    // Lets the table go without dropping it.
+    void close() {
+        if (m_table == nullptr)
+            return;
+        const CZelAtom name("d");
+        m_store.RSDropDatabase(&name);
+        m_store.RSAddDb(new CZelDatabase(ZelStrDup("d")));
+        m_store.RSInitialise();
+        m_table = nullptr;
+    }
+
+    // The rows are the caller's here.
+    Texts select(CZelFilter *filter) {
+        const CZelBagGuard<CZelRecord> found(m_table->RTReturnRows(filter));
+        delete filter;
+        Texts all;
+        for (const CZelRecord *row : contents<CZelRecord>(found.get()))
+            all.push_back(text(*row));
+        return all;
+    }
+    Texts rows() { return select(nullptr); }
+
+    static CZelFilter *above(const char *column, int value) { return leaf(col(column), E_ROGreater, val(value)); }
+
+    CacheHome m_home;
+    CZelErrorCapture m_reports;
+};
+
+constexpr CacheKind ON_DISK = {"all on disk, kept", true, 0, 0.0F, true};
+constexpr CacheKind IN_MEMORY = {"all in memory, kept", false, 0, 1.0F, true};
+
+TEST_P(CachedTableTest, EventsSeeCopiesInTheOrderOfAPlainTable) {
+    open(
+        {column("k", E_RDTInt, KEY), column("n", E_RDTInt), column("w", E_RDTLong), counters({"n"}), timestamps({"w"})},
+        GetParam());
+    EventLog log;
+    insert({{"k", 1}, {"n", 0}});
+    m_table->RTAddActive(&log, 3);
+    EXPECT_EQ(1, insert({{"k", 2}, {"n", 0}}));
+    EXPECT_EQ(E_RCDuplicate, insertUnique({{"k", 2}}, {"k"}));
+    EXPECT_EQ(E_RCKeyExists, insert({{"k", 1}}));
+    EXPECT_EQ(1, update({{"k", 5}}, where("k", 2)));
+    EXPECT_EQ(1, erase(where("k", 5)));
+    EXPECT_EQ((Texts{"preAdd k=2 n=0", "postAdd k=2 n=0", "preDuplicate k=2 n=0", "postDuplicate k=2 n=1", "preAdd k=1",
+                     "prePreUpdate k=2 n=0", "preUpdate k=2 n=0", "postUpdate k=5 n=0", "preDelete k=5 n=0",
+                     "postDelete k=5 n=0"}),
+              log.events);  // the raised counter is seen, not kept
+    for (const char *event : {"preDelete", "preUpdate", "prePreUpdate"}) {
+        log.refused = event;
+        EXPECT_EQ(1, log.refused == "preDelete" ? erase(nullptr) : update({{"k", 9}}, nullptr));
+        EXPECT_EQ(Texts{"k=1 n=0"}, rows());
+        EXPECT_EQ(Texts{"k=1 n=0"}, select(where("k", 1)));
+    }
+    m_table->RTAddActive(nullptr, 0);
+}
+
+TEST_P(CachedTableTest, CreatedIndexesAndNestedValuesFollowTheRows) {
+    open({column("k", E_RDTInt, KEY), column("g", E_RDTInt), column("s", E_RDTText), column("w", E_RDTLong),
+          timestamps({"w"})},
+         GetParam());
+    for (int i = 0; i < 40; ++i)
+        insert({{"k", i}, {"g", i % 4}, {"s", std::string(static_cast<std::size_t>(i * 20), 'x').c_str()}, {"w", 1L}});
+    addIndex(*m_table, "g");
+    EXPECT_EQ(10U, select(where("g", 2)).size());
+    EXPECT_EQ(1, update({{"g", 2}, {"s", "short"}}, where("g", 3)));
+    EXPECT_EQ(1, erase(where("k", 2)));
+    EXPECT_EQ(19U, select(where("g", 2)).size());
+    EXPECT_EQ(20U, select(either(where("g", 0), where("g", 1))).size());
+    CZelDropIndex drop(ZelStrDup("index_g"));
+    m_table->RTDropIndex(&drop);
+    EXPECT_EQ(19U, select(both(where("g", 2), negated(where("s", "none")))).size());
+    EXPECT_EQ(9U, select(both(where("s", "short"), leaf(col("w"), E_ROGreater, val(1L)))).size() - 1U);
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, CachedTableTest, testing::ValuesIn(CACHE_KINDS), kindName);
+
+TEST_F(CachedTableTest, NothingIsWrittenForARowThatIsRefused) {
+    open({column("k", E_RDTInt, KEY), column("a", E_RDTInt), column("b", E_RDTInt, UNIQUE)}, ON_DISK);
+    insert({{"k", 1}, {"b", 1}});
+    FailingFiles files(FailingFiles::WRITE, 1);
+    EXPECT_EQ(E_RCKeyExists, insert({{"k", 1}, {"b", 2}}));
+    EXPECT_EQ(E_RCKeyExists, insert({{"k", 2}, {"b", 1}}));
+    EXPECT_EQ(E_RCBadColumnValue, insert({{"k", "x"}}));
+    EXPECT_EQ(E_RCBadColumnValue, update({{"k", "x"}}, nullptr));
+    EXPECT_EQ(0, files.Calls(FailingFiles::WRITE));
+}
+
+Texts sortedTexts(Texts texts) {
+    std::sort(texts.begin(), texts.end());
+    return texts;
+}
+
+// A table of two rows with a key, a unique column and a created index, and one change of each kind to it.
+class FailingChangeTest : public CachedTableTest {
+protected:
+    FailingChangeTest() : m_large(1500, 'x') {}
+
+    void begin(const CacheKind &kind) {
+        open({column("k", E_RDTInt, KEY), column("u", E_RDTInt, UNIQUE), column("g", E_RDTInt), column("s", E_RDTText)},
+             kind);
+        m_table->RTDropTable();
+        addIndex(*m_table, "g");
+        insert({{"k", 1}, {"u", 1}, {"g", 1}, {"s", m_large.c_str()}});
+        insert({{"k", 2}, {"u", 2}, {"g", 1}});
+        m_before = rows();
+    }
+
+    int change(int kind) {
+        if (kind == 0)
+            return insert({{"k", 3}, {"u", 3}, {"g", 1}, {"s", m_large.c_str()}});
+        return kind == 1 ? update({{"k", 7}, {"u", 8}, {"g", 2}, {"u", 9}}, where("k", 1)) : erase(where("k", 1));
+    }
+
+    void expectAsBefore() {
+        EXPECT_EQ(m_before, rows());
+        EXPECT_EQ(sortedTexts(m_before), sortedTexts(select(where("g", 1))));
+        EXPECT_EQ(Texts{m_before[0]}, select(where("u", 1)));
+        EXPECT_EQ(Texts{m_before[0]}, select(where("k", 1)));
+        EXPECT_EQ(Texts(), select(either(above("k", 2), either(above("u", 2), above("g", 1)))));
+    }
+
+    std::string m_large;
+    Texts m_before;
+};
+
+// Whichever write of a change fails, the rows and every index are as before, and the change works when the fault is
+// gone.
+TEST_F(FailingChangeTest, AChangeThatCantBeStoredHasNotHappened) {
+    for (const CacheKind &kind : {ON_DISK, IN_MEMORY}) {
+        for (int what = 0; what < 3; ++what) {
+            int status = E_RCPageWrite;
+            for (int number = 1; status != 1; ++number) {
+                begin(kind);
+                {
+                    const FailingFiles files(FailingFiles::WRITE, number, ENOSPC);
+                    status = change(what);
+                }
+                if (status == 1)
+                    break;  // it needs fewer writes
+                EXPECT_EQ(E_RCPageWrite, status);
+                expectAsBefore();
+                EXPECT_EQ(1, change(what));
+                ASSERT_LT(number, 50);
+            }
+        }
+    }
+}
+
+TEST_F(CachedTableTest, TheStatementSaysThatARowIsNotStored) {
+    open({column("k", E_RDTInt, KEY), column("n", E_RDTInt)}, ON_DISK);
+    insert({{"k", 1}, {"n", 1}});
+    CZelUpdate update(target(), nullptr, nullptr);
+    update.RUAddAssignment("n", std::make_unique<CZelAtom>(2).get());
+    CZelDelete erase(target(), nullptr);
+    CZelDbEntity entity("d", "t", nullptr);
+    for (int step = 0; step < 4; ++step) {
+        const FailingFiles files(FailingFiles::WRITE, 1, ENOSPC);
+        const std::unique_ptr<CZelRecord> row(record({{"k", 2}}));
+        EZelStoreErrorStatus status = E_RSEOk;
+        if (step == 0)
+            m_store.RSInsert(row.get(), &entity, &status, E_RBTrue);
+        else if (step == 1)
+            m_store.RSUpdate(&update, &status);
+        else if (step == 2)
+            m_store.RSUpdate(row.get(), nullptr, &entity, &status);
+        else
+            m_store.RSDelete(&erase, &status);
+        EXPECT_EQ(E_RSEUpdateFailed, status) << step;
+    }
+    EXPECT_EQ(Texts{"k=1 n=1"}, rows());
+}
+
+TEST_F(CachedTableTest, ARowThatCantBeReadIsPassedOver) {
+    open({column("k", E_RDTInt, KEY), column("n", E_RDTInt)}, ON_DISK);
+    for (int i = 0; i < 3; ++i)
+        insert({{"k", i}, {"n", i}});
+    m_reports.Clear();
+    {
+        const FailingFiles files(FailingFiles::READ, 2);
+        EXPECT_EQ((Texts{"k=0 n=0", "k=2 n=2"}), rows());
+    }
+    EXPECT_TRUE(m_reports.Holds(E_RCBadArgument));
+    {
+        const FailingFiles files(FailingFiles::READ, 2);
+        EXPECT_EQ((Texts{"k=0 n=0", "k=2 n=2"}), select(leaf(col("n"), E_ROGreaterEqual, val(0))));
+    }
+    {
+        const FailingFiles files(FailingFiles::READ, 1);
+        EXPECT_EQ(1, update({{"n", 9}}, where("k", 0)));
+    }
+    EXPECT_EQ((Texts{"k=0 n=0", "k=1 n=1", "k=2 n=2"}), rows());
+}
+
+// --- a start ---
+
+TEST_F(CachedTableTest, RowsComeBackAndTheirIndexesToo) {
+    for (const CacheKind &kind : CACHE_KINDS) {
+        open({column("k", E_RDTInt, KEY), column("s", E_RDTText)}, kind);
+        EXPECT_EQ(E_RBFalse, m_table->RTGetInitialisedFromDisk());
+        for (int i = 0; i < 30; ++i)
+            insert({{"k", i}, {"s", std::string(static_cast<std::size_t>(i * 60), 'x').c_str()}});
+        erase(above("k", 24));
+        update({{"s", "changed"}}, where("k", 20));
+        Texts before = rows();
+        open({column("k", E_RDTInt, KEY), column("s", E_RDTText)}, kind);
+        Texts after = rows();
+        std::sort(before.begin(), before.end());
+        std::sort(after.begin(), after.end());
+        EXPECT_EQ(kind.isPersistent ? before : Texts(), after) << kind.name;
+        EXPECT_EQ(ZelBool(kind.isPersistent), m_table->RTGetInitialisedFromDisk());
+        EXPECT_EQ(kind.isPersistent ? 1U : 0U, select(where("k", 20)).size());
+        EXPECT_EQ(kind.isPersistent ? E_RCKeyExists : 1, insert({{"k", 3}}));
+        m_table->RTDropTable();
+    }
+}
+
+TEST_F(CachedTableTest, AKeyOfADefinitionThatHasChangedKeepsTheFirstRow) {
+    open({column("a", E_RDTInt), column("b", E_RDTInt)}, IN_MEMORY);
+    for (const auto &[a, b] : {std::pair(1, 1), {1, 2}, {1, 1}, {2, 1}, {2, 1}, {2, 2}})
+        insert({{"a", a}, {"b", b}});
+    insert({{"b", 7}});
+    open({column("a", E_RDTInt), column("b", E_RDTInt), keyOf({"a", "b"})}, IN_MEMORY);
+    const Texts composite = {"a=1 b=1", "a=1 b=2", "a=2 b=1", "a=2 b=2", "b=7"};
+    EXPECT_EQ(composite, rows());
+    EXPECT_TRUE(m_reports.Holds(E_RCKeyExists));
+    open({column("a", E_RDTInt), column("b", E_RDTInt)}, IN_MEMORY);  // they are gone from the file
+    EXPECT_EQ(composite, rows());
+    open({column("a", E_RDTInt, KEY), column("b", E_RDTInt)}, IN_MEMORY);
+    EXPECT_EQ((Texts{"a=1 b=1", "a=2 b=1", "b=7"}), rows());
+    EXPECT_EQ(E_RCKeyExists, insert({{"a", 2}, {"b", 5}}));
+}
+
+TEST_F(CachedTableTest, ATableThatCantHaveItsFileTakesNoRows) {
+    std::filesystem::remove_all(m_home.folder());
+    open({column("k", E_RDTInt, KEY)}, IN_MEMORY);
+    EXPECT_TRUE(m_reports.Holds(E_RCOpenFailed, "Failed to create proportional cache"));
+    EXPECT_EQ(E_RBTrue, m_table->RTIsCacheUsed());
+    EXPECT_NE(1, insert({{"k", 1}}));
+    EXPECT_EQ(E_RCNotFound, update({{"k", 1}}, nullptr));
+    EXPECT_EQ(E_RCNotFound, erase(nullptr));
+    EXPECT_EQ(Texts(), rows());
+    EXPECT_EQ(0, m_table->RTTotalRecordCount());
+}
+
+TEST_F(CachedTableTest, ACacheNeedsANameAndComesOnce) {
+    close();
+    m_table = parsed({column("k", E_RDTInt)});
+    m_store.RSAddTbl(m_table, E_RBTrue);
+    m_table->RTCacheMe(new CZelAtom(static_cast<const char *>(nullptr)), 1.0F, E_RBTrue);
+    EXPECT_TRUE(m_reports.Holds(E_RCBadArgument, "Failed to create proportional cache"));
+    m_table->RTCacheMe(new CZelAtom("app"), 1.0F, E_RBTrue);
+    EXPECT_EQ(Texts(), m_home.files());
+}
+
+}  // namespace
