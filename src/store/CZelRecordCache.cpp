@@ -7,8 +7,10 @@
 #include <memory>
 
 #include "foundations/base/CZelEnv.h"
+#include "foundations/base/CZelROMPer.h"
 #include "foundations/base/CZelRecord.h"
 #include "foundations/base/CZelString.h"
+#include "foundations/base/CZelVarBind.h"
 #include "foundations/base/ZelMalloc.h"
 #include "foundations/port/CZelError.h"
 #include "store/CZelCachedRecord.h"
@@ -26,6 +28,18 @@ char *defaultLocation() {
     return folder.RSTakeString();
 }
 
+// Does the encoding read as a record? Each pair is built in the place of the one before.
+bool isRecord(const unsigned char *encoding, int length) {
+    CZelROMPer packet(const_cast<unsigned char *>(encoding), length, E_RBTrue);
+    CZelVarBind pair("", static_cast<const CZelAtom *>(nullptr));
+    int status = E_RCOk;
+    while (status == E_RCOk && packet.RRGetNextAttrVal(&status, &pair) != nullptr) {
+    }
+    if (status != E_RCOk)
+        ZEL_REPORT(status, "CZelRecordCache: a row in the cache file is damaged and is passed over");
+    return status == E_RCOk;
+}
+
 }  // namespace
 
 // Makes an entry of each chain that is found at start.
@@ -34,16 +48,17 @@ public:
     explicit FileReader(CZelRecordCache &cache) : m_cache(cache) {}
 
     bool takeChain(long start, const unsigned char *encoding, int length) override {
-        auto record = std::make_unique<CZelRecord>();
-        if (record->ROMDecode(encoding, length) != E_RCOk)
+        std::unique_ptr<CZelRecord> record;
+        if (m_cache.m_type == E_RCTAllInCore)
+            record = std::make_unique<CZelRecord>();
+        if (record != nullptr ? record->ROMDecode(encoding, length) != E_RCOk : !isRecord(encoding, length))
             return false;
         CZelAtom *handle = m_cache.m_handles.take();
         if (handle == nullptr) {
             m_status = E_RCNoHandle;
             return false;
         }
-        const bool isKept = m_cache.m_type == E_RCTAllInCore;
-        CZelCachedRecord *entry = m_cache.newEntry(isKept ? record.release() : nullptr, E_RBFalse, start, length);
+        CZelCachedRecord *entry = m_cache.newEntry(record.release(), E_RBFalse, start, length);
         m_cache.m_handles.add(handle, entry);
         m_cache.enter(*entry);
         m_cache.m_initialisedFromDisk = E_RBTrue;
