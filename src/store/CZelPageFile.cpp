@@ -123,6 +123,8 @@ int CZelPageFile::moveAside() {
     if (status != 1)
         return E_RCPageWrite;
     m_isForeign = false;
+    m_whole = NO_POSITION;
+    forgetAhead();
     ZEL_REPORT(E_RCMalformed, ("The unreadable cache file was moved to " + aside).c_str());
     return 1;
 }
@@ -156,6 +158,7 @@ int CZelPageFile::reserve(std::size_t pages) {
         m_pageCount += count;
         m_counts.m_free += count;
     }
+    m_whole = NO_POSITION;
     m_chain.assign(m_free.begin(), m_free.begin() + static_cast<std::ptrdiff_t>(pages));
     m_free.erase(m_free.begin(), m_free.begin() + static_cast<std::ptrdiff_t>(pages));
     m_counts.m_free -= static_cast<long>(pages);

@@ -106,6 +106,9 @@ private:
     void undo();
     int follow(long start);  // fills m_chain and m_bytes with the positions and bytes of a chain that is whole
     int followOn(const CZelROMPWrapper &first);
+    long readPages(unsigned char *place, std::size_t pages, long position);
+    void lookAhead(long start);
+    void forgetAhead();
     int broken() const;
     int empty(const std::vector<long> &chain);
     int emptyPending();
@@ -127,4 +130,10 @@ private:
     std::vector<std::vector<long>> m_pending;  // chains that don't count any more and could not be emptied yet
     std::vector<long> m_chain;                 // positions of the chain at hand
     std::vector<unsigned char> m_bytes;        // its pages, one after the other
+    std::vector<unsigned char> m_ahead;        // pages from m_aheadStart on, while chains are read in the file's order
+    long m_aheadStart = 0;
+    long m_aheadBytes = 0;       // 0: none
+    int m_readsInOrder = 0;      // since the last write
+    long m_endOfLast = -1;       // position behind the chain that was read last
+    long m_whole = NO_POSITION;  // start of the chain that m_chain and m_bytes hold as it stands in the file
 };

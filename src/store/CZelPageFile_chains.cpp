@@ -13,6 +13,9 @@ namespace {
 
 constexpr int PAGE = CZelROMPWrapper::PAGE_BYTES;
 constexpr int SLICE = CZelROMPWrapper::SLICE_BYTES;
+constexpr long AHEAD = 65536;      // bytes
+constexpr int READS_IN_ORDER = 4;  // before more is read than was asked for
+constexpr long NEAR = 32L * PAGE;  // a chain that starts no further behind the last one is the next in order
 
 std::size_t pagesFor(int length) {
     return static_cast<std::size_t>((length + SLICE - 1) / SLICE);
@@ -62,6 +65,7 @@ int CZelPageFile::lookUpFormer(long start, std::vector<long> &former, unsigned l
 // The pages of m_chain in m_bytes.
 void CZelPageFile::layOut(const unsigned char *encoding, int length, long replaced, unsigned long long replacedStamp) {
     ++m_stamp;
+    m_whole = NO_POSITION;
     m_bytes.resize(m_chain.size() * PAGE);
     for (std::size_t i = 0; i < m_chain.size(); ++i) {
         CZelROMPWrapper page(encoding, length, static_cast<int>(i) * SLICE);
@@ -93,6 +97,7 @@ int CZelPageFile::writeChain() {
 // Requires: the positions of pages [from, to) of the chain follow each other. Their bytes lie in m_bytes.
 int CZelPageFile::writePages(const std::vector<long> &chain, std::size_t from, std::size_t to) {
     const auto count = static_cast<unsigned int>((to - from) * PAGE);
+    forgetAhead();
     errno = 0;
     const long done = ZelFilePWrite(m_file, m_bytes.data() + from * PAGE, count, chain[from]);
     if (done == static_cast<long>(count))
@@ -126,6 +131,7 @@ int CZelPageFile::release(long start) {
 // Empties a chain, first page first: from that page on it doesn't count. Its other pages are only put in order, and
 // those that can't be are used again all the same.
 int CZelPageFile::empty(const std::vector<long> &chain) {
+    m_whole = NO_POSITION;
     m_bytes.assign(chain.size() * PAGE, 0);
     if (writePages(chain, 0, 1) != 1)
         return E_RCPageWrite;
@@ -172,17 +178,50 @@ int CZelPageFile::read(long start, unsigned char **encoding, int *length) {
 int CZelPageFile::follow(long start) {
     if (!isOpen() || start < 0 || start % PAGE != 0 || start / PAGE >= m_pageCount)
         return ZEL_FAIL(E_RCBadArgument, "CZelPageFile: no position of this file");
+    if (start == m_whole)
+        return 1;
+    lookAhead(start);
+    m_whole = NO_POSITION;
     m_chain.assign(1, start);
     m_bytes.resize(PAGE);
-    if (ZelFilePRead(m_file, m_bytes.data(), PAGE, start) != PAGE)
+    if (readPages(m_bytes.data(), 1, start) != 1)
         return fail(E_RCPageRead, "a page could not be read whole");
     const CZelROMPWrapper first(m_bytes.data());
     const int total = first.RRWGetTotalLen();
     if (first.RRWGetIsFirstPkt() != E_RBTrue || pagesFor(total) > static_cast<std::size_t>(m_pageCount))
         return broken();
-    if (first.RRWGetDataLen() == total)
-        return first.RRWGetNextPkt() == CZelROMPWrapper::LAST_PAGE ? 1 : broken();
-    return followOn(first);
+    const int status = first.RRWGetDataLen() != total                        ? followOn(first)
+                       : first.RRWGetNextPkt() == CZelROMPWrapper::LAST_PAGE ? 1
+                                                                             : broken();
+    m_endOfLast = m_chain.back() + PAGE;
+    m_whole = status == 1 ? start : NO_POSITION;
+    return status;
+}
+
+// Chains that are asked for in the order of the file come from a large block. Nobody else writes the locked file, so
+// the block is good until the next write.
+void CZelPageFile::lookAhead(long start) {
+    const bool isNext = start >= m_endOfLast && start < m_endOfLast + NEAR;
+    m_readsInOrder = isNext ? m_readsInOrder + 1 : 0;
+    if (m_readsInOrder < READS_IN_ORDER || (start >= m_aheadStart && start < m_aheadStart + m_aheadBytes))
+        return;
+    m_ahead.resize(AHEAD);
+    m_aheadStart = start;
+    m_aheadBytes = std::max(ZelFilePRead(m_file, m_ahead.data(), AHEAD, start), 0L) / PAGE * PAGE;
+}
+
+void CZelPageFile::forgetAhead() {
+    m_aheadBytes = 0;
+    m_readsInOrder = 0;
+}
+
+// Pages read whole.
+long CZelPageFile::readPages(unsigned char *place, std::size_t pages, long position) {
+    const long bytes = static_cast<long>(pages) * PAGE;
+    if (position < m_aheadStart || position + bytes > m_aheadStart + m_aheadBytes)
+        return ZelFilePRead(m_file, place, static_cast<unsigned int>(bytes), position) / PAGE;
+    std::memcpy(place, m_ahead.data() + (position - m_aheadStart), static_cast<std::size_t>(bytes));
+    return static_cast<long>(pages);
 }
 
 // The pages behind the first one.
@@ -190,10 +229,7 @@ int CZelPageFile::followOn(const CZelROMPWrapper &first) {
     const std::size_t count = pagesFor(first.RRWGetTotalLen());
     m_bytes.resize(count * PAGE);
     const long behind = m_chain.front() + PAGE;
-    const long guessed =
-        first.RRWGetNextPkt() != behind
-            ? 0
-            : ZelFilePRead(m_file, m_bytes.data() + PAGE, static_cast<unsigned int>((count - 1) * PAGE), behind) / PAGE;
+    const long guessed = first.RRWGetNextPkt() != behind ? 0 : readPages(m_bytes.data() + PAGE, count - 1, behind);
     long length = first.RRWGetDataLen();
     long position = first.RRWGetNextPkt();
     for (std::size_t i = 1; i < count; ++i) {
@@ -201,7 +237,7 @@ int CZelPageFile::followOn(const CZelROMPWrapper &first) {
         const bool isThere = static_cast<long>(i) <= guessed && position == behind + static_cast<long>(i - 1) * PAGE;
         if (position / PAGE >= m_pageCount)
             return broken();
-        if (!isThere && ZelFilePRead(m_file, bytes, PAGE, position) != PAGE)
+        if (!isThere && readPages(bytes, 1, position) != 1)
             return fail(E_RCPageRead, "a page could not be read whole");
         const CZelROMPWrapper page(bytes);
         if (page.RRWCondition() != CZelROMPWrapper::SOUND || page.RRWGetIsFirstPkt() == E_RBTrue ||

@@ -107,6 +107,7 @@ void CZelPageFile::takeChains(CZelPageMap &map, Reader &reader) {
 }
 
 bool CZelPageFile::takeChain(const CZelPageMap &map, Window &window, long start, Reader &reader) {
+    m_whole = NO_POSITION;
     m_bytes.clear();
     for (long number = start; number >= 0; number = map.next(number)) {
         const unsigned char *bytes = window.page(number * PAGE, number == start);
