@@ -136,4 +136,6 @@ private:
     int m_readsInOrder = 0;      // since the last write
     long m_endOfLast = -1;       // position behind the chain that was read last
     long m_whole = NO_POSITION;  // start of the chain that m_chain and m_bytes hold as it stands in the file
+    unsigned long long m_wholeStamp = 0;
+    std::vector<unsigned char> m_encoding;  // what it encodes
 };

@@ -57,7 +57,7 @@ int CZelPageFile::lookUpFormer(long start, std::vector<long> &former, unsigned l
     const int status = follow(start);
     if (status == 1) {
         former = m_chain;
-        stamp = CZelROMPWrapper(m_bytes.data()).RRWGetStamp();
+        stamp = m_wholeStamp;
     }
     return status == E_RCBadValue ? 1 : status;
 }
@@ -162,14 +162,9 @@ int CZelPageFile::read(long start, unsigned char **encoding, int *length) {
     const int status = follow(start);
     if (status != 1)
         return status;
-    const int total = CZelROMPWrapper(m_bytes.data()).RRWGetTotalLen();
-    auto *block = static_cast<unsigned char *>(ZelMalloc(static_cast<std::size_t>(total)));
-    for (std::size_t i = 0; i < m_chain.size(); ++i) {
-        const CZelROMPWrapper page(m_bytes.data() + i * PAGE);
-        std::memcpy(block + *length, page.RRWGetROMPData(), static_cast<std::size_t>(page.RRWGetDataLen()));
-        *length += page.RRWGetDataLen();
-    }
-    *encoding = block;
+    *encoding = static_cast<unsigned char *>(ZelMalloc(m_encoding.size()));
+    std::memcpy(*encoding, m_encoding.data(), m_encoding.size());
+    *length = static_cast<int>(m_encoding.size());
     return 1;
 }
 
@@ -190,9 +185,11 @@ int CZelPageFile::follow(long start) {
     const int total = first.RRWGetTotalLen();
     if (first.RRWGetIsFirstPkt() != E_RBTrue || pagesFor(total) > static_cast<std::size_t>(m_pageCount))
         return broken();
+    m_encoding.assign(first.RRWGetROMPData(), first.RRWGetROMPData() + first.RRWGetDataLen());
     const int status = first.RRWGetDataLen() != total                        ? followOn(first)
                        : first.RRWGetNextPkt() == CZelROMPWrapper::LAST_PAGE ? 1
                                                                              : broken();
+    m_wholeStamp = first.RRWGetStamp();
     m_endOfLast = m_chain.back() + PAGE;
     m_whole = status == 1 ? start : NO_POSITION;
     return status;
@@ -244,6 +241,7 @@ int CZelPageFile::followOn(const CZelROMPWrapper &first) {
             page.RRWGetStamp() != first.RRWGetStamp() || page.RRWGetTotalLen() != first.RRWGetTotalLen())
             return broken();
         m_chain.push_back(position);
+        m_encoding.insert(m_encoding.end(), page.RRWGetROMPData(), page.RRWGetROMPData() + page.RRWGetDataLen());
         length += page.RRWGetDataLen();
         position = page.RRWGetNextPkt();
     }
