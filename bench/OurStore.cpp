@@ -41,6 +41,15 @@ CZelFilter *filterOf(CZelDbObject *statement) {
 }  // namespace
 
 OurStore::OurStore() : m_manager(static_cast<CZelEngine *>(nullptr), nullptr) {
+    defineTable();
+}
+
+OurStore::OurStore(const char *cacheName, float share)
+    : m_manager(static_cast<CZelEngine *>(nullptr), E_RBFalse, 0, E_RBTrue, share, nullptr, cacheName, E_RBTrue) {
+    defineTable();
+}
+
+void OurStore::defineTable() {
     run("create database b; create table b.t (EntityName text not null primary key, EntityType int, "
         "ObjectId long64 not null unique, IpAddr text, Speed long64, Load float, Status int, Descr text);");
     run("create index ByType on b.t (EntityType);");

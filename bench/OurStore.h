@@ -16,6 +16,8 @@ class OurStore {
 public:
     OurStore();  // an empty table with its indexes
     explicit OurStore(const std::vector<BenchRow> &rows);
+    // The table in a persistent cache that keeps a share of its bytes in memory; with the rows that it held before.
+    OurStore(const char *cacheName, float share);
 
     CZelStoreMgr &manager() { return m_manager; }
     void run(const std::string &text);                  // ends the program when anything is reported
@@ -26,6 +28,8 @@ public:
     static OurStore &loaded();  // with benchRows(), made on first use
 
 private:
+    void defineTable();
+
     CZelStoreMgr m_manager;
 };
 

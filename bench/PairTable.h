@@ -19,6 +19,7 @@ struct BenchPeer {
     bool showsRate;
 };
 inline const BenchPeer SQLITE = {"sqlite", false};
+inline const BenchPeer SQLITE_ON_DISK = {"sqlite disk", true};
 
 // `unit` says what an item is. Works are done several times: each leaves the data as it found it. Pairs with the same
 // peer are added one behind the other: each change of the peer begins a table.

@@ -62,9 +62,22 @@ void SqliteStatement::fetch(BenchRow &row) {
 
 Sqlite::Sqlite() {
     check(sqlite3_open(":memory:", &m_database), m_database);
-    run("create table t (EntityName text not null primary key, EntityType int, ObjectId bigint not null unique, "
+    defineTable();
+}
+
+Sqlite::Sqlite(const std::string &path, long cacheBytes) {
+    check(sqlite3_open(path.c_str(), &m_database), m_database);
+    run("pragma journal_mode=wal");
+    run("pragma synchronous=off");
+    run("pragma cache_size=-" + std::to_string(cacheBytes / 1024));
+    defineTable();
+}
+
+void Sqlite::defineTable() {
+    run("create table if not exists t (EntityName text not null primary key, EntityType int, ObjectId bigint not null "
+        "unique, "
         "IpAddr text, Speed bigint, Load float, Status int, Descr text);");
-    run("create index ByType on t (EntityType);");
+    run("create index if not exists ByType on t (EntityType);");
 }
 
 Sqlite::Sqlite(const std::vector<BenchRow> &rows) : Sqlite() {

@@ -1,4 +1,4 @@
-// SQLite in memory with the rows of the bench.
+// SQLite with the rows of the bench.
 #pragma once
 
 #include <sqlite3.h>
@@ -32,6 +32,8 @@ class Sqlite {
 public:
     Sqlite();  // an empty table t with its indexes
     explicit Sqlite(const std::vector<BenchRow> &rows);
+    // In a file, with a page cache of that many bytes, a write-ahead log and no waiting for the disk.
+    Sqlite(const std::string &path, long cacheBytes);
     Sqlite(const Sqlite &) = delete;
     Sqlite &operator=(const Sqlite &) = delete;
     ~Sqlite();
@@ -47,5 +49,7 @@ public:
     static Sqlite &loaded();  // with benchRows(), made on first use
 
 private:
+    void defineTable();
+
     sqlite3 *m_database = nullptr;
 };

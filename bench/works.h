@@ -5,6 +5,7 @@ void addParseWorks();
 void addInsertWorks();
 void addSelectWorks();
 void addChangeWorks();
+void addCacheWorks();
 void addClauseWorks();
 void addMemoryMeasure();
 void addVendorWork();  // only with QUINTOR_VENDORS in the environment

@@ -1,0 +1,197 @@
+// A persistent table of 200,000 rows with a tenth of its bytes in memory, beside SQLite on disk with a page cache of
+// as many bytes. Both files lie in a scratch directory that is removed.
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+
+#include "bench/OurStore.h"
+#include "bench/PairTable.h"
+#include "bench/Sqlite.h"
+#include "bench/works.h"
+#include "foundations/base/CZelAtom.h"
+#include "foundations/base/CZelROMPer.h"
+#include "foundations/base/CZelRecord.h"
+
+namespace {
+
+constexpr float SHARE = 0.1F;
+constexpr int READS = 20000;
+constexpr int UPDATED_TYPES = 10;
+constexpr int UPDATES = BENCH_ROWS / BENCH_TYPES * UPDATED_TYPES;  // about, as types are random
+
+class Scratch {
+public:
+    Scratch() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "quintor-bench-XXXXXX").string();
+        m_path = mkdtemp(pattern.data());
+        empty();
+        setenv("QMTHOME", m_path.c_str(), 1);
+    }
+    Scratch(const Scratch &) = delete;
+    Scratch &operator=(const Scratch &) = delete;
+    ~Scratch() { std::filesystem::remove_all(m_path); }
+
+    void empty() const {
+        std::filesystem::remove_all(m_path / "var");
+        std::filesystem::create_directories(m_path / "var" / "solvantis");
+    }
+    std::string database() const { return (m_path / "var" / "sqlite.db").string(); }
+
+private:
+    std::filesystem::path m_path;
+};
+
+// The rows' bytes in our encoding, of which both sides may keep a tenth.
+long bytesInMemory() {
+    static const long bytes = [] {
+        long sum = 0;
+        for (const BenchRow &row : benchRows()) {
+            const std::unique_ptr<CZelRecord> record(recordOf(row));
+            CZelROMPer packet(CZelROMPer::INITIAL_SIZE);
+            sum += record->ROMEncode(packet) == 1 ? packet.RRCreatedLength() : 0;
+        }
+        return static_cast<long>(static_cast<float>(sum) * SHARE);
+    }();
+    return bytes;
+}
+
+// Both stores, filled when first asked for; at most one of either is open.
+class Pair {
+public:
+    OurStore &ours() {
+        if (m_ours == nullptr) {
+            m_ours = std::make_unique<OurStore>("bench", SHARE);
+            if (!m_isOursFilled)
+                m_ours->insertAll(benchRows());
+            m_isOursFilled = true;
+        }
+        return *m_ours;
+    }
+    Sqlite &theirs() {
+        if (m_theirs == nullptr) {
+            m_theirs = std::make_unique<Sqlite>(m_scratch.database(), bytesInMemory());
+            if (!m_areTheirsFilled)
+                m_theirs->insertAll(benchRows());
+            m_areTheirsFilled = true;
+        }
+        return *m_theirs;
+    }
+    void close() {
+        m_ours.reset();
+        m_theirs.reset();
+    }
+    void clear() {
+        close();
+        m_scratch.empty();
+        m_isOursFilled = m_areTheirsFilled = false;
+        bytesInMemory();
+    }
+
+private:
+    Scratch m_scratch;
+    std::unique_ptr<OurStore> m_ours;
+    std::unique_ptr<Sqlite> m_theirs;
+    bool m_isOursFilled = false;
+    bool m_areTheirsFilled = false;
+};
+
+Pair &stores() {
+    static Pair pair;
+    return pair;
+}
+
+const std::string &keyAt(int position) {
+    return benchRows()[static_cast<std::size_t>(position)].entityName;
+}
+
+const std::vector<int> &readPositions() {
+    static const std::vector<int> positions = randomPositions(READS, BENCH_ROWS, 23);
+    return positions;
+}
+
+void readOurs(OurStore &store, int count) {
+    OurStatement statement("select * from b.t where EntityName = '';");
+    for (int i = 0; i < count; ++i) {
+        statement.setKey(CZelAtom(keyAt(readPositions()[static_cast<std::size_t>(i)]).c_str()));
+        if (store.select(statement.statements()) != 1)
+            std::exit(1);
+    }
+}
+
+void readTheirs(Sqlite &database, int count) {
+    SqliteStatement statement(database.get(), "select * from t where EntityName = ?");
+    BenchRow row;
+    for (int i = 0; i < count; ++i) {
+        statement.bind(1, keyAt(readPositions()[static_cast<std::size_t>(i)]));
+        while (statement.step())
+            statement.fetch(row);
+        statement.reset();
+    }
+}
+
+BenchRun loadOurs() {
+    stores().clear();
+    return {BENCH_ROWS, secondsOf([] { stores().ours(); })};
+}
+
+BenchRun loadTheirs() {
+    stores().clear();
+    return {BENCH_ROWS, secondsOf([] { stores().theirs(); })};
+}
+
+BenchRun pointOurs() {
+    OurStore &store = stores().ours();
+    return {READS, secondsOf([&] { readOurs(store, READS); })};
+}
+
+BenchRun pointTheirs() {
+    Sqlite &database = stores().theirs();
+    return {READS, secondsOf([&] { readTheirs(database, READS); })};
+}
+
+// A quarter of the rows answer.
+BenchRun scanOurs() {
+    OurStore &store = stores().ours();
+    return {BENCH_ROWS, secondsOf([&] { store.select("select * from b.t where Status = 3;"); })};
+}
+
+BenchRun scanTheirs() {
+    Sqlite &database = stores().theirs();
+    return {BENCH_ROWS, secondsOf([&] { database.select("select * from t where Status = 3"); })};
+}
+
+std::string updateText(const char *table) {
+    return std::string("update ") + table + " set Load = 1.5 where EntityType < " + std::to_string(UPDATED_TYPES) + ";";
+}
+
+BenchRun updateOurs() {
+    OurStore &store = stores().ours();
+    return {UPDATES, secondsOf([&] { store.run(updateText("b.t")); })};
+}
+
+BenchRun updateTheirs() {
+    Sqlite &database = stores().theirs();
+    return {UPDATES, secondsOf([&] { database.run(updateText("t")); })};
+}
+
+BenchRun restartOurs() {
+    stores().ours();
+    stores().close();
+    return {BENCH_ROWS, secondsOf([] { readOurs(stores().ours(), 1); })};
+}
+
+BenchRun restartTheirs() {
+    stores().theirs();
+    stores().close();
+    return {BENCH_ROWS, secondsOf([] { readTheirs(stores().theirs(), 1); })};
+}
+
+}  // namespace
+
+void addCacheWorks() {
+    addPair("cache: load", "row", loadOurs, loadTheirs, SQLITE_ON_DISK);
+    addPair("cache: random point reads", "row", pointOurs, pointTheirs, SQLITE_ON_DISK);
+    addPair("cache: scan", "row", scanOurs, scanTheirs, SQLITE_ON_DISK);
+    addPair("cache: update of 20,000 rows", "row", updateOurs, updateTheirs, SQLITE_ON_DISK);
+    addPair("cache: restart to first answer", "row", restartOurs, restartTheirs, SQLITE_ON_DISK);
+}
