@@ -51,7 +51,10 @@ CZelShell::CZelShell(const CZelShellOptions &options, int results)
     : m_options(options),
       m_output(results),
       m_format(options.m_format),
-      m_writer(CZelResultWriter::Make(options.m_format, m_output)) {}
+      m_writer(CZelResultWriter::Make(options.m_format, m_output)),
+      m_store(options.m_cache) {
+    m_store.OnRecovered([this](const std::string &what) { say("oql: " + what + "\n"); });
+}
 
 CZelShell::~CZelShell() = default;
 

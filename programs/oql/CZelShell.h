@@ -79,6 +79,7 @@ private:
     bool tablesCommand(const std::string &argument);
     bool schemaCommand(const std::string &argument);
     bool indexesCommand(const std::string &argument);
+    bool cacheCommand(const std::string &argument);
     bool describeCommand(const std::string &argument);
     bool readCommand(const std::string &argument);
     bool dumpCommand(const std::string &argument);

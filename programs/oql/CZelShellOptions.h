@@ -4,7 +4,18 @@
 #include <string>
 #include <vector>
 
+#include "foundations/port/ZelFile.h"
 #include "programs/oql/CZelResultWriter.h"
+
+// What the store keeps its rows in.
+struct SZelShellCache {
+    std::string m_name;       // empty: memory alone
+    bool m_isBySize = false;  // -bytes
+    unsigned long long m_bytes = 0;
+    bool m_isByShare = false;  // -share
+    float m_share = 1;
+    bool m_isPersistent = false;
+};
 
 struct SZelShellInput {
     enum Kind { TEXT, FILE };
@@ -27,11 +38,19 @@ public:
     bool m_help = false;
     bool m_version = false;
     int m_debug = 0;
+    SZelShellCache m_cache;
+    std::string m_root;  // install root; empty for QMTHOME's
+    std::string m_domain = "LOCAL";
+    EZelSyncPolicy m_sync = E_SPOff;
     std::string m_problem;
 
 private:
     bool take(const std::string &name, const char *value);
     bool takeDebug(const char *value);
     bool takeFormat(const char *value);
+    bool takeBytes(const char *value);
+    bool takeShare(const char *value);
+    bool takeSync(const char *value);
+    bool checkCache();
     bool fail(const std::string &problem);
 };

@@ -11,6 +11,7 @@
 #include "programs/oql/CZelStoreDump.h"
 #include "programs/oql/ZelEach.h"
 #include "store/CZelDatabase.h"
+#include "store/CZelRecordCache.h"
 #include "store/CZelStore.h"
 #include "store/CZelTable.h"
 
@@ -57,6 +58,27 @@ void addIndexRows(const CZelTable &table, CZelResult &result) {
                        [&](const CZelIndex &index) { result.AddRow(indexRow(table, index)); });
 }
 
+void addCount(CZelRecord &row, const char *name, long long count) {
+    CZelAtom value(count);
+    row.RRAddValue(new CZelVarBind(name, &value));
+}
+
+std::unique_ptr<CZelRecord> cacheRow(const CZelTable &table) {
+    const SZelCacheUse use = table.RTCacheUse();
+    const double share =
+        use.m_bytes == 0 ? 0 : static_cast<double>(use.m_inCoreBytes) / static_cast<double>(use.m_bytes);
+    auto row = std::make_unique<CZelRecord>();
+    row->RRAddValue(new CZelVarBind("Table", nameOf(table).c_str()));
+    addCount(*row, "Rows", use.m_rows);
+    addCount(*row, "Bytes", static_cast<long long>(use.m_bytes));
+    CZelAtom inMemory(static_cast<float>(share));
+    row->RRAddValue(new CZelVarBind("InMemory", &inMemory));
+    addCount(*row, "PagesUsed", use.m_pages.m_used);
+    addCount(*row, "PagesFree", use.m_pages.m_free);
+    addCount(*row, "PagesOutOfUse", use.m_pages.m_outOfUse);
+    return row;
+}
+
 }  // namespace
 
 const std::vector<CZelShell::Command> &CZelShell::commands() {
@@ -66,6 +88,7 @@ const std::vector<CZelShell::Command> &CZelShell::commands() {
         {".tables", "[DB]", "the tables, of one database or of all", &CZelShell::tablesCommand},
         {".schema", "[DB[.TABLE]]", "the OQL text that makes databases, tables and indexes", &CZelShell::schemaCommand},
         {".indexes", "[DB[.TABLE]]", "the created indexes", &CZelShell::indexesCommand},
+        {".cache", "[DB[.TABLE]]", "what cached tables use of memory and of their files", &CZelShell::cacheCommand},
         {".describe", "DB.TABLE", "a table's columns", &CZelShell::describeCommand},
         {".read", "FILE", "run the statements in a file", &CZelShell::readCommand},
         {".dump", "[FILE]", "write the store as OQL text that -schema reads back", &CZelShell::dumpCommand},
@@ -157,6 +180,21 @@ bool CZelShell::indexesCommand(const std::string &argument) {
         ZelEach<CZelTable>(database.RDTableIterator(), [&](const CZelTable &table) {
             if (isWithin(table, argument))
                 addIndexRows(table, result);
+        });
+    }
+    show(result, nullptr);
+    showFailure(result, std::string());
+    return true;
+}
+
+bool CZelShell::cacheCommand(const std::string &argument) {
+    CZelResult result;
+    std::unique_ptr<CZelAtomVector> names(m_store.RSMGetStore()->RSDatabaseNames());
+    for (unsigned int i = 0; i < names->RAVSize(); ++i) {
+        const CZelDatabase &database = *m_store.RSMGetStore()->RSDatabase(names->RAVGetValue(i));
+        ZelEach<CZelTable>(database.RDTableIterator(), [&](const CZelTable &table) {
+            if (isWithin(table, argument) && table.RTIsCacheUsed() == E_RBTrue)
+                result.AddRow(cacheRow(table));
         });
     }
     show(result, nullptr);

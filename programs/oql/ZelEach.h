@@ -8,5 +8,5 @@
 template <class T, class Visit>
 void ZelEach(const CZelDoubleList *nodes, Visit visit) {
     for (const CZelListable *node = nodes->RDLHead(); node != nullptr; node = nodes->RDLGetNext(node))
-        visit(*static_cast<const T *>(static_cast<const CZelPointer *>(node)->RPData()));
+        visit(*static_cast<T *>(static_cast<const CZelPointer *>(node)->RPData()));
 }

@@ -3,8 +3,12 @@
 
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 
+#include "foundations/base/CZelEnv.h"
 #include "foundations/port/ZelDebug.h"
+#include "foundations/port/ZelFile.h"
 #include "foundations/version/CQMTVersion.h"
 #include "programs/oql/CZelInterrupt.h"
 #include "programs/oql/CZelShell.h"
@@ -30,6 +34,22 @@ int printed(const std::string &text) {
     return written ? CZelShell::DONE : CZelShell::FAILED;
 }
 
+// Where cache files lie, and what they are called by.
+bool prepareFiles(const CZelShellOptions &options) {
+    CZelEnv::REDomain(options.m_domain.c_str());
+    ZelSetSyncPolicy(options.m_sync);
+    if (!options.m_root.empty())
+        setenv("QMTHOME", options.m_root.c_str(), 1);
+    if (options.m_cache.m_name.empty())
+        return true;
+    const std::filesystem::path folder = std::filesystem::path(std::getenv("QMTHOME")) / "var" / "solvantis";
+    std::error_code failure;
+    std::filesystem::create_directories(folder, failure);
+    if (failure)
+        std::fprintf(stderr, "oql: can't make %s: %s\n", folder.c_str(), failure.message().c_str());
+    return !failure;
+}
+
 }  // namespace
 
 int main(int argc, char **argv) {
@@ -42,6 +62,8 @@ int main(int argc, char **argv) {
     if (options.m_version)
         return printed("oql " + CQMTVersion::Instance().System().AsString() + "\n");
     __Zeltronix_Debug_Level = options.m_debug;
+    if (!prepareFiles(options))
+        return CZelShell::FAILED;
     CZelInterrupt::Install();
     CZelShell shell(options, separateResults());
     return shell.Run();
