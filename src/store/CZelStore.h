@@ -105,6 +105,8 @@ public:
     CZelBag *RSJoinedQuery(CZelQuery *query, EZelStoreErrorStatus *status, __boolean storeKeepsROMP);
     CZelBag *RSJoinedQueryGetRecs(CZelQuery *query, EZelStoreErrorStatus *status, __boolean storeKeepsROMP);
     bool RSOwnResultsOfSimpleQry(CZelQuery *query) const;
+    // Frees the copies of cached rows in a join's tuples, each once; the tuples stay.
+    void RSTidyAfterJoinedQryFromCache(CZelBag *tuples);
 
     // The projection of a row to the columns of a bag of CZelDbEntity: a new record.
     CZelRecord *RSCreateRecord(CZelRecord *row, CZelBag *entities);
@@ -117,6 +119,16 @@ public:
 protected:
     CZelTable *RSRetrieveTable(CZelDbEntity *entity, EZelStoreErrorStatus &status) const;
     CZelDoubleList *RSRetrieveQueryTableColDefs(CZelQuery *query) const;
+
+    // --- joins (CZelStore_join.cpp) and `select ... into` (CZelStore_into.cpp) ---
+
+    // Tuples of the first table of the source list, valid until RSPurgeJoinedQuery; null when a table is missing.
+    // For callers who see to it that one join at a time starts at that table.
+    CZelBag *RSExecJoinedQuery(CZelQuery *query, EZelStoreErrorStatus *status, __boolean takeLock);
+    CZelDoubleList *RSRetrieveJoinTables(CZelQuery *query, EZelStoreErrorStatus *status, CZelTable **first);
+    void RSPurgeJoinedQuery(CZelQuery *query);
+    int RSSimpleQueryInsert(CZelQryInsert *statement, CZelTable *table, __boolean storeKeepsROMP);
+    int RSJoinedQueryInsert(CZelQryInsert *statement, CZelTable *table, __boolean storeKeepsROMP);
 
 private:
     CZelTable *tableOf(const CZelQuery *query, EZelStoreErrorStatus *status) const;  // the first source; or null

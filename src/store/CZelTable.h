@@ -12,6 +12,7 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
 #include <vector>
 
 #include "oql/CZelDbObject.h"
@@ -156,6 +157,30 @@ public:
     static CZelBag *RTOrBags(CZelBag *&a, CZelBag *&b);
     static CZelBag *RTNotBags(CZelBag *all, CZelBag *minus);
 
+    // --- joins (CZelTable_join.cpp, CZelTable_tuples.cpp) ---
+
+    // The walk over `tables` (CZelPointer to CZelTable), driven by the first of them: at the top with null position
+    // and tuple. Tuples of the result go into `out` and into the garbage bag, where they live until they are purged.
+    // Requires: the store lock is held, and no other join that starts here is under way.
+    void RTExecJoinedQuery(CZelFilter *filter, CZelBag *out, CZelDoubleList *tables, CZelPointer *position,
+                           CZelTuple *tuple);
+    // Of the tuples in the scratch bag (or in `input`) those that match; the caller's bag, not its tuples.
+    CZelBag *RTReturnJoinedRows(CZelFilter *filter);
+    CZelBag *RTEvalJoinedFilter(CZelFilter *filter);
+    CZelBag *RTEvalJoinedFilter(CZelFilter *filter, __boolean *all, CZelBag *input);
+    CZelBag *RTEvalJoinedBoolean(CZelBoolean *boolean, CZelBag *input);
+    CZelBag *RTEvalJoined(CZelBoolean *boolean, CZelExpr *expression, const CZelAtom *value, __boolean reversed,
+                          CZelBag *input);
+    __boolean RTEvalTupleTest(CZelDbEntity *column, const CZelAtom *value, CZelBoolean *boolean, CZelTuple *tuple);
+    __boolean RTEvalTupleTest(CZelDbEntity *left, CZelDbEntity *right, CZelBoolean *boolean, CZelTuple *tuple);
+    void RTPurgeGarbage();  // both delete the tuples of that bag
+    void RTPurgeScratch();
+    // Fills the scratch bag with the product of what is there (or of the own rows) and the rows of `other`. 1;
+    // E_RCBadArgument, reported, when one is cached and the other is not.
+    int RTCartesianProductOf(CZelTable *other);
+    // Taken by the store from the walk to the purge of a join that starts here; after the store lock.
+    std::mutex &RTJoinMutex() { return m_joinMutex; }
+
     // --- created indexes (CZelTable_index.cpp) ---
 
     int RTAddIndex(const CZelIndex *index);     // copies; 1, or E_RCNoText for a bad name or column
@@ -168,6 +193,10 @@ protected:
     // *all is set when the result holds every row of the table.
     CZelBag *RTEvalFilter(CZelFilter *filter, __boolean partial, __boolean *all, CZelBag *input);
     __boolean RTMatchSelfTest(CZelDbEntity *entity);  // does the column belong to this table?
+    void RTExecJoinedQuery(CZelFilter *filter, CZelBag *out, CZelDoubleList *tables, CZelPointer *position,
+                           CZelTuple *tuple, CZelTreeList *garbage);
+    // A copy of the filter in which the columns of the tuple's tables stand as values. *complete: no column is open.
+    CZelFilter *RTTupleToFilterInternals(CZelFilter *filter, CZelTuple *tuple, __boolean *complete);
 
     int RTUpdateValue(CZelRecord *record, const CZelAtom *column, const CZelAtom *value);
     int RTUpdateNested(CZelRecord *record, const CZelAtom *column, const CZelAtom *value, CZelDoubleList *colSpec);
@@ -178,6 +207,7 @@ protected:
 
 private:
     friend class CZelFilterWalk;
+    friend class CZelJoinWalk;
 
     bool isLive() const { return m_objectStore != nullptr; }
 
@@ -288,6 +318,7 @@ private:
     CZelDoubleList *m_rows = nullptr;          // the records themselves, in order of insertion
     CZelBag *m_scratch = nullptr;              // tuples of the join step in progress
     CZelBag *m_garbage = nullptr;              // tuples handed out by joined queries
+    std::mutex m_joinMutex;
     __boolean m_initialisedFromDisk = E_RBFalse;
     EZelStoreErrorStatus m_status = E_RSEOk;
 };
