@@ -1,5 +1,7 @@
 #include "oql/CZelQryInsert.h"
 
+#include <memory>
+
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelAtomVector.h"
 #include "foundations/base/CZelBag.h"
@@ -13,6 +15,7 @@
 #include "oql/CZelQuery.h"
 #include "oql/ZelStatementTextImpl.h"
 #include "store/CZelColDef.h"
+#include "store/CZelTuple.h"
 
 namespace {
 
@@ -110,10 +113,22 @@ CZelInsert *CZelQryInsert::makeInsert(CZelAtomVector *labels, CZelAtomVector *va
     return new CZelInsert(new CZelDbEntity(*m_target), uniques, labels, values, nullptr);
 }
 
-// Rows of several tables come with joined queries.
-CZelInsert *CZelQryInsert::RQICreateRecord(CZelTuple * /*row*/) {
-    ZEL_REPORT(E_RCUnsupported, "CZelQryInsert::RQICreateRecord: joined rows are not carried out by this build");
-    return nullptr;
+CZelInsert *CZelQryInsert::RQICreateRecord(CZelTuple *row) {
+    if (m_query->RQSelection() == nullptr)
+        return nullptr;
+    auto values = std::make_unique<CZelAtomVector>(0);
+    for (CZelPointer *node = m_query->RQSelection()->RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
+        CZelDbEntity *column = static_cast<const CZelExpr *>(node->RPData())->REEntityVal();
+        if (column == nullptr) {
+            ZEL_REPORT(E_RCBadArgument, "CZelQryInsert::RQICreateRecord");
+            continue;
+        }
+        const CZelAtom *value = row->RTValueOf(column->RDEIdent(), column->RDEColNameAtom());
+        if (value == nullptr)
+            return nullptr;
+        values->RAVAddToEnd(new CZelAtom(*value));
+    }
+    return makeInsert(nullptr, values.release());
 }
 
 char *CZelQryInsert::RDOAsString() {

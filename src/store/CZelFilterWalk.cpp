@@ -6,6 +6,9 @@
 #include "foundations/base/CZelString.h"
 #include "foundations/base/ZelMalloc.h"
 #include "foundations/port/CZelError.h"
+#include "oql/CZelDbEntity.h"
+#include "oql/CZelExpr.h"
+#include "store/CZelBoolean.h"
 #include "store/CZelFilter.h"
 #include "store/CZelTable.h"
 
@@ -56,6 +59,7 @@ bool CZelFilterWalk::isLeaf(const CZelFilter *node) const {
 CZelFilter *CZelFilterWalk::enter(CZelFilter *node, CZelBag *input) {
     const bool isNot = node->RFOperator() == E_RANot;
     m_steps.push_back({node, input, {}, isNot});
+    m_nots += isNot ? 1 : 0;
     return isNot ? node->RFRight() : node->RFLeft();
 }
 
@@ -81,13 +85,23 @@ bool CZelFilterWalk::turnsRight(Answer &answer, CZelFilter **next) {
             m_steps.pop_back();
             return false;
         }
-        if (*next == nullptr || step.node->RFOperator() != E_RAAnd || !isEmptyBag(inputOfBranch()))
+        // Below a Not it matters whether the right branch leaves something open, also where no row is left.
+        const bool mustLook = m_partial && m_nots > 0;
+        if (*next == nullptr || step.node->RFOperator() != E_RAAnd || mustLook || !isEmptyBag(inputOfBranch()))
             return true;
         answer.bag = new CZelBag;
     }
     answer = answerNode(step, answer);
+    m_nots -= step.node->RFOperator() == E_RANot ? 1 : 0;
     m_steps.pop_back();
     return false;
+}
+
+// Does another table's column stand on the left of a subquery? RTEvalBoolean would look for it in its own rows.
+bool CZelFilterWalk::isForeign(CZelBoolean &boolean) const {
+    CZelDbEntity *column =
+        boolean.RBRvalType() == E_RBRQuery && boolean.RBLeft() != nullptr ? boolean.RBLeft()->REEntityVal() : nullptr;
+    return column != nullptr && m_table.RTMatchSelfTest(column) != E_RBTrue;
 }
 
 CZelFilterWalk::Answer CZelFilterWalk::answerLeaf(CZelFilter *node, CZelBag *input) {
@@ -95,7 +109,8 @@ CZelFilterWalk::Answer CZelFilterWalk::answerLeaf(CZelFilter *node, CZelBag *inp
     if (node == nullptr || node->RFKernel() == nullptr)
         return answer;
     __boolean evaluated = E_RBFalse;
-    answer.bag = m_table.RTEvalBoolean(node->RFKernel(), &evaluated, input);
+    if (!m_partial || !isForeign(*node->RFKernel()))
+        answer.bag = m_table.RTEvalBoolean(node->RFKernel(), &evaluated, input);
     if (evaluated == E_RBFalse && m_partial) {
         delete answer.bag;
         answer.bag = m_table.allRows();

@@ -64,6 +64,7 @@ private:
     bool turnsRight(Answer &answer, CZelFilter **next);
     CZelBag *inputOfBranch() const;
 
+    bool isForeign(CZelBoolean &boolean) const;
     Answer answerLeaf(CZelFilter *node, CZelBag *input);
     Answer answerNode(const Step &step, Answer right);
     CZelBag *negate(const Answer &right);
@@ -75,5 +76,6 @@ private:
     bool m_partial;
     int m_total;  // rows of the table
     std::vector<Step> m_steps;
+    int m_nots = 0;              // among the steps
     std::size_t m_reported = 0;  // bytes of text in reports so far
 };

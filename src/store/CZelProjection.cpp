@@ -35,10 +35,15 @@ CZelAtom asName(const CZelAtom &key) {
 CZelProjection::CZelProjection(const CZelBag &entities) {
     for (const CZelPointer *node = entities.RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
         const auto *entity = static_cast<const CZelDbEntity *>(node->RPData());
-        const CZelAtom *name = entity != nullptr ? lastNameOf(*entity) : nullptr;
-        if (!CZelAtom::RAIsNull(name))
-            m_columns.push_back({asName(*name), CZelColumnReader(entity->RDEColNameAtom(), entity->RDEColSpec())});
+        CZelAtom name = entity != nullptr ? nameOf(*entity) : CZelAtom();
+        if (!CZelAtom::RAIsNull(&name))
+            m_columns.push_back({std::move(name), CZelColumnReader(entity->RDEColNameAtom(), entity->RDEColSpec())});
     }
+}
+
+CZelAtom CZelProjection::nameOf(const CZelDbEntity &entity) {
+    const CZelAtom *name = lastNameOf(entity);
+    return CZelAtom::RAIsNull(name) ? CZelAtom() : asName(*name);
 }
 
 CZelRecord *CZelProjection::project(const CZelBaseRecord &row) const {

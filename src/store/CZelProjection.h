@@ -9,6 +9,7 @@
 #include "store/CZelColumnReader.h"
 
 class CZelBag;
+class CZelDbEntity;
 class CZelRecord;
 
 class CZelProjection {
@@ -17,6 +18,9 @@ public:
 
     // A new record of copies. A value that the row does not have adds nothing.
     CZelRecord *project(const CZelBaseRecord &row) const;
+
+    // The name that a column has in the result; undefined when it has none.
+    static CZelAtom nameOf(const CZelDbEntity &entity);
 
 private:
     struct Column {

@@ -132,6 +132,12 @@ protected:
 
 private:
     CZelTable *tableOf(const CZelQuery *query, EZelStoreErrorStatus *status) const;  // the first source; or null
+    CZelTable *firstJoined(const CZelQuery *query) const;  // the first source that exists; or null
+    bool isJoinCached(const CZelQuery *query) const;       // has one of the sources a cache?
+    template <class Form>
+    CZelBag *joinedResult(CZelQuery *query, EZelStoreErrorStatus *status, __boolean storeKeepsROMP, Form form);
+    int countJoined(CZelQuery *query, EZelStoreErrorStatus *status);
+    static void insertInto(CZelTable &table, CZelInsert *statement);
     int countRows(CZelQuery *query, EZelStoreErrorStatus *status);
     // *isKept: a callback kept a table, whose cache file then stays too.
     int dropDatabase(CZelDbEntity &target, EZelStoreErrorStatus *status, bool &isKept);

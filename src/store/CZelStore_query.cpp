@@ -116,12 +116,6 @@ CZelBag *rowsOf(CZelTable *table, const CZelQuery *query) {
     return rows != nullptr ? rows : new CZelBag;
 }
 
-CZelBag *refuseJoin(const char *operation, EZelStoreErrorStatus *status) {
-    setStatus(status, E_RSEOk);
-    ZEL_REPORT(E_RCUnsupported, operation);
-    return nullptr;
-}
-
 }  // namespace
 
 CZelBag *CZelStore::RSQuery(CZelQuery *query, EZelStoreErrorStatus *status, __boolean storeKeepsROMP) {
@@ -238,16 +232,6 @@ CZelBag *CZelStore::RSSimpleQueryGetRecPtrs(CZelQuery *query, EZelStoreErrorStat
     setStatus(status, E_RSEOk);
     ZEL_REPORT(E_RCBadArgument, refusal);
     return nullptr;
-}
-
-CZelBag *CZelStore::RSJoinedQuery(CZelQuery * /*query*/, EZelStoreErrorStatus *status, __boolean /*storeKeepsROMP*/) {
-    return refuseJoin("CZelStore::RSJoinedQuery: queries of several tables are not carried out by this build", status);
-}
-
-CZelBag *CZelStore::RSJoinedQueryGetRecs(CZelQuery * /*query*/, EZelStoreErrorStatus *status,
-                                         __boolean /*storeKeepsROMP*/) {
-    return refuseJoin("CZelStore::RSJoinedQueryGetRecs: queries of several tables are not carried out by this build",
-                      status);
 }
 
 bool CZelStore::RSOwnResultsOfSimpleQry(CZelQuery *query) const {

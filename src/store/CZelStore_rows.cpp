@@ -6,7 +6,6 @@
 #include "oql/CZelDbEntity.h"
 #include "oql/CZelDelete.h"
 #include "oql/CZelInsert.h"
-#include "oql/CZelQryInsert.h"
 #include "oql/CZelUpdate.h"
 #include "store/CZelDatabase.h"
 #include "store/CZelStore.h"
@@ -159,17 +158,6 @@ int CZelStore::RSUpdate(CZelRecord *values, CZelFilter *filter, CZelDbEntity *en
         return 1;
     *status = E_RSENoMatch;
     return result;
-}
-
-int CZelStore::RSQueryInsert(CZelQryInsert *statement, EZelStoreErrorStatus *status, __boolean /*storeKeepsROMP*/,
-                             __boolean takeLock) {
-    EZelStoreErrorStatus found = E_RSEOk;
-    const CZelStoreGuard guard(m_lock, writerIf(takeLock));
-    CZelTable *table = RSRetrieveTable(statement != nullptr ? statement->RQITarget() : nullptr, found);
-    setStatus(status, found);
-    if (table == nullptr)
-        return E_RCNoText;
-    return ZEL_FAIL(E_RCUnsupported, "CZelStore::RSQueryInsert: select ... into is not carried out by this build");
 }
 
 int CZelStore::RSTotalRecordCount(CZelDbEntity *entity, EZelStoreErrorStatus *status, __boolean takeLock) {

@@ -164,6 +164,8 @@ public:
     // Requires: the store lock is held, and no other join that starts here is under way.
     void RTExecJoinedQuery(CZelFilter *filter, CZelBag *out, CZelDoubleList *tables, CZelPointer *position,
                            CZelTuple *tuple);
+    // How many tuples that would give; makes none.
+    int RTCountJoinedQuery(CZelFilter *filter, CZelDoubleList *tables);
     // Of the tuples in the scratch bag (or in `input`) those that match; the caller's bag, not its tuples.
     CZelBag *RTReturnJoinedRows(CZelFilter *filter);
     CZelBag *RTEvalJoinedFilter(CZelFilter *filter);
@@ -207,6 +209,7 @@ protected:
 
 private:
     friend class CZelFilterWalk;
+    friend class CZelJoinCondition;
     friend class CZelJoinWalk;
 
     bool isLive() const { return m_objectStore != nullptr; }
@@ -220,7 +223,8 @@ private:
     CZelBag *evalConstant(CZelBoolean *boolean, const CZelAtom *left, const CZelAtom *right, const CZelBag *input);
     CZelBag *evalColumn(CZelBoolean *boolean, CZelExpr *column, const CZelAtom *value, __boolean reversed,
                         CZelBag *input);
-    CZelBag *evalAgainst(CZelBoolean *boolean, CZelQuery &query, CZelBag *input);
+    CZelAtomVector *valuesOfSubQuery(const CZelBoolean &boolean);  // new; null, reported, when it can't be run
+    CZelAtomVector *selectedValues(CZelQuery &query);
     void selectMembers(const CZelColumnReader &column, const CZelAtom &list, bool negated, const CZelBag *input,
                        CZelBag &result) const;
     CZelBag *scanCache(CZelBoolean &boolean, CZelDbEntity &column, const CZelAtom *value, bool swapped,
@@ -230,6 +234,15 @@ private:
     const CZelBPlusTree *uniqueTreeOf(const CZelColumnReader &column) const;
     static __boolean compareColumns(const CZelColumnReader &left, const CZelColumnReader &right,
                                     const CZelBoolean &boolean, const CZelRecord &record);
+
+    // Steps of joins.
+    void finishTuple(CZelFilter *filter, CZelBag &out, CZelTuple *tuple, CZelTreeList &copies);
+    static void bindOperand(CZelExpr *operand, const CZelExpr *original, const CZelTuple &tuple, __boolean *complete);
+    static void deleteTuplesIn(CZelBag *tuples);
+    CZelBag *inputOrScratch(const CZelBag *input) const;
+    static void addToTuple(CZelTuple &tuple, const CZelAtom &table, CZelRecord *row);
+    void multiplyScratch(const CZelBag &rows, const CZelAtom &table);
+    void fillScratch(const CZelBag &rows, const CZelAtom &table);
 
     // Steps of coming to life and of its end.
     void makeDictionaries();

@@ -230,24 +230,30 @@ CZelBag *CZelTable::RTEvalIndexed(CZelBoolean *boolean, CZelExpr *column, const 
 }
 
 CZelBag *CZelTable::RTEvalSubQuery(CZelBoolean *boolean, __boolean joined, CZelBag *input) {
-    CZelQuery *query = boolean->RBRightQuery();
+    CZelAtomVector *values = valuesOfSubQuery(*boolean);
+    if (values == nullptr)
+        return new CZelBag;
+    const CZelAtom list(values);
+    return joined == E_RBTrue ? RTEvalJoined(boolean, boolean->RBLeft(), &list, E_RBFalse, input)
+                              : RTEvalUnIndexed(boolean, boolean->RBLeft(), &list, E_RBFalse, input);
+}
+
+CZelAtomVector *CZelTable::valuesOfSubQuery(const CZelBoolean &boolean) {
+    CZelQuery *query = boolean.RBRightQuery();
     const SubQueryLevel level;
     if (query == nullptr || query->RQSelection() == nullptr || m_store == nullptr)
         ZEL_REPORT(E_RCBadArgument, "CZelTable::RTEvalSubQuery: a subquery that selects no column");
-    else if (joined == E_RBTrue)
-        ZEL_REPORT(E_RCUnsupported, "CZelTable::RTEvalSubQuery: joins are not carried out by this build");
     else if (SubQueryLevel::isTooDeep())
         ZEL_REPORT(E_RCUnsupported, "CZelTable::RTEvalSubQuery: subqueries are nested too deep");
     else
-        return evalAgainst(boolean, *query, input);
-    return new CZelBag;
+        return selectedValues(*query);
+    return nullptr;
 }
 
 // The values of all rows make one list. The caller holds the store lock.
-CZelBag *CZelTable::evalAgainst(CZelBoolean *boolean, CZelQuery &query, CZelBag *input) {
+CZelAtomVector *CZelTable::selectedValues(CZelQuery &query) {
     EZelStoreErrorStatus status = E_RSEOk;
     auto *values = new CZelAtomVector;
-    const CZelAtom list(values);
     CZelBag *rows = m_store->RSExecSimpleQuery(&query, &status, E_RBFalse, E_RBFalse);
     const CZelBag *selection = query.RQSelection();
     for (const CZelPointer *node = selection->RBFirst(); rows != nullptr && node != nullptr;
@@ -257,5 +263,5 @@ CZelBag *CZelTable::evalAgainst(CZelBoolean *boolean, CZelQuery &query, CZelBag 
     const CZelBagGuard<CZelRecord> ownedRows(owned ? rows : nullptr);
     if (!owned)
         delete rows;
-    return RTEvalUnIndexed(boolean, boolean->RBLeft(), &list, E_RBFalse, input);
+    return values;
 }

@@ -27,8 +27,9 @@ class QUINTOR_API CZelTuple {
 public:
     ZEL_POOLED
 
-    CZelTuple(const CZelAtom *table, CZelRecord *record);  // a null record is reported (E_RCBadArgument)
-    CZelTuple(const CZelTuple &other);                     // the same records; without its encoded form
+    CZelTuple(const CZelAtom *table, CZelRecord *record);          // a null record is reported (E_RCBadArgument)
+    CZelTuple(const CZelTuple &other);                             // the same records; without its encoded form
+    CZelTuple(const SZelTupleEntry *entries, std::size_t length);  // tables once each, in the order of identifiers
     CZelTuple &operator=(const CZelTuple &) = delete;
     virtual ~CZelTuple();
 
@@ -78,6 +79,7 @@ private:
 
     const SZelTupleEntry *find(const char *table) const;
     const SZelTupleEntry *find(const CZelAtom *table) const;
+    void grow();
     void forgetBlock();
 
     SZelTupleEntry *m_entries = m_few;

@@ -16,12 +16,13 @@
 
 namespace conditions {
 
-// The roads that joins will take are open to tests.
+// The roads that joins take are open to tests.
 class OpenTable : public CZelTable {
 public:
     using CZelTable::CZelTable;
     using CZelTable::RTMatchSelfTest;
     using CZelTable::RTReturnPossibleRows;
+    using CZelTable::RTTupleToFilterInternals;
 };
 
 struct Column {

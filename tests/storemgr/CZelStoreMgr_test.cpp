@@ -218,11 +218,11 @@ TEST_F(StoreMgrTest, CopiesHaveTheDefinitionAndNoRows) {
     EXPECT_EQ(E_RCDuplicate, manager.RSMCopyDatabase(from, to));
 }
 
-TEST_F(StoreMgrTest, RoadsThatComeLaterReportAndChangeNothing) {
-    run("create table d.u (name text); insert into d.t (name) values ('a');");
-    run("select * into d.u from d.t;");
-    EXPECT_TRUE(reports.Holds(E_RCUnsupported));
-    EXPECT_TRUE(rows("select * from d.u;").empty());
-    EXPECT_TRUE(rows("select d.t.name, d.u.name from d.t, d.u;").empty());
-    EXPECT_TRUE(reports.Holds(E_RCUnsupported));
+TEST_F(StoreMgrTest, RowsOfOneOrSeveralTablesGoIntoATable) {
+    run("create table d.u (name text); create table d.v (one text, two text);");
+    run("insert into d.t (name) values ('a'); select name into d.u from d.t;");
+    EXPECT_EQ(Rows{"name=a"}, rows("select * from d.u;"));
+    run("select d.t.name, d.u.name into d.v from d.t, d.u where d.t.name = d.u.name;");
+    EXPECT_EQ(Rows{"one=a two=a"}, rows("select * from d.v;"));
+    EXPECT_EQ(E_RSENoTable, run("select * into d.nowhere from d.t;"));
 }

@@ -1,0 +1,116 @@
+// The walk of a joined query: for each row of the first table the rows of the next one that its values leave
+// possible, and so on down the list; the rows that stand together at its end are the result.
+//
+// It gives exactly what copying the condition, writing a tuple's values into the copy and asking the next table would
+// give, row by row of every table, with the finished tuple tested against the whole condition at the end; but a part
+// of the condition is tested as soon as its tables are decided, once, and a tuple is made when it is in the result.
+// A table without a possible row does not end a branch: the walk goes on without a record of it, and its columns have
+// no value.
+//
+// Lives for the time of one query, under the store lock; the rows of cached tables are copies, see `copies`.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include "store/CZelBoundFilter.h"
+#include "store/CZelJoinCondition.h"
+#include "store/CZelJoinRow.h"
+#include "store/CZelTuple.h"
+
+class CZelBPlusTree;
+class CZelBag;
+class CZelDoubleList;
+class CZelPointer;
+class CZelRecord;
+class CZelTable;
+class CZelTreeList;
+
+class CZelJoinWalk {
+public:
+    static constexpr int MOST_TABLES = 16;
+
+    // Over `tables` (CZelPointer to CZelTable) behind `position`, or all; `tuple` holds what was joined before, or is
+    // null. `copies` takes the rows of cached tables by address, null for those that come into the result.
+    CZelJoinWalk(CZelTable &driver, CZelFilter *filter, CZelDoubleList &tables, CZelPointer *position,
+                 const CZelTuple *tuple, CZelTreeList &copies);
+    CZelJoinWalk(const CZelJoinWalk &) = delete;
+    CZelJoinWalk &operator=(const CZelJoinWalk &) = delete;
+    ~CZelJoinWalk();
+
+    void run(CZelBag &out);  // tuples, which go into the driver's garbage bag too
+    std::size_t count();     // their number alone
+
+private:
+    using Terms = std::vector<const CZelJoinCondition::Term *>;
+
+    // A term `column of this table = key`.
+    struct Lookup {
+        const CZelJoinCondition::Term *m_term = nullptr;  // null: there is none
+        const CZelJoinTest::Side *m_column = nullptr;
+        const CZelJoinTest::Side *m_key = nullptr;
+        const CZelBPlusTree *m_tree = nullptr;  // of the column; null without an index
+    };
+
+    struct Level {
+        CZelTable *m_table = nullptr;
+        int m_place = 0;
+        bool m_isPlanned = false;  // can be walked by the terms below
+        Terms m_decided;           // all terms that are decided here
+        Terms m_own;               // of them: say by this table's columns alone which rows are possible
+        Terms m_narrowing;         // of them: say it with columns of earlier tables, m_lookup's term apart
+        Terms m_refusing;          // of them: refuse a row that is possible all the same
+        Lookup m_constant;         // by a constant, over an index
+        Lookup m_lookup;           // by a column of an earlier table, over an index
+        Lookup m_wanted;           // the same without an index
+
+        unsigned int m_visits = 0;
+        bool m_hasCandidates = false;
+        std::vector<CZelRecord *> m_candidates;    // the rows that pass m_own
+        std::unique_ptr<CZelBPlusTree> m_made;     // of the candidates, for m_wanted
+        std::unique_ptr<CZelBoundFilter> m_bound;  // made when first needed
+    };
+
+    // Making ready.
+    void addLevels(CZelDoubleList &tables, CZelPointer *position);
+    void addLevel(CZelTable &table);
+    void bring(const CZelTuple &tuple);
+    void orderPlaces();
+    void planLevel(int index);
+    void planTerm(int index, const CZelJoinCondition::Term &term);
+    void chooseLookups(Level &level);
+    Lookup lookupOf(const Level &level, const CZelJoinCondition::Term &term) const;
+    static const CZelBPlusTree *treeOf(const Level &level, const CZelJoinTest::Side &column);
+
+    // One step down. The visits tell whether there was a possible row.
+    void descend(int index);
+    bool visit(int index);
+    bool visitAll(int index);
+    bool visitPlanned(int index);
+    bool visitAnswered(int index);
+    bool visitRows(int index, CZelBag *rows);
+    bool visitEntry(int index, const CZelBPlusTree &tree, const CZelAtom *key, const Terms *own);
+    bool visitPossible(int index, CZelRecord *row, const Terms *own);
+    void visitChosen(int index, CZelRecord *row, const Terms &terms);
+    bool passes(const Terms &terms) const;
+    void collectCandidates(Level &level);
+    void collectCandidate(Level &level, CZelRecord *row);
+    bool isWorthATree(Level &level) const;
+    void makeTree(Level &level);
+
+    void take();
+    void takeTuple();
+
+    CZelTable &m_driver;
+    CZelTreeList &m_copies;
+    CZelBag *m_out = nullptr;  // null: only counts
+    std::size_t m_found = 0;
+    CZelJoinRow m_row;
+    std::vector<Level> m_levels;
+    int m_brought = 0;         // places that have a record from the beginning
+    bool m_isDistinct = true;  // no table stands twice
+    std::unique_ptr<CZelJoinCondition> m_condition;
+    std::vector<int> m_order;               // places in the order of identifiers
+    std::vector<SZelTupleEntry> m_entries;  // of the tuple in the making
+};
