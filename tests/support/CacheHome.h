@@ -51,6 +51,11 @@ public:
     std::string folder() const { return m_root.Path("var/solvantis/"); }
     std::string path(const std::string &name) const { return folder() + name; }
 
+    void empty() const {
+        for (const std::string &name : files())
+            std::filesystem::remove(path(name));
+    }
+
     // The names of the files that lie there, sorted.
     std::vector<std::string> files() const {
         std::vector<std::string> names;
