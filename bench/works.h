@@ -5,6 +5,7 @@ void addParseWorks();
 void addInsertWorks();
 void addSelectWorks();
 void addChangeWorks();
+void addJoinWorks();
 void addCacheWorks();
 void addClauseWorks();
 void addMemoryMeasure();

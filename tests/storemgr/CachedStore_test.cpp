@@ -230,6 +230,35 @@ TEST_P(CachedStoreTest, WalksAnswerInTheOrderOfInsertion) {
     EXPECT_EQ((Texts{"k=7 ", "k=21 ", "k=30 "}), ask(*m_cached, "select k from d.t where k in (30, 7, 21, 99);").rows);
 }
 
+// The copies that a join takes out of the caches are all given back, those of no result too.
+TEST_P(CachedStoreTest, JoinsAndIntoAnswerAsInMemory) {
+    CZelStoreMgr plain(static_cast<CZelEngine *>(nullptr), nullptr);
+    for (CZelStoreMgr *store : {&plain, m_cached.get()}) {
+        ask(*store, TABLES);
+        ask(*store, "create table d.found (k int, v int); create index n on d.t (n);");
+        for (int i = 0; i < 30; ++i) {
+            const std::string k = std::to_string(i), n = std::to_string(i % 5);
+            ask(*store, "insert into d.t (k, n, s) values (" + k + ", " + n + ", 'row " + k + "');");
+            ask(*store, "insert into d.c (a, b, v, w) values (" + n + ", " + k + ", " + k + ", 'w');");
+        }
+        ask(*store, "select d.t.k, d.c.v into d.found from d.t, d.c where d.t.n = d.c.a and d.c.v > 20;");
+    }
+    for (const char *query :
+         {"select d.t.k, d.c.v from d.t, d.c where d.t.n = d.c.a and d.t.k < 7;",
+          "select d.t.k, d.c.v from d.c, d.t where d.t.n = d.c.a and not d.c.v = 3;",
+          "select * from d.t, d.c where d.t.k = d.c.b;", "select count(*) from d.t, d.c;",
+          "select d.t.k, d.c.b from d.t, d.c where d.t.k = d.c.b and d.t.k in ((select v from d.c where v < 9));",
+          "select d.c.b from d.t, d.c where d.t.k = d.c.b and d.t.s = 'none' or d.t.k is null;",
+          "select k from d.t where k in ((select b from d.c where v > 15));", "select * from d.found;"}) {
+        for (const bool asRecords : {false, true}) {
+            const Answer expected = ask(plain, query, asRecords), found = ask(*m_cached, query, asRecords);
+            EXPECT_EQ(sorted(expected.rows), sorted(found.rows)) << query;
+            EXPECT_EQ(expected.status, found.status) << query;
+        }
+    }
+    EXPECT_LT(10U, ask(plain, "select * from d.found;").rows.size());
+}
+
 TEST_P(CachedStoreTest, WhatIsInMemoryStaysWithinTheLimit) {
     ask(*m_cached, TABLES);
     for (int i = 0; i < 50; ++i)
