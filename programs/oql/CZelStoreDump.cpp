@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "foundations/base/CZelAtomVector.h"
-#include "foundations/base/CZelBag.h"
 #include "foundations/base/CZelEnv.h"
 #include "foundations/base/CZelRecord.h"
 #include "foundations/base/CZelString.h"
@@ -15,10 +14,8 @@
 #include "foundations/base/ZelEscape.h"
 #include "foundations/base/ZelMalloc.h"
 #include "foundations/port/ZelCodes.h"
-#include "oql/CZelDbEntity.h"
 #include "oql/CZelIndex.h"
 #include "oql/CZelOQLDumper.h"
-#include "oql/CZelQuery.h"
 #include "programs/oql/ZelEach.h"
 #include "programs/oql/ZelKeywords.h"
 #include "programs/oql/ZelValueText.h"
@@ -230,16 +227,15 @@ void CZelStoreDump::indexes(const CZelTable &table) {
     });
 }
 
+// Row by row: a table may be larger than memory.
 void CZelStoreDump::rows(const CZelTable &table) {
-    CZelQuery query(new CZelDbEntity(table.RTDatabase()->RAString(), table.RTName()->RAString(), nullptr), nullptr,
-                    nullptr, nullptr, nullptr);
-    CZelBag *bag = m_manager.RSMSimpleQueryGetRecPointers(&query, nullptr);
     m_rowNumber = 0;
-    for (CZelPointer *node = bag == nullptr ? nullptr : bag->RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
+    m_manager.RSMGetStore()->RSReaderLock();
+    table.RTVisitRows([&](const CZelRecord &each) {
         ++m_rowNumber;
-        row(table, *static_cast<CZelRecord *>(node->RPData()));
-    }
-    delete bag;
+        row(table, each);
+    });
+    m_manager.RSMGetStore()->RSUnlock();
 }
 
 void CZelStoreDump::row(const CZelTable &table, const CZelRecord &row) {

@@ -11,6 +11,7 @@
 // lock guards a cache, is taken as writer around every touch of it, and always after the store lock.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -151,6 +152,10 @@ public:
     __boolean RTEvalRecTest(CZelDbEntity *column, __boolean swapped, const CZelAtom *value, CZelBoolean *boolean,
                             CZelRecord *record);
     __boolean RTEvalRecordTest(CZelDbEntity *left, CZelDbEntity *right, CZelBoolean *boolean, CZelRecord *record);
+
+    // Each row in turn, without a copy of those in memory; it goes with the return of `visit`, which must not touch the
+    // table. Requires: the store lock is held.
+    void RTVisitRows(const std::function<void(const CZelRecord &)> &visit) const;
 
     // Set algebra. And and Or take one of the two bags over as the result and set its pointer to null.
     static CZelBag *RTAndBags(CZelBag *&a, CZelBag *&b);

@@ -11,6 +11,7 @@
 #include "oql/CZelExpr.h"
 #include "oql/CZelQuery.h"
 #include "store/CZelBoolean.h"
+#include "store/CZelCacheWalk.h"
 #include "store/CZelColumnReader.h"
 #include "store/CZelFilter.h"
 #include "store/CZelFilterWalk.h"
@@ -161,6 +162,19 @@ void CZelTable::replaceHandles(CZelBag &handles, Convert convert) {
         ZEL_REPORT(E_RCBadArgument, "CZelTable::RTReturnRows: a row that its cache can't give is left out");
         handles.RBFastDelete(node);
     }
+}
+
+void CZelTable::RTVisitRows(const std::function<void(const CZelRecord &)> &visit) const {
+    if (m_rows == nullptr)
+        return;
+    if (m_cache != nullptr) {
+        const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
+        for (CZelCacheWalk walk(*m_cache, nullptr); walk.hasRow(); walk.advance())
+            visit(walk.record());
+        return;
+    }
+    for (CZelListable *row = m_rows->RDLHead(); row != nullptr; row = m_rows->RDLGetNext(row))
+        visit(*static_cast<const CZelRecord *>(row));
 }
 
 CZelBag *CZelTable::RTEvalFilter(CZelFilter *filter) {

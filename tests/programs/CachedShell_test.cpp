@@ -38,6 +38,19 @@ TEST_F(CachedShell, FindsItsTablesAgain) {
     EXPECT_TRUE(says(other.out, R"("rows":[])")) << other.out;
 }
 
+// Whatever is in memory, a dump has every row, and is read back.
+TEST_F(CachedShell, ADumpHasTheRowsOfCachedTables) {
+    const std::string dump = m_root.Path("dump.oql");
+    for (const char *share : {"0", "0.5", "1"}) {
+        ShellRun written = run({"-share", share, "-domain", share, "-c", TABLE, "-c",
+                                "insert into d.t (k, s) values (1, 'one'); insert into d.t (k, s) values (2, 'two');",
+                                "-c", ".dump " + dump});
+        EXPECT_EQ(0, written.exitCode) << written.err;
+        ShellRun back = runShell({"-schema", dump, "-format", "oql", "-c", "select * from d.t;"});
+        EXPECT_EQ("{k=1, s='one'}\n{k=2, s='two'}\n", back.out) << share;
+    }
+}
+
 // Rows that a schema file brings are those of the first start.
 TEST_F(CachedShell, TablesOfSchemaFilesHaveCachesToo) {
     const std::string schema =
