@@ -2,9 +2,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <pthread.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -12,6 +10,7 @@
 #include "foundations/base/ZelMalloc.h"
 #include "oql/CZelDbObject.h"
 #include "oql/CZelOQLParser.h"
+#include "tests/support/SmallStack.h"
 
 // The printed forms in the order of the text, each in one line with single blanks; "?" for one without a form,
 // "error" when the text does not parse.
@@ -46,19 +45,4 @@ inline std::string printed(const std::string &text) {
     for (const std::string &one : printedStatements(text))
         all += (all.empty() ? "" : " ") + oneLine(one.c_str());
     return all;
-}
-
-// Runs `work` in a thread with a stack of 1 MiB.
-inline void onSmallStack(std::function<void()> work) {
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    ASSERT_EQ(0, pthread_attr_setstacksize(&attributes, 1U << 20));
-    pthread_t thread = {};
-    const auto run = [](void *arg) -> void * {
-        (*static_cast<std::function<void()> *>(arg))();
-        return nullptr;
-    };
-    ASSERT_EQ(0, pthread_create(&thread, &attributes, run, &work));
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
 }
