@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <bit>
 #include <cstdlib>
-#include <cstring>
 
 #include "foundations/port/ZelOutOfMemory.h"
 
@@ -16,7 +15,7 @@ constinit CZelPoolDepot g_depots[CZelPoolDepot::CLASSES];
 // Memory of the depot's own, zeroed. Not from the pool.
 template <class T>
 T *zeroed(std::size_t count) {
-    void *memory = std::calloc(count, sizeof(T));
+    void *memory = std::calloc(count, sizeof(T));  // NOLINT(bugprone-sizeof-expression): the items are pointers too
     if (memory == nullptr)
         ZelOutOfMemory();
     return static_cast<T *>(memory);
@@ -25,8 +24,7 @@ T *zeroed(std::size_t count) {
 template <class T>
 void enlarge(T *&items, std::size_t former, std::size_t count) {
     T *larger = zeroed<T>(count);
-    if (items != nullptr)
-        std::memcpy(larger, items, former * sizeof(T));
+    std::copy_n(items, former, larger);
     std::free(items);
     items = larger;
 }
