@@ -270,7 +270,7 @@ TEST_P(CachedStoreTest, WhatIsInMemoryStaysWithinTheLimit) {
     const unsigned long long limit = GetParam().isBySize ? GetParam().bytes : share;
     EXPECT_LE(use.m_inCoreBytes, limit == 0 ? 0 : limit + row);
     EXPECT_EQ(limit == 0, use.m_inCoreBytes == 0);
-    EXPECT_EQ(GetParam().isPersistent || use.m_inCoreBytes<use.m_bytes, use.m_pages.m_used> 0);
+    EXPECT_EQ((GetParam().isPersistent || use.m_inCoreBytes < use.m_bytes), (use.m_pages.m_used > 0));
 }
 
 TEST_P(CachedStoreTest, AFileIsGoneWithItsTable) {
