@@ -155,7 +155,8 @@ int CZelTable::updateCachedRow(std::unique_ptr<CZelRecord> row, CZelAtom *handle
     const int stored = isLookedAt ? m_cache->RRCUpdateRecord(row.get(), handle, E_RBTrue)
                                   : m_cache->RRCUpdateRecord(row.release(), handle, E_RBFalse);
     if (stored != 1) {
-        putBack(*row, handle, update);
+        if (row != nullptr)  // a row that the cache took over touched no index
+            putBack(*row, handle, update);
         return fail(stored, "CZelTable::RTUpdateRows: a row keeps what it had in the cache of ", m_identifier);
     }
     if (m_active != nullptr)
