@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <vector>
@@ -112,6 +113,66 @@ TEST_F(FileTest, ShortTransfersAreCompleted) {
     char text[9];
     EXPECT_EQ(9, ZelFilePRead(file, text, 9, 3));
     EXPECT_EQ("character", std::string(text, 9));
+    ZelFileClose(file);
+}
+
+TEST_F(FileTest, ALockKeepsOutEveryOtherHandleAndTellsItsOwner) {
+    const ZelFileHandle file = open(UPDATE);
+    long owner = 0;
+    ASSERT_EQ(1, ZelFileLock(file, &owner));
+    const ZelFileHandle second = open(UPDATE);
+    EXPECT_EQ(-1, ZelFileLock(second, &owner));
+    EXPECT_EQ(EAGAIN, errno);
+    EXPECT_EQ(getpid(), owner);
+    ZelFileClose(second);  // takes nothing from the first handle
+    const pid_t child = fork();
+    if (child == 0) {
+        const ZelFileHandle other = open(UPDATE);
+        const bool isKeptOut = ZelFileLock(other, &owner) == -1 && owner == getppid();
+        _exit(isKeptOut && ZelFileOwner(other) == getppid() ? 0 : 1);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(0, status);
+    ZelFileClose(file);
+    const ZelFileHandle third = open(UPDATE);
+    EXPECT_EQ(0, ZelFileOwner(third));
+    EXPECT_EQ(1, ZelFileLock(third, &owner));
+    ZelFileClose(third);
+}
+
+TEST_F(FileTest, AFileGrowsAndIsCutBack) {
+    const ZelFileHandle file = open(UPDATE);
+    EXPECT_EQ(5, ZelFilePWrite(file, "hello", 5, 0));
+    EXPECT_EQ(1, ZelFileReserve(file, 0, 1000));
+    char text[1000];
+    EXPECT_EQ(1000, ZelFilePRead(file, text, sizeof text, 0));
+    EXPECT_EQ(std::string("hello") + std::string(995, '\0'), std::string(text, sizeof text));
+    EXPECT_EQ(1, ZelFileTruncate(file, 3));
+    EXPECT_EQ(3, ZelFilePRead(file, text, sizeof text, 0));
+    EXPECT_EQ(-1, ZelFileTruncate(file, -1));
+    EXPECT_EQ(1, ZelFileClose(file));
+    EXPECT_EQ(-1, ZelFileReserve(file, 0, 1));
+}
+
+TEST_F(FileTest, NothingIsReplacedByARenamingAndNoLinkIsFollowed) {
+    const ZelFileHandle file = open(UPDATE);
+    const std::string other = m_directory.Path("other");
+    EXPECT_TRUE(ZelFileIsAt(file, m_path.c_str()));
+    EXPECT_EQ(1, ZelFileRename(m_path.c_str(), other.c_str()));
+    EXPECT_FALSE(ZelFileIsAt(file, m_path.c_str()));
+    EXPECT_TRUE(ZelFileIsAt(file, other.c_str()));
+    m_directory.Write("file", "new");
+    EXPECT_FALSE(ZelFileIsAt(file, m_path.c_str()));
+    EXPECT_EQ(-1, ZelFileRename(m_path.c_str(), other.c_str()));
+    EXPECT_EQ(EEXIST, errno);
+    std::filesystem::remove(m_path);
+    std::filesystem::create_symlink(other, m_path);
+    EXPECT_FALSE(ZelFileIsAt(file, m_path.c_str()));
+    EXPECT_EQ(ZEL_NO_FILE, open(UPDATE | ZEL_FILE_NO_LINK));
+    EXPECT_EQ(ELOOP, errno);
+    EXPECT_EQ(1, ZelFileSyncFolder(m_directory.Path("").c_str()));
+    EXPECT_EQ(-1, ZelFileSyncFolder(other.c_str()));
     ZelFileClose(file);
 }
 

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <climits>
@@ -30,22 +31,18 @@ mode_t systemMode(int mode) {
     return ((mode & ZEL_FILE_OWNER_READ) != 0 ? S_IRUSR : 0U) | ((mode & ZEL_FILE_OWNER_WRITE) != 0 ? S_IWUSR : 0U);
 }
 
-// The lock of a whole file is one byte far behind any content. Beside it stands a lock of the older kind on the next
-// byte: it keeps nobody out, but the system tells whose it is.
+// The lock of a whole file lies far behind any content, and is as many bytes long as its process's id, and one. So it
+// tells whose it is: of a lock that belongs to the open file and not to the process, the system only tells the place.
+// One of the older kind would be lost as soon as its process closed any other handle of the file.
 constexpr off_t LOCK_PLACE = static_cast<off_t>(1) << 40;
 
-struct flock oneByte(off_t place) {
+struct flock lockOf(long bytes) {
     struct flock lock {};
     lock.l_type = F_WRLCK;
     lock.l_whence = SEEK_SET;
-    lock.l_start = place;
-    lock.l_len = 1;
+    lock.l_start = LOCK_PLACE;
+    lock.l_len = bytes;
     return lock;
-}
-
-long ownerOf(ZelFileHandle handle) {
-    struct flock lock = oneByte(LOCK_PLACE + 1);
-    return fcntl(handle, F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK ? lock.l_pid : 0;
 }
 
 CZelFileSystem s_system;
@@ -118,16 +115,26 @@ int CZelFileSystem::Reserve(ZelFileHandle handle, long offset, long count) {
 }
 
 int CZelFileSystem::Lock(ZelFileHandle handle, long *owner) {
-    struct flock lock = oneByte(LOCK_PLACE);
-    if (fcntl(handle, F_OFD_SETLK, &lock) != 0) {
-        const int reason = errno;
-        *owner = ownerOf(handle);
-        errno = reason == EACCES ? EAGAIN : reason;
-        return -1;
-    }
-    struct flock mark = oneByte(LOCK_PLACE + 1);
-    (void)fcntl(handle, F_SETLK, &mark);
-    return 0;
+    struct flock lock = lockOf(1L + getpid());
+    if (fcntl(handle, F_OFD_SETLK, &lock) == 0)
+        return 0;
+    const int reason = errno;
+    *owner = Owner(handle);
+    errno = reason == EACCES ? EAGAIN : reason;
+    return -1;
+}
+
+long CZelFileSystem::Owner(ZelFileHandle handle) {
+    struct flock lock = lockOf(1);
+    const bool isLocked = fcntl(handle, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+    return isLocked ? std::max<long>(lock.l_len - 1, 0) : 0;
+}
+
+bool CZelFileSystem::IsAt(ZelFileHandle handle, const char *path) {
+    struct stat open {};
+    struct stat found {};
+    return fstat(handle, &open) == 0 && lstat(path, &found) == 0 && open.st_dev == found.st_dev &&
+           open.st_ino == found.st_ino;
 }
 
 int CZelFileSystem::Rename(const char *from, const char *to) {
@@ -214,7 +221,11 @@ int ZelFileLock(ZelFileHandle handle, long *owner) {
 }
 
 long ZelFileOwner(ZelFileHandle handle) {
-    return ownerOf(handle);
+    return files().Owner(handle);
+}
+
+bool ZelFileIsAt(ZelFileHandle handle, const char *path) {
+    return files().IsAt(handle, path);
 }
 
 int ZelFileRename(const char *from, const char *to) {

@@ -35,6 +35,8 @@ public:
     virtual int Truncate(ZelFileHandle handle, long size);
     virtual int Reserve(ZelFileHandle handle, long offset, long count);
     virtual int Lock(ZelFileHandle handle, long *owner);
+    virtual long Owner(ZelFileHandle handle);  // a process id or 0
+    virtual bool IsAt(ZelFileHandle handle, const char *path);
     virtual int Rename(const char *from, const char *to);
     virtual int SyncFolder(const char *path);
 };
@@ -68,10 +70,14 @@ QUINTOR_API int ZelFileSyncFolder(const char *path);              // its entries
 
 // The advisory lock of a whole open file, held until the handle is closed; it keeps out other processes and other
 // handles of this one. 1; or -1 with EAGAIN while somebody else holds it, and *owner is that process's id or 0.
+// Whoever held it before may have moved or removed the file: ask ZelFileIsAt once the lock is held.
 QUINTOR_API int ZelFileLock(ZelFileHandle handle, long *owner);
 
-// The process that holds the lock of the file, or 0; asked of the system itself.
+// The process that holds the lock of the file through another handle, or 0.
 QUINTOR_API long ZelFileOwner(ZelFileHandle handle);
+
+// Is this open file the one that the path leads to by now?
+QUINTOR_API bool ZelFileIsAt(ZelFileHandle handle, const char *path);
 
 // How much of what a cache writes is forced to the disk. Any kill of the process is survived by each; they differ
 // in what a power cut can take.
