@@ -90,9 +90,11 @@ void CZelCacheFiles::remove(const std::string &path) {
         return;
     }
     long owner = 0;
-    if (ZelFileLock(file, &owner) == 1)
+    if (ZelFileLock(file, &owner) != 1)
+        reportKept(path, errno == EAGAIN ? ownerText(owner) : std::strerror(errno));
+    else if (ZelFileIsAt(file, path.c_str()))
         CZelRecordCache::RRCDeleteCacheFile(path.c_str());
     else
-        reportKept(path, errno == EAGAIN ? ownerText(owner) : std::strerror(errno));
+        reportKept(path, "was moved or removed by somebody else");
     ZelFileClose(file);
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 
 #include "foundations/base/CZelROMPWrapper.h"
@@ -16,6 +17,7 @@ constexpr int PAGE = CZelROMPWrapper::PAGE_BYTES;
 constexpr int OPEN_FLAGS = ZEL_FILE_READ | ZEL_FILE_WRITE | ZEL_FILE_CREATE | ZEL_FILE_NO_LINK;
 constexpr int OWNER_ONLY = ZEL_FILE_OWNER_READ | ZEL_FILE_OWNER_WRITE;
 constexpr int MOST_ASIDE = 1000;  // unreadable files of one table
+constexpr int MOST_TRIES = 20;    // to open a file that others move or remove
 
 // Opens a file, once more after making room for handles where there were none left.
 ZelFileHandle openFile(const char *path, int flags) {
@@ -43,42 +45,58 @@ int CZelPageFile::open(const char *path, bool keep) {
     m_path = path;
     m_policy = keep ? ZelGetSyncPolicy() : E_SPOff;
     m_isKept = keep;
-    if (m_policy != E_SPOff && ZelFileSyncFolder(m_path.substr(0, m_path.rfind('/') + 1).c_str()) != 1)
-        (void)failSync();
     if (!keep && ZelFileTruncate(m_file, 0) != 1) {
-        refuse(path, E_RCOpenFailed, 0);
+        refuse(path, std::strerror(errno));
         ZelFileClose(m_file);
         m_file = ZEL_NO_FILE;
         return E_RCOpenFailed;
     }
+    unsigned int size = 0;
+    m_isForeign = ZelGetOpenFileSize(m_file, size) != 1 || size != 0;
+    syncFolder();
     return 1;
 }
 
-// Nothing is changed in a file before the lock is held.
+// Whoever held the lock before may have moved or removed the file. Then the one that is there now is wanted.
 int CZelPageFile::openOwned(const char *path) {
+    for (int i = 0; i < MOST_TRIES; ++i) {
+        const int status = openLocked(path);
+        if (status != 1 || ZelFileIsAt(m_file, path))
+            return status;
+        ZelFileClose(m_file);
+        m_file = ZEL_NO_FILE;
+    }
+    return refuse(path, "is moved or removed by other processes all the time");
+}
+
+// Nothing is changed in a file before the lock is held.
+int CZelPageFile::openLocked(const char *path) {
     m_file = openFile(path, OPEN_FLAGS);
     if (m_file == ZEL_NO_FILE)
-        return refuse(path, E_RCOpenFailed, 0);
+        return refuse(path, std::strerror(errno));
     long owner = 0;
     if (ZelFileLock(m_file, &owner) == 1)
         return 1;
-    const int status = refuse(path, E_RCOpenFailed, errno == EAGAIN ? std::max(owner, 1L) : 0);
+    const std::string reason = errno != EAGAIN ? std::strerror(errno)
+                               : owner == 0    ? "is in use by another process"
+                                               : "is in use by process " + std::to_string(owner);
     ZelFileClose(m_file);
     m_file = ZEL_NO_FILE;
-    return status;
+    return refuse(path, reason);
 }
 
-// Owner: 0 when it isn't another process that stands in the way.
-int CZelPageFile::refuse(const char *path, int code, long owner) const {
+int CZelPageFile::refuse(const char *path, const std::string &reason) const {
     CZelString text(path);
     text.RSStrCat(' ');
-    if (owner == 0) {
-        text.RSStrCat(std::strerror(errno));
-    } else {
-        text.RSStrCat("is in use by process ");
-        text.RSStrCat(std::to_string(owner).c_str());
-    }
-    return ZEL_FAIL(code, text.RSString());
+    text.RSStrCat(reason.c_str());
+    return ZEL_FAIL(E_RCOpenFailed, text.RSString());
+}
+
+// The file may be a new one, and is of no use after a power cut when its folder doesn't know it.
+void CZelPageFile::syncFolder() {
+    const std::string folder = m_path.substr(0, m_path.rfind('/') + 1);
+    if (m_policy != E_SPOff && ZelFileSyncFolder(folder.empty() ? "." : folder.c_str()) != 1)
+        (void)failSync();
 }
 
 int CZelPageFile::fail(int code, const char *what) const {
@@ -104,29 +122,49 @@ int CZelPageFile::close() {
     return synced && closed ? 1 : fail(E_RCCacheClose, "the cache file could not be closed in order");
 }
 
-// A file that can't be read in goes out of the way, whole, under a name that is no cache file's: a cache file's name
-// has no further part behind the domain.
+// A file that can't be read in goes out of the way, whole. The handle and its lock stay until a new one is there; where
+// that fails, the next write tries again.
 int CZelPageFile::moveAside() {
-    std::string aside;
-    int status = -1;
-    for (int number = 1; status != 1 && number <= MOST_ASIDE; ++number) {
-        aside = m_path + ".unreadable." + std::to_string(number);
-        status = ZelFileRename(m_path.c_str(), aside.c_str());
-        if (status != 1 && errno != EEXIST)
-            break;
-    }
-    if (status != 1)
+    if (ZelFileIsAt(m_file, m_path.c_str()) && makeWay() != 1)
         return fail(E_RCPageWrite, "the unreadable cache file can't be moved aside");
     const ZelFileHandle unreadable = m_file;
-    status = openOwned(m_path.c_str());
-    ZelFileClose(unreadable);
-    if (status != 1)
+    if (startAnew() != 1) {
+        m_file = unreadable;
         return E_RCPageWrite;
+    }
+    ZelFileClose(unreadable);
     m_isForeign = false;
     m_whole = NO_POSITION;
     forgetAhead();
-    ZEL_REPORT(E_RCMalformed, ("The unreadable cache file was moved to " + aside).c_str());
-    return 1;
+    syncFolder();
+    return m_hasFailedSync ? E_RCPageWrite : 1;
+}
+
+// The new name is no cache file's: a cache file's name has no further part behind the domain.
+int CZelPageFile::makeWay() {
+    for (int number = 1; number <= MOST_ASIDE; ++number) {
+        const std::string aside = m_path + ".unreadable." + std::to_string(number);
+        if (ZelFileRename(m_path.c_str(), aside.c_str()) == 1) {
+            ZEL_REPORT(E_RCMalformed, ("The unreadable cache file was moved to " + aside).c_str());
+            return 1;
+        }
+        if (errno != EEXIST)
+            return E_RCPageWrite;
+    }
+    return E_RCPageWrite;
+}
+
+// Somebody else may have put a file there in the meantime.
+int CZelPageFile::startAnew() {
+    if (openOwned(m_path.c_str()) != 1)
+        return E_RCPageWrite;
+    unsigned int size = 0;
+    if (ZelGetOpenFileSize(m_file, size) == 1 && size == 0)
+        return 1;
+    errno = 0;
+    const int status = fail(E_RCPageWrite, "another file has taken the place of the unreadable one");
+    ZelFileClose(m_file);
+    return status;
 }
 
 // What every change asks first.
@@ -143,11 +181,12 @@ int CZelPageFile::prepareToWrite() {
 
 // Takes positions into m_chain. The file grows when there are too few.
 int CZelPageFile::reserve(std::size_t pages) {
+    const long missing = static_cast<long>(pages) - static_cast<long>(m_free.size());
+    errno = 0;
+    if (missing > PAGES_AT_MOST - m_pageCount || m_stamp == ULLONG_MAX)
+        return fail(E_RCNoHandle, "no file position or no stamp is left");
     while (m_free.size() < pages) {
         const long count = std::min(PAGES_AT_ONCE, PAGES_AT_MOST - m_pageCount);
-        errno = 0;
-        if (count <= 0)
-            return fail(E_RCNoHandle, "no file position is left");
         if (ZelFileReserve(m_file, m_pageCount * PAGE, count * PAGE) != 1) {
             const int status = fail(E_RCPageWrite, "no room for more pages");
             (void)ZelFileTruncate(m_file, m_pageCount * PAGE);

@@ -5,7 +5,9 @@
 // that replaces another names it on its first page; the other one is emptied after that, first page first. So at any
 // moment every record has one chain that counts: whole, of one stamp, and not replaced by a whole chain.
 //
-// The file is owned while it is open: an advisory lock, mode 0600, closed on exec, no links followed. It grows by 50
+// The file is owned while it is open: an advisory lock, mode 0600, closed on exec, no links followed. What has not been
+// read in is not written over: a file that was opened to be kept and holds anything must be read first, otherwise it is
+// treated as one that can't be read. It grows by 50
 // pages at a time. Positions are byte offsets below 2^31; free ones are given out in ascending order, those given
 // back come after them, oldest first.
 //
@@ -59,17 +61,20 @@ public:
     int open(const char *path, bool keep);
 
     // Reads the whole file in large blocks. Dead chains are emptied. 1; E_RCOpenFailed when its size is unknown or
-    // no multiple of 512: then it stays as found, and the first write moves it aside and starts a new file.
+    // no multiple of 512, or it can't be read: then it stays as found, and the first write moves it aside and starts a
+    // new file.
     int readAll(Reader &reader);
 
     // Writes a chain; `replaced`, if not NO_POSITION, is the start of the one that it takes the place of. 1 and
-    // *start; E_RCPageWrite, E_RCNoHandle: nothing of it stays, the replaced chain stands.
+    // *start; E_RCPageWrite, E_RCNoHandle, E_RCPageRead (the replaced one): nothing of it stays, the replaced chain
+    // stands.
     int write(const unsigned char *encoding, int length, long replaced, long *start);
 
     // The encoding of the chain, from malloc. 1; E_RCBadValue (broken chain), E_RCPageRead.
     int read(long start, unsigned char **encoding, int *length);
 
-    // Empties a chain, first page first, and gives its pages back. 1; E_RCPageRead, E_RCPageWrite.
+    // Empties a chain, first page first, and gives its pages back. 1; E_RCPageRead, E_RCPageWrite: the chain stands;
+    // E_RCBadValue (broken chain).
     int release(long start);
 
     // Syncs by the policy and closes. 1, or E_RCCacheClose, reported. Nothing on a closed file.
@@ -87,8 +92,12 @@ private:
 
     // Opening, growing, closing.
     int openOwned(const char *path);
-    int refuse(const char *path, int code, long owner) const;
+    int openLocked(const char *path);
+    int refuse(const char *path, const std::string &reason) const;
+    void syncFolder();
     int moveAside();
+    int makeWay();
+    int startAnew();
     int prepareToWrite();
     int reserve(std::size_t pages);
 
@@ -110,7 +119,10 @@ private:
     void lookAhead(long start);
     void forgetAhead();
     int broken() const;
+    bool putBack(const unsigned char *first);
     int empty(const std::vector<long> &chain);
+    int disown(const std::vector<long> &chain);
+    void giveBack(const std::vector<long> &chain);
     int emptyPending();
     int sync();
     int failSync();
@@ -121,7 +133,7 @@ private:
     SZelPageCounts m_counts;
     EZelSyncPolicy m_policy = E_SPOff;         // the process's at opening
     bool m_isKept = true;                      // is anything to be found again?
-    bool m_isForeign = false;                  // not readable: to be moved aside before the first write
+    bool m_isForeign = false;                  // not read in: to be moved aside before the first write
     bool m_formerMayReturn = false;            // a replaced chain has been emptied since the last sync
     bool m_hasFailedSync = false;              // nothing is written any more
     long m_pageCount = 0;                      // of the file, handed out or not

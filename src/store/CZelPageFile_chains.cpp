@@ -1,5 +1,6 @@
 // Chains: writing, reading, emptying.
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <utility>
@@ -70,6 +71,7 @@ void CZelPageFile::layOut(const unsigned char *encoding, int length, long replac
     for (std::size_t i = 0; i < m_chain.size(); ++i) {
         CZelROMPWrapper page(encoding, length, static_cast<int>(i) * SLICE);
         page.RRWSetStamp(m_stamp);
+        page.RRWSetPosition(m_chain[i]);
         if (i + 1 < m_chain.size())
             page.RRWSetNextPkt(m_chain[i + 1]);
         if (i == 0) {
@@ -114,27 +116,56 @@ void CZelPageFile::undo() {
 }
 
 // While a power cut could bring back what a chain has replaced, the chain itself must stand: it is what tells that the
-// other one is dead.
+// other one is dead. Only the first page goes before all is certain, so that it can be put back.
 int CZelPageFile::release(long start) {
     int status = prepareToWrite();
     if (status == 1 && m_formerMayReturn)
         status = sync();
     if (status == 1)
         status = follow(start);
-    if (status == 1)
-        status = empty(m_chain);
+    if (status != 1)
+        return status;
+    std::array<unsigned char, PAGE> first;
+    std::copy_n(m_bytes.begin(), PAGE, first.begin());
+    status = disown(m_chain);
     if (status == 1 && m_policy == E_SPFull)
         status = sync();
-    return status;
+    if (status != 1)
+        return putBack(first.data()) ? status : 1;
+    giveBack(m_chain);
+    return 1;
 }
 
-// Empties a chain, first page first: from that page on it doesn't count. Its other pages are only put in order, and
-// those that can't be are used again all the same.
+// The first page of m_chain, after a release that failed. False: half of it has been written over and can't be
+// mended, so the chain is gone, and it is emptied before anything else is written.
+bool CZelPageFile::putBack(const unsigned char *first) {
+    if (ZelFilePWrite(m_file, first, PAGE, m_chain.front()) == PAGE)
+        return true;
+    std::array<unsigned char, PAGE> found;
+    if (ZelFilePRead(m_file, found.data(), PAGE, m_chain.front()) != PAGE ||
+        std::equal(found.begin(), found.end(), first))
+        return true;
+    m_pending.push_back(m_chain);
+    return false;
+}
+
 int CZelPageFile::empty(const std::vector<long> &chain) {
+    if (disown(chain) != 1)
+        return E_RCPageWrite;
+    giveBack(chain);
+    return 1;
+}
+
+// Empties the first page: from then on the chain doesn't count.
+int CZelPageFile::disown(const std::vector<long> &chain) {
     m_whole = NO_POSITION;
     m_bytes.assign(chain.size() * PAGE, 0);
-    if (writePages(chain, 0, 1) != 1)
-        return E_RCPageWrite;
+    return writePages(chain, 0, 1);
+}
+
+// The other pages of a chain that was disowned. Emptying them only puts them in order: those that can't be emptied are
+// used again all the same.
+void CZelPageFile::giveBack(const std::vector<long> &chain) {
     for (std::size_t from = 1, to = 1; from < chain.size(); from = to) {
         for (to = from + 1; to < chain.size() && chain[to] == chain[to - 1] + PAGE;)
             ++to;
@@ -143,7 +174,6 @@ int CZelPageFile::empty(const std::vector<long> &chain) {
     m_free.insert(m_free.end(), chain.begin(), chain.end());
     m_counts.m_free += static_cast<long>(chain.size());
     m_counts.m_used -= static_cast<long>(chain.size());
-    return 1;
 }
 
 // What can't be emptied yet is reported each time: nothing can be written in the meantime.
@@ -183,7 +213,8 @@ int CZelPageFile::follow(long start) {
         return fail(E_RCPageRead, "a page could not be read whole");
     const CZelROMPWrapper first(m_bytes.data());
     const int total = first.RRWGetTotalLen();
-    if (first.RRWGetIsFirstPkt() != E_RBTrue || pagesFor(total) > static_cast<std::size_t>(m_pageCount))
+    if (!first.RRWIsSoundAt(start) || first.RRWGetIsFirstPkt() != E_RBTrue ||
+        pagesFor(total) > static_cast<std::size_t>(m_pageCount))
         return broken();
     m_encoding.assign(first.RRWGetROMPData(), first.RRWGetROMPData() + first.RRWGetDataLen());
     const int status = first.RRWGetDataLen() != total                        ? followOn(first)
@@ -237,7 +268,7 @@ int CZelPageFile::followOn(const CZelROMPWrapper &first) {
         if (!isThere && readPages(bytes, 1, position) != 1)
             return fail(E_RCPageRead, "a page could not be read whole");
         const CZelROMPWrapper page(bytes);
-        if (page.RRWCondition() != CZelROMPWrapper::SOUND || page.RRWGetIsFirstPkt() == E_RBTrue ||
+        if (!page.RRWIsSoundAt(position) || page.RRWGetIsFirstPkt() == E_RBTrue ||
             page.RRWGetStamp() != first.RRWGetStamp() || page.RRWGetTotalLen() != first.RRWGetTotalLen())
             return broken();
         m_chain.push_back(position);

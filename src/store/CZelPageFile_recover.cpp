@@ -50,24 +50,26 @@ struct CZelPageFile::Window {
 
     // The page, or null when it can't be read. Moves on to the first page of a chain that lies behind, never back.
     const unsigned char *page(long position, bool isFirst) {
-        if (isFirst && position >= start + length && !load(position))
-            return nullptr;
+        if (isFirst && position >= start + length)
+            load(position);
         if (position >= start && position < start + length)
             return bytes.data() + (position - start);
         return ZelFilePRead(file, single.data(), PAGE, position) == PAGE ? single.data() : nullptr;
     }
-    bool load(long position) {
+    void load(long position) {
         const long wanted = std::min<long>(BLOCK, size - position);
         start = position;
-        length = ZelFilePRead(file, bytes.data(), static_cast<unsigned int>(wanted), position);
-        return length == wanted;
+        length = std::max(ZelFilePRead(file, bytes.data(), static_cast<unsigned int>(wanted), position), 0L);
+        length -= length % PAGE;
     }
 };
 
 int CZelPageFile::readAll(Reader &reader) {
     CZelPageMap map;
-    if (mapPages(map) != 1)
+    m_isForeign = mapPages(map) != 1;
+    if (m_isForeign)
         return E_RCOpenFailed;
+    m_formerMayReturn = m_policy != E_SPOff;  // whoever was stopped before may have emptied a chain and not synced
     takeChains(map, reader);
     m_counts.m_used =
         map.count(CZelPageMap::CHAIN_START) + map.count(CZelPageMap::CHAIN_PAGE) + map.count(CZelPageMap::REPLACED);
@@ -83,17 +85,16 @@ int CZelPageFile::readAll(Reader &reader) {
 int CZelPageFile::mapPages(CZelPageMap &map) {
     unsigned int size = 0;
     if (!isOpen() || ZelGetOpenFileSize(m_file, size) != 1)
-        return refuse(m_path.c_str(), E_RCOpenFailed, 0);
+        return refuse(m_path.c_str(), std::strerror(errno));
     if (size % PAGE != 0 || size / PAGE > PAGES_AT_MOST) {
-        m_isForeign = true;
         if (__Zeltronix_Debug_Level >= 1)
             std::printf("Cache file has been corrupted, and cannot be read in.\n");
         return E_RCMalformed;
     }
     m_pageCount = size / PAGE;
     if (mapAll(m_file, m_pageCount, map) != 1) {
-        m_isForeign = true;
-        return refuse(m_path.c_str(), E_RCOpenFailed, 0);
+        m_pageCount = 0;
+        return refuse(m_path.c_str(), std::strerror(errno));
     }
     m_stamp = map.highestStamp();
     return 1;
@@ -111,8 +112,10 @@ bool CZelPageFile::takeChain(const CZelPageMap &map, Window &window, long start,
     m_bytes.clear();
     for (long number = start; number >= 0; number = map.next(number)) {
         const unsigned char *bytes = window.page(number * PAGE, number == start);
-        if (bytes == nullptr)
+        if (bytes == nullptr) {
+            (void)fail(E_RCPageRead, "a record can't be read; it stays out of use until the next start");
             return false;
+        }
         const CZelROMPWrapper page(bytes);
         m_bytes.insert(m_bytes.end(), page.RRWGetROMPData(), page.RRWGetROMPData() + page.RRWGetDataLen());
     }
@@ -133,7 +136,7 @@ int CZelPageFile::inspect(const char *path, CZelPageMap &map, long *owner) {
     *owner = 0;
     file.m_file = ZelFileOpen(path, ZEL_FILE_READ, 0);
     if (!file.isOpen())
-        return file.refuse(path, E_RCOpenFailed, 0);
+        return file.refuse(path, std::strerror(errno));
     file.m_path = path;
     *owner = ZelFileOwner(file.m_file);
     const int status = file.mapPages(map);

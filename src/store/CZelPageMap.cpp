@@ -1,7 +1,6 @@
 #include "store/CZelPageMap.h"
 
 #include <algorithm>
-#include <unordered_set>
 
 #include "foundations/base/CZelROMPWrapper.h"
 
@@ -20,15 +19,16 @@ void CZelPageMap::add(const CZelROMPWrapper &wrapper) {
     Page page;
     if (wrapper.RRWCondition() == CZelROMPWrapper::EMPTY) {
         page.use = FREE;
-    } else if (wrapper.RRWCondition() == CZelROMPWrapper::SOUND) {
+    } else if (wrapper.RRWIsSoundAt(length() * CZelROMPWrapper::PAGE_BYTES)) {
         page.use = OUT_OF_USE;  // until a chain claims it
         page.stamp = wrapper.RRWGetStamp();
         page.next = pageAt(wrapper.RRWGetNextPkt());
         page.total = static_cast<std::uint32_t>(wrapper.RRWGetTotalLen());
         page.length = static_cast<std::uint16_t>(wrapper.RRWGetDataLen());
         page.isFirst = wrapper.RRWGetIsFirstPkt() == E_RBTrue;
-        m_highestStamp = std::max<std::uint64_t>(m_highestStamp, page.stamp);
     }
+    if (wrapper.RRWCondition() == CZelROMPWrapper::SOUND)
+        m_highestStamp = std::max<std::uint64_t>(m_highestStamp, wrapper.RRWGetStamp());
     if (page.isFirst) {
         m_firsts.push_back(length());
         if (wrapper.RRWGetReplaced() >= 0 && wrapper.RRWGetReplacedStamp() < page.stamp)
@@ -42,7 +42,6 @@ void CZelPageMap::settle() {
     for (const long start : m_firsts)
         if (walk(start))
             m_starts.push_back(start);
-    dropDoubles();
     dropReplaced();
 }
 
@@ -81,18 +80,6 @@ void CZelPageMap::setUse(long start, Use use) {
         m_pages[static_cast<std::size_t>(page)].use = use == CHAIN_START ? CHAIN_PAGE : use;
 }
 
-// Each chain has a stamp of its own. A second one with the same is a copy that damage has made.
-void CZelPageMap::dropDoubles() {
-    std::unordered_set<std::uint64_t> stamps;
-    stamps.reserve(m_starts.size());
-    std::erase_if(m_starts, [&](long start) {
-        if (stamps.insert(m_pages[static_cast<std::size_t>(start)].stamp).second)
-            return false;
-        setUse(start, OUT_OF_USE);
-        return true;
-    });
-}
-
 // A note counts while its own chain is whole, be that one replaced too. Notes point to older stamps, so there is no
 // circle.
 void CZelPageMap::dropReplaced() {
@@ -106,7 +93,9 @@ void CZelPageMap::dropReplaced() {
         m_replaced.push_back(note.replaced);
     }
     std::erase_if(m_starts, [this](long start) { return use(start) == REPLACED; });
-    std::sort(m_replaced.begin(), m_replaced.end());
+    std::sort(m_replaced.begin(), m_replaced.end(), [this](long left, long right) {
+        return m_pages[static_cast<std::size_t>(left)].stamp > m_pages[static_cast<std::size_t>(right)].stamp;
+    });
 }
 
 long CZelPageMap::count(Use wanted) const {

@@ -34,7 +34,7 @@ public:
     void setUse(long start, Use use);  // of all pages of a chain
     long count(Use use) const;
 
-    // First pages, in the order of the file, of the chains that count; and of those that are replaced.
+    // First pages: of the chains that count, in the order of the file; of those that are replaced, youngest first.
     const std::vector<long> &starts() const { return m_starts; }
     const std::vector<long> &replaced() const { return m_replaced; }
 
@@ -55,7 +55,6 @@ private:
     };
 
     bool walk(long start);
-    void dropDoubles();
     void dropReplaced();
 
     std::vector<Page> m_pages;

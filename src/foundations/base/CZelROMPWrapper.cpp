@@ -19,7 +19,7 @@ enum Place : int {
     STAMP = 16,           // eight bytes
     REPLACED = 24,        // four bytes
     REPLACED_STAMP = 28,  // eight bytes
-    RESERVED = 36,        // four bytes of zero
+    POSITION = 36,        // four bytes
     CHECKSUM = 40         // four bytes
 };
 
@@ -124,6 +124,14 @@ void CZelROMPWrapper::RRWSetNextPkt(long position) {
 void CZelROMPWrapper::RRWEmptyPacket() {
     std::memset(m_page, 0, sizeof m_page);
     m_condition = EMPTY;
+}
+
+long CZelROMPWrapper::RRWGetPosition() const {
+    return static_cast<long>(get(m_page + POSITION, 4));
+}
+
+void CZelROMPWrapper::RRWSetPosition(long position) {
+    put(m_page + POSITION, 4, static_cast<std::uint64_t>(position));
 }
 
 unsigned long long CZelROMPWrapper::RRWGetStamp() const {

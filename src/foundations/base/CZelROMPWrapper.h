@@ -3,8 +3,9 @@
 //
 // Layout, little-endian: magic "ZP" and layout version, flags, position of the next page, length of the whole
 // encoding, length of the slice, stamp of the chain, position and stamp of the chain that this one replaces (first
-// page only), CRC32C of the page with the checksum's own bytes as zeros; then the slice, then zeros. A page of
-// zeros is an empty page.
+// page only), position of the page itself, CRC32C of the page with the checksum's own bytes as zeros; then the slice,
+// then zeros. A page of zeros is an empty page. A page that lies elsewhere than it says is a copy that damage has
+// made: with a checksum that holds, but perhaps of a record that has long been replaced.
 //
 // CRC32C: Castagnoli's polynomial as RFC 3720, appendix B.4, tells it.
 #pragma once
@@ -44,6 +45,10 @@ public:
     void RRWSetNextPkt(long position);
     void RRWEmptyPacket();
     __boolean RRWIsPacketEmpty() const { return ZelBool(m_condition == EMPTY); }
+
+    long RRWGetPosition() const;  // of this page
+    void RRWSetPosition(long position);
+    bool RRWIsSoundAt(long position) const { return m_condition == SOUND && RRWGetPosition() == position; }
 
     unsigned long long RRWGetStamp() const;  // all pages of a chain share it
     void RRWSetStamp(unsigned long long stamp);
