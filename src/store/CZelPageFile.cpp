@@ -42,6 +42,7 @@ int CZelPageFile::open(const char *path, bool keep) {
     const int status = openOwned(path);
     if (status != 1)
         return status;
+    startAfresh();
     m_path = path;
     m_policy = keep ? ZelGetSyncPolicy() : E_SPOff;
     m_isKept = keep;
@@ -55,6 +56,18 @@ int CZelPageFile::open(const char *path, bool keep) {
     m_isForeign = ZelGetOpenFileSize(m_file, size) != 1 || size != 0;
     syncFolder();
     return 1;
+}
+
+// Forgets what a file that was open before has left.
+void CZelPageFile::startAfresh() {
+    m_counts = SZelPageCounts();
+    m_hasFailedSync = m_formerMayReturn = false;
+    m_pageCount = 0;
+    m_stamp = 0;
+    m_free.clear();
+    m_pending.clear();
+    m_whole = NO_POSITION;
+    forgetAhead();
 }
 
 // Whoever held the lock before may have moved or removed the file. Then the one that is there now is wanted.

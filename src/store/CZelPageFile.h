@@ -91,6 +91,7 @@ private:
     struct Window;
 
     // Opening, growing, closing.
+    void startAfresh();
     int openOwned(const char *path);
     int openLocked(const char *path);
     int refuse(const char *path, const std::string &reason) const;

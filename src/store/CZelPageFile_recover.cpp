@@ -18,7 +18,7 @@ constexpr unsigned int BLOCK = 1048576;
 
 // Adds all pages of an open file. 1, or E_RCPageRead with nothing reported.
 int mapAll(ZelFileHandle file, long pages, CZelPageMap &map) {
-    std::vector<unsigned char> block(BLOCK);
+    std::vector<unsigned char> block(static_cast<std::size_t>(std::min<long>(BLOCK, pages * PAGE)));
     for (long position = 0; position < pages * PAGE; position += BLOCK) {
         const long wanted = std::min<long>(BLOCK, pages * PAGE - position);
         if (ZelFilePRead(file, block.data(), static_cast<unsigned int>(wanted), position) != wanted)
@@ -45,7 +45,8 @@ struct CZelPageFile::Window {
     long size;  // of the file
     long start = 0;
     long length = 0;
-    std::vector<unsigned char> bytes = std::vector<unsigned char>(BLOCK);
+    std::vector<unsigned char> bytes =
+        std::vector<unsigned char>(static_cast<std::size_t>(std::min<long>(BLOCK, size)));
     std::vector<unsigned char> single = std::vector<unsigned char>(PAGE);
 
     // The page, or null when it can't be read. Moves on to the first page of a chain that lies behind, never back.

@@ -37,7 +37,7 @@ public:
         return fails(WRITE) ? -1 : CZelFileSystem::PWrite(handle, buffer, part(WRITE, count), offset);
     }
     long Size(ZelFileHandle handle) override { return fails(SIZE) ? -1 : CZelFileSystem::Size(handle); }
-    int Sync(ZelFileHandle handle) override { return fails(SYNC) ? -1 : CZelFileSystem::Sync(handle); }
+    int Sync(ZelFileHandle /*handle*/) override { return fails(SYNC) ? -1 : 0; }  // no power is cut here
     int Close(ZelFileHandle handle) override {
         const int result = CZelFileSystem::Close(handle);
         return fails(CLOSE) ? -1 : result;

@@ -100,6 +100,7 @@ private:
 
     const SyncPolicy m_policy;
     const CZelErrorCapture m_quiet;
+    const FailingFiles m_sound{FailingFiles::SYNC, 0};
     const ScratchDirectory m_scratch;
     const std::string m_path = m_scratch.Path("records");
     Records m_model;
