@@ -1,8 +1,10 @@
 #include "programs/oqlcheck/CZelPageReport.h"
 
 #include <cstdio>
+#include <filesystem>
 
 #include "foundations/base/CZelROMPWrapper.h"
+#include "foundations/port/CZelError.h"
 #include "store/CZelPageFile.h"
 #include "store/CZelPageMap.h"
 
@@ -14,12 +16,23 @@ long chainsOf(const CZelPageMap &map) {
     return static_cast<long>(map.starts().size());
 }
 
+// A pipe would be waited for without end.
+bool isPlainFile(const std::string &path) {
+    std::error_code failure;
+    const std::filesystem::file_status status = std::filesystem::status(path, failure);
+    return !std::filesystem::exists(status) || std::filesystem::is_regular_file(status);
+}
+
 }  // namespace
 
 CZelPageReport::Outcome CZelPageReport::check(const std::string &path) {
     CZelPageMap map;
     long owner = 0;
     m_text.clear();
+    if (!isPlainFile(path)) {
+        ZEL_REPORT(E_RCOpenFailed, (path + " is no plain file").c_str());
+        return UNREADABLE;
+    }
     const int status = CZelPageFile::inspect(path.c_str(), map, &owner);
     if (status != 1)
         return UNREADABLE;

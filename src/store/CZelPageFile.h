@@ -66,8 +66,7 @@ public:
     int readAll(Reader &reader);
 
     // Writes a chain; `replaced`, if not NO_POSITION, is the start of the one that it takes the place of. 1 and
-    // *start; E_RCPageWrite, E_RCNoHandle, E_RCPageRead (the replaced one): nothing of it stays, the replaced chain
-    // stands.
+    // *start; E_RCPageWrite, E_RCNoHandle: nothing of it stays, the replaced chain stands.
     int write(const unsigned char *encoding, int length, long replaced, long *start);
 
     // The encoding of the chain, from malloc. 1; E_RCBadValue (broken chain), E_RCPageRead.
@@ -84,7 +83,8 @@ public:
     const SZelPageCounts &counts() const { return m_counts; }
 
     // Adds every page of a file to the map and settles it. The file is only read, under no lock. *owner: the id of the
-    // process that has it open, or 0. 1; E_RCOpenFailed, E_RCMalformed (its size is no multiple of 512), reported.
+    // process that has it open, or 0. 1; E_RCOpenFailed, E_RCMalformed (its size is no multiple of 512, or too large),
+    // reported.
     static int inspect(const char *path, CZelPageMap &map, long *owner);
 
 private:
@@ -112,6 +112,7 @@ private:
     void layOut(const unsigned char *encoding, int length, long replaced, unsigned long long replacedStamp);
     int lookUpFormer(long start, std::vector<long> &former, unsigned long long &stamp);
     int writePages(const std::vector<long> &chain, std::size_t from, std::size_t to);
+    int writeWhole(bool replaces);
     int writeChain();
     void undo();
     int follow(long start);  // fills m_chain and m_bytes with the positions and bytes of a chain that is whole

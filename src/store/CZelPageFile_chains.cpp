@@ -37,13 +37,9 @@ int CZelPageFile::write(const unsigned char *encoding, int length, long replaced
     if (status != 1)
         return status;
     layOut(encoding, length, former.empty() ? NO_POSITION : replaced, formerStamp);
-    status = writeChain();
-    if (status == 1 && (m_policy == E_SPFull || (m_policy == E_SPUpdate && !former.empty())))
-        status = sync();
-    if (status != 1) {
-        undo();
+    status = writeWhole(!former.empty());
+    if (status != 1)
         return status;
-    }
     m_counts.m_used += static_cast<long>(m_chain.size());
     *start = m_chain.front();
     if (m_policy != E_SPOff && !former.empty())
@@ -53,14 +49,17 @@ int CZelPageFile::write(const unsigned char *encoding, int length, long replaced
     return 1;
 }
 
-// The chain that is to be replaced. One that is broken by now is left where it is, and nothing is replaced.
+// The chain that is to be replaced. One that is broken by now is left where it is, and nothing is replaced. One that
+// can't be read now must not stay beside the new one.
 int CZelPageFile::lookUpFormer(long start, std::vector<long> &former, unsigned long long &stamp) {
     const int status = follow(start);
     if (status == 1) {
         former = m_chain;
         stamp = m_wholeStamp;
     }
-    return status == E_RCBadValue ? 1 : status;
+    if (status == E_RCBadValue)
+        return 1;
+    return status == E_RCPageRead ? E_RCPageWrite : status;
 }
 
 // The pages of m_chain in m_bytes.
@@ -80,6 +79,16 @@ void CZelPageFile::layOut(const unsigned char *encoding, int length, long replac
         }
         std::memcpy(m_bytes.data() + i * PAGE, page.RRWGetData(), PAGE);
     }
+}
+
+// All of the chain in m_chain, or nothing.
+int CZelPageFile::writeWhole(bool replaces) {
+    int status = writeChain();
+    if (status == 1 && (m_policy == E_SPFull || (m_policy == E_SPUpdate && replaces)))
+        status = sync();
+    if (status != 1)
+        undo();
+    return status;
 }
 
 // The chain counts once its first page stands, so that one comes last and by itself.

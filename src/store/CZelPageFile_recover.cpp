@@ -141,6 +141,7 @@ int CZelPageFile::inspect(const char *path, CZelPageMap &map, long *owner) {
     file.m_path = path;
     *owner = ZelFileOwner(file.m_file);
     const int status = file.mapPages(map);
-    return status == E_RCMalformed ? ZEL_FAIL(status, (file.m_path + ": the size is no multiple of 512").c_str())
-                                   : status;
+    return status == E_RCMalformed
+               ? ZEL_FAIL(status, (file.m_path + ": the size is no multiple of 512 below 2 GiB").c_str())
+               : status;
 }

@@ -1,6 +1,7 @@
 // The file checker as a program: what it prints and how it exits.
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -75,4 +76,8 @@ TEST(OqlCheck, WhatItCanNotReadOrDoesNotKnow) {
     run = check(scratch.Write("odd", "no pages"));
     EXPECT_EQ(2, run.exit);
     EXPECT_TRUE(says(run, "no multiple of 512")) << run.output;
+    ASSERT_EQ(0, mkfifo(scratch.Path("pipe").c_str(), 0600));
+    run = check(scratch.Path("pipe") + ' ' + scratch.Write("empty", ""));  // the others are looked through all the same
+    EXPECT_EQ(2, run.exit);
+    EXPECT_TRUE(says(run, "pipe is no plain file") && says(run, "sound")) << run.output;
 }

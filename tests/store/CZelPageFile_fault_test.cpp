@@ -84,7 +84,9 @@ public:
 private:
     void put(long replaced, const std::string &text) {
         long start = 0;
-        if (done(write(m_file, text, replaced, &start))) {
+        const int status = write(m_file, text, replaced, &start);
+        EXPECT_NE(E_RCPageRead, status);
+        if (done(status)) {
             m_model.erase(replaced);
             m_model[start] = text;
         }
