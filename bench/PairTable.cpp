@@ -5,49 +5,55 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <map>
 #include <vector>
+
+#include "bench/BenchTable.h"
 
 namespace {
 
 constexpr int REPETITIONS = 7;
 
-struct Row {
-    std::string name;
-    std::string unit;
-    BenchPeer peer;
-};
-
-struct Measure {
-    std::string name;
-    std::string unit;
-    double ours;
-    double peer;
-};
-
-std::vector<Row> &rows() {
-    static std::vector<Row> all;
+// Lines without figures, and those that are complete already.
+std::vector<BenchLine> &lines() {
+    static std::vector<BenchLine> all;
     return all;
 }
 
-std::vector<Measure> &measures() {
-    static std::vector<Measure> all;
+std::vector<BenchLine> &measures() {
+    static std::vector<BenchLine> all;
     return all;
 }
 
-void registerSide(const std::string &name, const BenchWork &work) {
-    auto *side = benchmark::RegisterBenchmark(name.c_str(), [work](benchmark::State &state) {
+std::string sideOf(const std::string &name, const std::string &who) {
+    return name + "/" + who;
+}
+
+void registerSide(const std::string &side, const BenchWork &work) {
+    auto *registered = benchmark::RegisterBenchmark(side.c_str(), [work](benchmark::State &state) {
         for (auto _ : state) {
             const BenchRun run = work();
             state.SetIterationTime(run.seconds / static_cast<double>(run.items));
         }
     });
-    side->UseManualTime()->Iterations(1)->Repetitions(REPETITIONS);
+    registered->UseManualTime()->Iterations(1)->Repetitions(REPETITIONS);
 }
 
-double median(std::vector<double> times) {
-    std::sort(times.begin(), times.end());
-    return times.empty() ? 0 : times[times.size() / 2];
+void addColumn(BenchLine &line, const std::string &peer, const BenchWork &work) {
+    line.peers.push_back({peer, 0, work == nullptr});
+    if (work != nullptr)
+        registerSide(sideOf(line.name, peer), work);
+}
+
+BenchLine &lineNamed(const std::string &name) {
+    const auto found =
+        std::find_if(lines().begin(), lines().end(), [&](const BenchLine &line) { return line.name == name; });
+    if (found == lines().end()) {
+        std::fprintf(stderr, "bench: there is no work named %s\n", name.c_str());
+        std::exit(1);
+    }
+    return *found;
 }
 
 // Collects the time of every repetition, in nanoseconds an item; progress goes to standard error.
@@ -64,72 +70,39 @@ public:
             std::fprintf(stderr, "  %s\n", runs.front().run_name.function_name.c_str());
     }
 
-    double medianOf(const std::string &side) const {
-        const auto found = m_times.find(side);
-        return found == m_times.end() ? 0 : median(found->second);
+    void fill(BenchLine &line) const {
+        line.ours = median(sideOf(line.name, "quintor"));
+        for (BenchFigure &figure : line.peers)
+            figure.value = median(sideOf(line.name, figure.peer));
     }
 
 private:
+    double median(const std::string &side) const {
+        const auto found = m_times.find(side);
+        return found == m_times.end() ? 0 : medianOf(found->second);
+    }
+
     std::map<std::string, std::vector<double>> m_times;
 };
-
-void printTime(double nanoseconds) {
-    if (nanoseconds >= 1e6)
-        std::printf("%9.2f ms", nanoseconds / 1e6);
-    else if (nanoseconds >= 1e3)
-        std::printf("%9.2f us", nanoseconds / 1e3);
-    else
-        std::printf("%9.1f ns", nanoseconds);
-}
-
-void printName(const std::string &name, const std::string &unit) {
-    std::printf("| %-46s | %-10s | ", name.c_str(), unit.c_str());
-}
-
-void printRate(double nanoseconds) {
-    std::printf("%9.2f M/s", 1e3 / nanoseconds);
-}
-
-void printHead(const BenchPeer &peer) {
-    std::printf("| %-46s | %-10s | %12s | %12s | %7s |\n", "work", "per", "quintor", peer.name.c_str(), "ratio");
-    for (const int width : {48, 12, 14, 14, 9})
-        std::printf("|%s", std::string(static_cast<std::size_t>(width), '-').c_str());
-    std::printf("|\n");
-}
-
-// `head` is the peer of the table that has been begun.
-void printRow(const Row &row, const Collector &collector, std::string &head) {
-    const double ours = collector.medianOf(row.name + "/quintor");
-    const double peer = collector.medianOf(row.name + "/" + row.peer.name);
-    if (ours <= 0 || peer <= 0)  // left out by a filter
-        return;
-    if (head != row.peer.name) {
-        printHead(row.peer);
-        head = row.peer.name;
-    }
-    const auto print = row.peer.showsRate ? printRate : printTime;
-    printName(row.name, row.peer.showsRate ? row.unit + "s" : row.unit);
-    print(ours);
-    std::printf(" | ");
-    print(peer);
-    std::printf(" | %7.2f |\n", peer / ours);
-}
-
-void printMeasure(const Measure &measure) {
-    printName(measure.name, measure.unit);
-    std::printf("%12.0f | %12.0f | %7.2f |\n", measure.ours, measure.peer, measure.peer / measure.ours);
-}
 
 }  // namespace
 
 void addPair(const std::string &name, const char *unit, BenchWork ours, BenchWork theirs, const BenchPeer &peer) {
-    rows().push_back({name, unit, peer});
-    registerSide(name + "/quintor", ours);
-    registerSide(name + "/" + peer.name, theirs);
+    addAlone(name, unit, ours);
+    addColumn(lines().back(), peer.name, theirs);
+}
+
+void addPeer(const std::string &pair, const BenchPeer &peer, BenchWork theirs) {
+    addColumn(lineNamed(pair), peer.name, theirs);
+}
+
+void addAlone(const std::string &name, const char *unit, BenchWork work) {
+    lines().push_back({name, unit, 0, {}});
+    registerSide(sideOf(name, "quintor"), work);
 }
 
 void addMeasure(const std::string &name, const char *unit, double ours, double peer) {
-    measures().push_back({name, unit, ours, peer});
+    measures().push_back({name, unit, ours, {{SQLITE.name, peer}}, false});
 }
 
 double secondsOf(const std::function<void()> &work) {
@@ -148,12 +121,10 @@ int runPairs(int argc, char **argv) {
         return 2;
     Collector collector;
     benchmark::RunSpecifiedBenchmarks(&collector);
-    std::string head;
-    for (const Row &row : rows())
-        printRow(row, collector, head);
-    if (!measures().empty() && head != SQLITE.name)
-        printHead(SQLITE);
-    for (const Measure &measure : measures())
-        printMeasure(measure);
+    for (BenchLine &line : lines())
+        collector.fill(line);
+    std::vector<BenchLine> all = lines();
+    all.insert(all.end(), measures().begin(), measures().end());
+    std::fputs(benchTables(all).c_str(), stdout);
     return 0;
 }

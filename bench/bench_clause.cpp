@@ -21,7 +21,7 @@ namespace {
 
 constexpr int EVALUATIONS = 200000;
 
-const BenchPeer LUA = {"lua 5.4", true};
+const BenchPeer LUA = {"lua 5.4"};
 
 // The same for both: a literal here is a table there.
 constexpr const char *RECORD =

@@ -10,6 +10,7 @@ int main(int argc, char **argv) {
     addJoinWorks();
     addCacheWorks();
     addVendorWork();
+    addRompWorks();
     addClauseWorks();
     return runPairs(argc, argv);
 }

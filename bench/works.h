@@ -8,5 +8,6 @@ void addChangeWorks();
 void addJoinWorks();
 void addCacheWorks();
 void addClauseWorks();
+void addRompWorks();
 void addMemoryMeasure();
 void addVendorWork();  // only with QUINTOR_VENDORS in the environment

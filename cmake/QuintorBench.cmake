@@ -1,11 +1,26 @@
-# bench/*.cpp is one program that measures this store beside SQLite and Lua on the same data.
+# bench/*.cpp is one program that measures this store beside its peers on the same data. SQLite and Lua are needed; a
+# further peer is built in when it is here, and its column says that it is missing otherwise.
 find_package(benchmark REQUIRED)
 pkg_check_modules(SQLITE REQUIRED IMPORTED_TARGET sqlite3)
 pkg_check_modules(LUA REQUIRED IMPORTED_TARGET lua5.4)
 
+# What needs neither a store nor a peer, and has tests.
+add_library(bench_parts STATIC ${CMAKE_SOURCE_DIR}/bench/BenchTable.cpp)
+target_include_directories(bench_parts PUBLIC ${CMAKE_SOURCE_DIR})
+
 file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/bench/*.cpp)
-if(sources)
-    add_executable(quintor_bench ${sources})
-    target_include_directories(quintor_bench PRIVATE ${CMAKE_SOURCE_DIR})
-    target_link_libraries(quintor_bench PRIVATE quintor_static benchmark::benchmark PkgConfig::SQLITE PkgConfig::LUA)
+list(REMOVE_ITEM sources ${CMAKE_SOURCE_DIR}/bench/BenchTable.cpp)
+add_executable(quintor_bench ${sources})
+target_link_libraries(quintor_bench PRIVATE
+    bench_parts quintor_static benchmark::benchmark PkgConfig::SQLITE PkgConfig::LUA)
+
+# The library is headers only; of Boost, which it can use, nothing is needed.
+find_path(MSGPACK_INCLUDE msgpack.hpp)
+if(MSGPACK_INCLUDE)
+    set_source_files_properties(${CMAKE_SOURCE_DIR}/bench/MsgPack.cpp PROPERTIES
+        COMPILE_DEFINITIONS "QUINTOR_BENCH_MSGPACK;MSGPACK_NO_BOOST")
+endif()
+
+if(QUINTOR_TESTS)
+    quintor_test(bench bench_parts)
 endif()
