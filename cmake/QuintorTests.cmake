@@ -10,14 +10,10 @@ quintor_sources(support_sources ${CMAKE_SOURCE_DIR}/tests/support)
 add_library(test_support STATIC ${support_sources})
 target_include_directories(test_support PUBLIC ${QUINTOR_SOURCE_ROOT} ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/tests)
 target_link_libraries(test_support PUBLIC GTest::gtest)
-# Tests are most of what a build compiles. What is under test is compiled as users get it; the tests themselves lightly,
-# with debug information of lines and functions only and the headers that all include read once.
-function(quintor_test_options target)
-    target_compile_options(${target} PRIVATE -g1 $<$<CONFIG:Release>:-O1>)
-endfunction()
-quintor_test_options(test_support)
+# Tests are most of what a build compiles: debug information of lines and functions is enough for them, and the headers
+# that all include are read once.
+target_compile_options(test_support PRIVATE -g1 -fPIE)  # PIE as the programs that use its precompiled header
 set_target_properties(test_support PROPERTIES POSITION_INDEPENDENT_CODE OFF)
-target_compile_options(test_support PRIVATE -fPIE)  # as programs are, which use its precompiled header
 target_precompile_headers(test_support PRIVATE <gtest/gtest.h> <algorithm> <map> <memory> <string> <vector>)
 
 # Links only what the folder under test may use.
@@ -32,7 +28,7 @@ function(quintor_test folder)
         QUINTOR_SOURCE_DIR="${CMAKE_SOURCE_DIR}" QUINTOR_BINARY_DIR="${CMAKE_BINARY_DIR}"
         QUINTOR_PROGRAM_DIR="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
     target_link_libraries(test_${folder} PRIVATE test_support ${ARGN} GTest::gtest_main)
-    quintor_test_options(test_${folder})
+    target_compile_options(test_${folder} PRIVATE -g1)
     target_precompile_headers(test_${folder} REUSE_FROM test_support)
     set(labels)
     if(folder IN_LIST QUINTOR_THREADED_FOLDERS)
