@@ -10,11 +10,6 @@ quintor_sources(support_sources ${CMAKE_SOURCE_DIR}/tests/support)
 add_library(test_support STATIC ${support_sources})
 target_include_directories(test_support PUBLIC ${QUINTOR_SOURCE_ROOT} ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/tests)
 target_link_libraries(test_support PUBLIC GTest::gtest)
-# Tests are most of what a build compiles: debug information of lines and functions is enough for them, and the headers
-# that all include are read once.
-target_compile_options(test_support PRIVATE -g1 -fPIE)  # PIE as the programs that use its precompiled header
-set_target_properties(test_support PROPERTIES POSITION_INDEPENDENT_CODE OFF)
-target_precompile_headers(test_support PRIVATE <gtest/gtest.h> <algorithm> <map> <memory> <string> <vector>)
 
 # Links only what the folder under test may use.
 function(quintor_test folder)
@@ -28,8 +23,7 @@ function(quintor_test folder)
         QUINTOR_SOURCE_DIR="${CMAKE_SOURCE_DIR}" QUINTOR_BINARY_DIR="${CMAKE_BINARY_DIR}"
         QUINTOR_PROGRAM_DIR="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
     target_link_libraries(test_${folder} PRIVATE test_support ${ARGN} GTest::gtest_main)
-    target_compile_options(test_${folder} PRIVATE -g1)
-    target_precompile_headers(test_${folder} REUSE_FROM test_support)
+    target_compile_options(test_${folder} PRIVATE -g1)  # lines and functions: a third of the compile time is the rest
     set(labels)
     if(folder IN_LIST QUINTOR_THREADED_FOLDERS)
         set(labels LABELS threads)
