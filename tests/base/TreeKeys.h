@@ -25,7 +25,7 @@ public:
             case 2:
                 return CZelAtom(static_cast<int>(m_random.below(m_variety)) - 20);
             case 3:
-                return CZelAtom(static_cast<long long>(m_random.below(m_variety)) << 32);
+                return wide();
             case 4:
                 return CZelAtom(static_cast<float>(m_random.below(m_variety)) / 2);
             case 5:
@@ -45,6 +45,11 @@ public:
     }
 
 private:
+    // Far apart, or so near to each other that no double tells them apart.
+    CZelAtom wide() {
+        const auto number = static_cast<long long>(m_random.below(m_variety));
+        return CZelAtom(m_random.oneIn(2) ? number << 32 : (1LL << 60) + number);
+    }
     CZelAtom edge() {
         constexpr float INFINITE = std::numeric_limits<float>::infinity();
         switch (m_random.below(8)) {

@@ -7,13 +7,13 @@
 
 namespace {
 
-// How many of the sorted items have a key that is `before`. No branch depends on a comparison.
+// How many of the sorted items are `before`. No branch depends on a comparison.
 template <class Item, class Before>
 unsigned int countBefore(const Item *items, unsigned int count, Before before) {
     const Item *from = items;
     while (count > 0) {
         unsigned int half = (count + 1) / 2;
-        from += before(from[half - 1].key) ? half : 0;
+        from += before(from[half - 1]) ? half : 0;
         count -= half;
     }
     return static_cast<unsigned int>(from - items);
@@ -43,11 +43,10 @@ int rankOf(const CZelAtom &key) {
 }  // namespace
 
 const CZelKeyTree::Node *CZelKeyTree::leafFor(const Wanted &wanted, Way &way) const {
-    auto notGreater = [&wanted](const CZelAtom &key) { return wanted.compare(key) >= 0; };
     Node *node = m_root;
     for (unsigned int level = 0; level < m_depth; ++level) {
         way.nodes[level] = node;
-        way.indexes[level] = countBefore(node->items() + 1, node->count - 1U, notGreater);
+        way.indexes[level] = branchFor(node, wanted);
         node = node->items()[way.indexes[level]].child;
         __builtin_prefetch(node);
         __builtin_prefetch(reinterpret_cast<const char *>(node) + 64);
@@ -56,30 +55,42 @@ const CZelKeyTree::Node *CZelKeyTree::leafFor(const Wanted &wanted, Way &way) co
     return node;
 }
 
+// The last item whose key is not greater. Keys are looked at only where heads don't tell them apart.
+unsigned int CZelKeyTree::branchFor(const Node *node, const Wanted &wanted) {
+    const Node::Head *heads = node->heads() + 1;
+    const Node::Head head = wanted.head();
+    const unsigned int count = node->count - 1U;
+    const unsigned int less = countBefore(heads, count, [head](Node::Head other) { return other < head; });
+    if (less == count || heads[less] != head)
+        return less;
+    const unsigned int alike =
+        countBefore(heads + less, count - less, [head](Node::Head other) { return other == head; });
+    return less + countBefore(node->items() + 1 + less, alike,
+                              [&wanted](const Item &item) { return wanted.compare(item.key) >= 0; });
+}
+
 bool CZelKeyTree::descend(const Wanted &wanted, Way &way) const {
     return placeIn(leafFor(wanted, way), wanted, &way.indexes[m_depth]);
 }
 
 bool CZelKeyTree::placeIn(const Node *leaf, const Wanted &wanted, unsigned int *index) {
-    auto less = [&wanted](const CZelAtom &key) { return wanted.compare(key) > 0; };
+    auto less = [&wanted](const Item &item) { return wanted.compare(item.key) > 0; };
     *index = countBefore(leaf->items(), leaf->count, less);
     return *index < leaf->count && wanted.compare(leaf->items()[*index].key) == 0;
 }
 
 bool CZelKeyTree::find(const Wanted &wanted, Way &way) const {
     const Node *leaf = leafFor(wanted, way);
-    if (!wanted.isText() || !leaf->hasPrints())
-        return placeIn(leaf, wanted, &way.indexes[m_depth]);
-    way.indexes[m_depth] = placeOfText(leaf, wanted.text());
+    way.indexes[m_depth] = placeOf(leaf, wanted);
     return way.indexes[m_depth] < leaf->count;
 }
 
-// Eight prints at a time: a word has a zero byte where one of them is the text's. Where there is none, the trick
+// Eight prints at a time: a word has a zero byte where one of them is the key's. Where there is none, the trick
 // with the borrow sees none; see "Hacker's Delight" (Warren), chapter 6.
-unsigned int CZelKeyTree::placeOfText(const Node *leaf, std::string_view text) {
+unsigned int CZelKeyTree::placeOf(const Node *leaf, const Wanted &wanted) {
     constexpr std::uint64_t ONES = 0x0101010101010101U;
     constexpr std::uint64_t HIGHS = 0x8080808080808080U;
-    const std::uint8_t print = printOf(text);
+    const Node::Print print = printOf(wanted.key());
     for (unsigned int base = 0; base < leaf->count; base += Node::PRINTS_AT_ONCE) {
         std::uint64_t word;
         std::memcpy(&word, leaf->prints() + base, sizeof word);
@@ -91,7 +102,7 @@ unsigned int CZelKeyTree::placeOfText(const Node *leaf, std::string_view text) {
             if (leaf->prints()[i] != print)
                 continue;
             leaf->items()[i].entry.RBTNPrefetch();
-            if (leaf->items()[i].key.RATextView() == text)
+            if (wanted.isEqual(leaf->items()[i].key))
                 return i;
         }
     }
@@ -102,9 +113,10 @@ CZelBTreeNode *CZelKeyTree::RKTFind(const CZelAtom &key) const {
     if (m_root == nullptr)
         return nullptr;
     if (m_depth == 0 && key.RAIsInterned()) {
-        const Item *item = findByAddress(m_root, key);
-        if (item != nullptr)
-            return const_cast<CZelBTreeNode *>(&item->entry);
+        bool isDecided = false;
+        const Item *item = findByAddress(m_root, key, &isDecided);
+        if (isDecided)
+            return item != nullptr ? const_cast<CZelBTreeNode *>(&item->entry) : nullptr;
     }
     Way way;
     if (!find(Wanted(key), way))
@@ -112,16 +124,22 @@ CZelBTreeNode *CZelKeyTree::RKTFind(const CZelAtom &key) const {
     return &way.nodes[m_depth]->items()[way.indexes[m_depth]].entry;
 }
 
-// In a small dictionary of names a look at the addresses takes less time than any comparison. Not finding the
-// name means nothing: it may have been added from a text that was not interned.
-const CZelKeyTree::Item *CZelKeyTree::findByAddress(const Node *node, const CZelAtom &name) {
+// In a small dictionary of names a look at the addresses takes less time than any comparison. Where all names are
+// interned it also decides that one is not there.
+const CZelKeyTree::Item *CZelKeyTree::findByAddress(const Node *node, const CZelAtom &name, bool *isDecided) {
     constexpr unsigned int SMALL = 32;
     const char *text = name.RAString();
     const Item *items = node->items();
+    bool areInterned = node->count <= SMALL;
     for (unsigned int i = 0; node->count <= SMALL && i < node->count; ++i) {
-        if (items[i].key.RAIsInterned() && items[i].key.RAString() == text)
+        const bool isInterned = items[i].key.RAIsInterned();
+        if (isInterned && items[i].key.RAString() == text) {
+            *isDecided = true;
             return items + i;
+        }
+        areInterned = areInterned && isInterned;
     }
+    *isDecided = areInterned;
     return nullptr;
 }
 
@@ -130,9 +148,10 @@ CZelKeyTree::Place CZelKeyTree::firstNot(Before before) const {
     const Node *node = m_root;
     if (node == nullptr)
         return RKTEnd();
+    const auto isBefore = [&before](const Item &item) { return before(item.key); };
     for (unsigned int level = 0; level < m_depth; ++level)
-        node = node->items()[countBefore(node->items() + 1, node->count - 1U, before)].child;
-    unsigned int index = countBefore(node->items(), node->count, before);
+        node = node->items()[countBefore(node->items() + 1, node->count - 1U, isBefore)].child;
+    unsigned int index = countBefore(node->items(), node->count, isBefore);
     return index < node->count ? Place(node, index) : Place(node->next, 0);
 }
 

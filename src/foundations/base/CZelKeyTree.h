@@ -4,7 +4,7 @@
 // the entries lie in leaves of up to 64, linked in key order, and nodes of the same shape lead down to them.
 // A leaf has memory for little more than it holds; keys that come in rising or falling order fill leaves
 // wholly, and a node that has become small joins its neighbour. A tree of a few keys is one small block.
-// A text that is looked for by itself is found in its leaf by a byte of its hash.
+// A key that is looked for by itself is found in its leaf by a byte of its hash.
 //
 // Threads: no lock; several readers may look up and walk while nobody changes.
 #pragma once
@@ -82,15 +82,22 @@ private:
     bool find(const Wanted &wanted, Way &way) const;     // to the key, if it is there
     const Node *leafFor(const Wanted &wanted, Way &way) const;
     static bool placeIn(const Node *leaf, const Wanted &wanted, unsigned int *index);
-    static unsigned int placeOfText(const Node *leaf, std::string_view text);  // the count when it is not there
-    static std::uint8_t printOf(std::string_view text);
-    static const Item *findByAddress(const Node *node, const CZelAtom &name);
+    static unsigned int placeOf(const Node *leaf, const Wanted &wanted);  // the count when it is not there
+    static unsigned int branchFor(const Node *node, const Wanted &wanted);
+    static std::uint8_t printOf(const CZelAtom &key);
+    static std::uint64_t headOf(const CZelAtom &key);
+    static std::uint64_t headOfText(std::string_view text);
+    static std::uint64_t headOfNumber(double number);
+    template <class Number>
+    static Number loadBigEndian(const char *bytes);
+    static const Item *findByAddress(const Node *node, const CZelAtom &name, bool *isDecided);
     template <class Before>
     Place firstNot(Before before) const;
 
     // Nodes by themselves.
     static unsigned int spaceFor(unsigned int count);
-    static Node *makeNode(unsigned int capacity, bool withPrints);
+    static Node *makeNode(unsigned int capacity, std::size_t width);
+    static void setMark(Node *node, unsigned int index);
     static Node *resize(Node *node, unsigned int capacity);
     static void moveItemsTo(Node *node, std::uint16_t offset);
     static void insertItem(Node *node, unsigned int index, Item &item);

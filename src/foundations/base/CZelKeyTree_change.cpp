@@ -19,15 +19,16 @@ unsigned int CZelKeyTree::spaceFor(unsigned int count) {
     return std::max(std::bit_ceil(count), FIRST);
 }
 
-CZelKeyTree::Node *CZelKeyTree::makeNode(unsigned int capacity, bool withPrints) {
-    const std::uint16_t offset = Node::OffsetFor(capacity, withPrints);
+CZelKeyTree::Node *CZelKeyTree::makeNode(unsigned int capacity, std::size_t width) {
+    const std::uint16_t offset = Node::OffsetFor(capacity, width);
     void *block = ZelMalloc(offset + capacity * sizeof(Item));
-    return new (block) Node{nullptr, nullptr, 0, static_cast<std::uint16_t>(capacity), offset};
+    return new (block)
+        Node{nullptr, nullptr, 0, static_cast<std::uint16_t>(capacity), offset, static_cast<std::uint16_t>(width)};
 }
 
 // Gives the node another capacity. It may move: its neighbours learn that here, its parent through the caller.
 CZelKeyTree::Node *CZelKeyTree::resize(Node *node, unsigned int capacity) {
-    const std::uint16_t offset = Node::OffsetFor(capacity, node->hasPrints());
+    const std::uint16_t offset = Node::OffsetFor(capacity, node->width);
     if (offset < node->offset)
         moveItemsTo(node, offset);
     node = static_cast<Node *>(ZelRealloc(node, offset + capacity * sizeof(Item)));
@@ -53,11 +54,19 @@ void CZelKeyTree::insertItem(Node *node, unsigned int index, Item &item) {
     const unsigned int behind = node->count - index;
     std::memmove(static_cast<void *>(place + 1), static_cast<void *>(place), behind * sizeof(Item));
     std::memcpy(static_cast<void *>(place), static_cast<void *>(&item), sizeof(Item));
-    if (node->hasPrints()) {
-        std::memmove(node->prints() + index + 1, node->prints() + index, behind);
-        node->prints()[index] = place->key.RAType() == E_RDTText ? printOf(place->key.RATextView()) : 0;
-    }
+    std::memmove(node->mark(index + 1), node->mark(index), std::size_t{behind} * node->width);
+    setMark(node, index);
     ++node->count;
+}
+
+void CZelKeyTree::setMark(Node *node, unsigned int index) {
+    const CZelAtom &key = node->items()[index].key;
+    if (node->width == sizeof(Node::Print)) {
+        *node->mark(index) = static_cast<char>(printOf(key));
+        return;
+    }
+    const Node::Head head = headOf(key);
+    std::memcpy(node->mark(index), &head, sizeof head);
 }
 
 void CZelKeyTree::removeItem(Node *node, unsigned int index) {
@@ -66,8 +75,7 @@ void CZelKeyTree::removeItem(Node *node, unsigned int index) {
     --node->count;
     const unsigned int behind = node->count - index;
     std::memmove(static_cast<void *>(place), static_cast<void *>(place + 1), behind * sizeof(Item));
-    if (node->hasPrints())
-        std::memmove(node->prints() + index, node->prints() + index + 1, behind);
+    std::memmove(node->mark(index), node->mark(index + 1), std::size_t{behind} * node->width);
 }
 
 // Moves the items from `index` on behind those of another node.
@@ -75,8 +83,7 @@ void CZelKeyTree::moveItems(Node *from, unsigned int index, Node *to) {
     unsigned int moved = from->count - index;
     std::memcpy(static_cast<void *>(to->items() + to->count), static_cast<void *>(from->items() + index),
                 moved * sizeof(Item));
-    if (to->hasPrints())
-        std::memcpy(to->prints() + to->count, from->prints() + index, moved);
+    std::memcpy(to->mark(to->count), from->mark(index), std::size_t{moved} * to->width);
     to->count = static_cast<std::uint16_t>(to->count + moved);
     from->count = static_cast<std::uint16_t>(index);
 }
@@ -101,7 +108,7 @@ CZelKeyTree::Node *&CZelKeyTree::slot(Way &way, unsigned int level) {
 
 CZelKeyTree::Place CZelKeyTree::RKTAdd(const CZelAtom &key, void *object, bool *isNew) {
     if (m_root == nullptr)
-        m_root = makeNode(spaceFor(1), key.RAType() == E_RDTText);
+        m_root = makeNode(spaceFor(1), sizeof(Node::Print));
     Way way;
     *isNew = !descend(Wanted(key), way);
     if (!*isNew)
@@ -155,7 +162,7 @@ CZelKeyTree::Node *CZelKeyTree::split(Way &way, unsigned int level, unsigned int
         kept = Node::MOST;
     else if (index == 0 && node->prev == nullptr)
         kept = 0;
-    Node *right = makeNode(spaceFor(Node::MOST - kept + 1), node->hasPrints());
+    Node *right = makeNode(spaceFor(Node::MOST - kept + 1), node->width);
     moveItems(node, kept, right);
     if (level == m_depth)
         linkBehind(node, right);
@@ -183,7 +190,7 @@ void CZelKeyTree::growRoot(Item &right) {
     Loose left;
     new (&left.item.key) CZelAtom();
     left.item.child = m_root;
-    m_root = makeNode(spaceFor(2), false);
+    m_root = makeNode(spaceFor(2), sizeof(Node::Head));
     insertItem(m_root, 0, left.item);
     insertItem(m_root, 1, right);
     ++m_depth;
@@ -252,8 +259,10 @@ void CZelKeyTree::join(Node *parent, unsigned int index, bool areLeaves) {
     unsigned int count = left->count + right->count;
     if (left->capacity < count)
         left = resize(left, spaceFor(count));
-    if (!areLeaves)
+    if (!areLeaves) {
         right->items()[0].key = std::move(parent->items()[index].key);
+        setMark(right, 0);
+    }
     moveItems(right, 0, left);
     removeItem(parent, index);
     dropNode(right);

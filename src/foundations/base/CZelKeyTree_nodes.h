@@ -2,6 +2,7 @@
 #pragma once
 
 #include <bit>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
@@ -19,35 +20,37 @@ struct CZelKeyTree::Item {
     };
 };
 
-// In the leaves of a tree of texts each item also has a print, one byte of its key's hash. The prints lie together
-// behind the node, so that a text is looked for in a leaf without touching the texts that it is not.
+// Beside its items a node has a mark of each key; the marks lie together behind the node. Those of a leaf are prints,
+// one byte of the key's hash, so that a key is looked for in a leaf without touching the keys that it is not. Those
+// of a node above are heads, numbers that order as the keys do as far as they go.
 struct CZelKeyTree::Node {
+    using Print = std::uint8_t;
+    using Head = std::uint64_t;
+
     Node *prev;  // the neighbours of a leaf
     Node *next;
     std::uint16_t count;
     std::uint16_t capacity;
     std::uint16_t offset;  // of the items
+    std::uint16_t width;   // bytes of a mark
 
     static constexpr unsigned int MOST = 64;
     static constexpr unsigned int FEW = MOST / 4;              // fewer than these look for a neighbour to join
     static constexpr unsigned int MOST_JOINED = MOST / 4 * 3;  // so that the next few additions don't split
     static constexpr unsigned int PRINTS_AT_ONCE = sizeof(std::uint64_t);
 
-    static std::uint16_t OffsetFor(unsigned int capacity, bool withPrints) {
-        const unsigned int prints = (capacity + PRINTS_AT_ONCE - 1) / PRINTS_AT_ONCE * PRINTS_AT_ONCE;
-        return static_cast<std::uint16_t>(sizeof(Node) + (withPrints ? prints : 0));
+    static std::uint16_t OffsetFor(unsigned int capacity, std::size_t width) {
+        const std::size_t marks = (capacity * width + PRINTS_AT_ONCE - 1) / PRINTS_AT_ONCE * PRINTS_AT_ONCE;
+        return static_cast<std::uint16_t>(sizeof(Node) + marks);
     }
-    bool hasPrints() const { return offset != sizeof(Node); }
 
-    std::uint8_t *prints() { return reinterpret_cast<std::uint8_t *>(this + 1); }
-    const std::uint8_t *prints() const { return reinterpret_cast<const std::uint8_t *>(this + 1); }
+    char *marks() { return reinterpret_cast<char *>(this + 1); }
+    char *mark(unsigned int index) { return marks() + std::size_t{index} * width; }
+    const Print *prints() const { return reinterpret_cast<const Print *>(this + 1); }
+    const Head *heads() const { return reinterpret_cast<const Head *>(this + 1); }
     Item *items() { return reinterpret_cast<Item *>(reinterpret_cast<char *>(this) + offset); }
     const Item *items() const { return reinterpret_cast<const Item *>(reinterpret_cast<const char *>(this) + offset); }
 };
-
-inline std::uint8_t CZelKeyTree::printOf(std::string_view text) {
-    return static_cast<std::uint8_t>(ZelHashText(text.data(), text.size()) >> 56);
-}
 
 inline const CZelAtom &CZelKeyTree::Place::key() const {
     return m_leaf->items()[m_index].key;
@@ -77,18 +80,74 @@ union CZelKeyTree::Loose {
     Item item;
 };
 
+// The first eight bytes as a number that orders as they do; zeros behind a shorter text.
+inline std::uint64_t CZelKeyTree::headOfText(std::string_view text) {
+    constexpr std::size_t HEAD = sizeof(std::uint64_t);
+    const std::size_t length = text.size();
+    if (length >= HEAD)
+        return loadBigEndian<std::uint64_t>(text.data());
+    if (length >= 4) {  // two halves that overlap
+        const std::uint64_t low = loadBigEndian<std::uint32_t>(text.data() + length - 4);
+        return std::uint64_t{loadBigEndian<std::uint32_t>(text.data())} << 32 | low << 8 * (HEAD - length);
+    }
+    std::uint64_t head = 0;
+    for (std::size_t i = 0; i < length; ++i)
+        head |= std::uint64_t{static_cast<unsigned char>(text[i])} << (56 - 8 * i);
+    return head;
+}
+
+// The same for a number, NaN being the least. Equal numbers of any type have one head; a number too long for a double
+// shares that of its neighbours.
+inline std::uint64_t CZelKeyTree::headOfNumber(double number) {
+    constexpr std::uint64_t SIGN = std::uint64_t{1} << 63;
+    if (std::isnan(number))
+        return 0;
+    const auto bits = std::bit_cast<std::uint64_t>(number + 0.0);  // one zero
+    return (bits & SIGN) != 0 ? ~bits : bits | SIGN;
+}
+
+// Of two keys the one with the lesser head is less; one head says nothing. The type is in its two highest bits.
+inline std::uint64_t CZelKeyTree::headOf(const CZelAtom &key) {
+    constexpr int NUMBER = 1, TEXT = 2, OTHER = 3;
+    const auto ranked = [](std::uint64_t rank, std::uint64_t head) { return rank << 62 | head >> 2; };
+    if (key.RAType() == E_RDTText)
+        return ranked(TEXT, headOfText(key.RATextView()));
+    if (key.RAIsNumber())
+        return ranked(NUMBER, headOfNumber(key.RADouble()));
+    return key.RAIsUndefined() ? 0 : ranked(OTHER, 0);
+}
+
+// Equal keys have one print.
+inline std::uint8_t CZelKeyTree::printOf(const CZelAtom &key) {
+    const std::uint64_t hash =
+        key.RAType() == E_RDTText ? ZelHashText(key.RAString(), key.RATextLength()) : ZelHashWord(headOf(key));
+    return static_cast<std::uint8_t>(hash >> 56);
+}
+
+template <class Number>
+Number CZelKeyTree::loadBigEndian(const char *bytes) {
+    Number number;
+    std::memcpy(&number, bytes, sizeof(number));
+    if constexpr (std::endian::native == std::endian::big)
+        return number;
+    else if constexpr (sizeof(number) == 8)
+        return __builtin_bswap64(number);
+    else
+        return __builtin_bswap32(number);
+}
+
 // A key made ready for many comparisons.
 class CZelKeyTree::Wanted {
 public:
-    explicit Wanted(const CZelAtom &key) : m_key(key) {
-        if (key.RAType() == E_RDTText) {
-            m_text = key.RATextView();
-            m_head = headOf(m_text);
-        }
+    explicit Wanted(const CZelAtom &key) : m_key(key), m_head(headOf(key)) {
+        if (key.RAType() != E_RDTText)
+            return;
+        m_text = key.RATextView();
+        m_textHead = headOfText(m_text);
     }
 
-    bool isText() const { return m_text.data() != nullptr; }
-    std::string_view text() const { return m_text; }
+    const CZelAtom &key() const { return m_key; }
+    std::uint64_t head() const { return m_head; }
 
     // Negative, 0 or positive as this key is less than, equal to or greater than the other.
     int compare(const CZelAtom &other) const {
@@ -97,48 +156,26 @@ public:
         return m_key.RALex(&other, nullptr);
     }
 
+    bool isEqual(const CZelAtom &other) const {
+        return m_text.data() != nullptr ? other.RAType() == E_RDTText && other.RATextView() == m_text
+                                        : m_key.RALex(&other, nullptr) == 0;
+    }
+
 private:
     int compareText(std::string_view other) const {
         if (other.data() == m_text.data())
             return 0;  // one name
-        std::uint64_t head = headOf(other);
-        if (head != m_head)
-            return m_head < head ? -1 : 1;
+        const std::uint64_t head = headOfText(other);
+        if (head != m_textHead)
+            return m_textHead < head ? -1 : 1;
+        constexpr std::size_t HEAD = sizeof(std::uint64_t);
         if (m_text.size() > HEAD && other.size() > HEAD)
             return m_text.substr(HEAD).compare(other.substr(HEAD));
         return m_text.size() < other.size() ? -1 : m_text.size() > other.size();
     }
 
-    static constexpr std::size_t HEAD = sizeof(std::uint64_t);
-
-    // The first eight bytes as a number that orders as they do; zeros behind a shorter text.
-    static std::uint64_t headOf(std::string_view text) {
-        std::size_t length = text.size();
-        if (length >= HEAD)
-            return load<std::uint64_t>(text.data());
-        if (length >= 4) {  // two halves that overlap
-            std::uint64_t low = load<std::uint32_t>(text.data() + length - 4);
-            return std::uint64_t{load<std::uint32_t>(text.data())} << 32 | low << 8 * (HEAD - length);
-        }
-        std::uint64_t head = 0;
-        for (std::size_t i = 0; i < length; ++i)
-            head |= std::uint64_t{static_cast<unsigned char>(text[i])} << (56 - 8 * i);
-        return head;
-    }
-
-    template <class Number>
-    static Number load(const char *bytes) {
-        Number number;
-        std::memcpy(&number, bytes, sizeof(number));
-        if constexpr (std::endian::native == std::endian::big)
-            return number;
-        else if constexpr (sizeof(number) == 8)
-            return __builtin_bswap64(number);
-        else
-            return __builtin_bswap32(number);
-    }
-
     const CZelAtom &m_key;
+    std::uint64_t m_head;
     std::string_view m_text;
-    std::uint64_t m_head = 0;
+    std::uint64_t m_textHead = 0;  // with the two bits that the type takes from the head
 };
