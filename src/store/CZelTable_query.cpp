@@ -240,7 +240,10 @@ CZelBag *CZelTable::RTEvalIndexed(CZelBoolean *boolean, CZelExpr *column, const 
     const CZelAtom *name = entityOf(column) != nullptr ? entityOf(column)->RDEColNameAtom() : nullptr;
     if (op > E_ROGreaterEqual || name == nullptr || m_objectStore == nullptr)
         return RTEvalUnIndexed(boolean, column, value, reversed, input);
-    return m_objectStore->ROSQuery(*name, value, reversed == E_RBTrue ? mirrored(op) : op);
+    CZelBag *rows = m_objectStore->ROSQuery(*name, value, reversed == E_RBTrue ? mirrored(op) : op);
+    if (m_cache == nullptr && rows->RBLength() == 1)  // its values are what comes next
+        static_cast<const CZelRecord *>(rows->RBFirst()->RPData())->RRVbIterator()->RVBLPrefetch();
+    return rows;
 }
 
 CZelBag *CZelTable::RTEvalSubQuery(CZelBoolean *boolean, __boolean joined, CZelBag *input) {
