@@ -1,10 +1,11 @@
 // Clauses that are compiled already, evaluated against a record: each beside the same function in Lua, called with the
-// record as a table.
+// record as a table, and in LuaJIT, called with this very record.
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 
 #include "bench/Lua.h"
+#include "bench/LuaJit.h"
 #include "bench/PairTable.h"
 #include "bench/works.h"
 #include "clause/CZelCmdCmplr.h"
@@ -22,6 +23,7 @@ namespace {
 constexpr int EVALUATIONS = 200000;
 
 const BenchPeer LUA = {"lua 5.4"};
+const BenchPeer LUAJIT = {"luajit"};
 
 // The same for both: a literal here is a table there.
 constexpr const char *RECORD =
@@ -45,6 +47,8 @@ public:
 
     void evaluate() { delete m_compiler.RCCEvaluateClause(&m_clause); }
 
+    const CZelRecord &values() const { return *m_record; }
+
     std::string text() {
         const std::unique_ptr<CZelAtom> value(m_compiler.RCCEvaluateClause(&m_clause));
         const std::string all = CZelMallocText(value->RAStrRep()).get();
@@ -64,7 +68,7 @@ CZelColDef *type(EZelDataType of, CZelColDef *element = nullptr) {
 void requireSame(const std::string &ours, const std::string &theirs) {
     if (ours == theirs)
         return;
-    std::fprintf(stderr, "clause: %s, lua: %s\n", ours.c_str(), theirs.c_str());
+    std::fprintf(stderr, "clause: %s, peer: %s\n", ours.c_str(), theirs.c_str());
     std::abort();
 }
 
@@ -77,13 +81,23 @@ BenchRun repeat(Step step) {
     return {EVALUATIONS, seconds};
 }
 
-void add(const char *name, const char *clause, CZelColDef *type, const char *function) {
+void addLuaJit(const char *name, const std::shared_ptr<Evaluation> &ours, const char *function) {
+    if (!LuaJit::isHere())
+        return addPeer(name, LUAJIT, nullptr);
+    const auto theirs = std::make_shared<LuaJit>(function, ours->values());
+    requireSame(ours->text(), theirs->text());
+    addPeer(name, LUAJIT, [ours, theirs] { return repeat([&theirs] { theirs->call(); }); });
+}
+
+// A list that LuaJIT has read from the record is a new table, which need not be copied: the function may differ there.
+void add(const char *name, const char *clause, CZelColDef *type, const char *function, const char *onRecord = nullptr) {
     const auto ours = std::make_shared<Evaluation>(clause, type);
     const auto theirs = std::make_shared<Lua>(function, record('{', '}'));
     requireSame(ours->text(), theirs->text());
     addPair(
         name, "evaluation", [ours] { return repeat([&ours] { ours->evaluate(); }); },
         [theirs] { return repeat([&theirs] { theirs->call(); }); }, LUA);
+    addLuaJit(name, ours, onRecord != nullptr ? onRecord : function);
 }
 
 }  // namespace
@@ -94,7 +108,8 @@ void addClauseWorks() {
     add("clause: concatenation of four parts", "cat(&Host, `:`, &Name, &Port)", type(E_RDTText),
         "function(r) return r.Host .. ':' .. r.Name .. r.Port end");
     add("clause: append to a list of ten", "append(&List, &Item)", type(E_RDTList, type(E_RDTInt)),
-        "function(r) local l = {unpack(r.List)}; l[#l + 1] = r.Item; return l end");
+        "function(r) local l = {unpack(r.List)}; l[#l + 1] = r.Item; return l end",
+        "function(r) local l = r.List; l[#l + 1] = r.Item; return l end");
     add("clause: match of a regular expression", "regexpmatch(&Name, `([0-9]+)/1`)", type(E_RDTText),
         "function(r) return match(r.Name, '([0-9]+)/1') end");
 }

@@ -21,6 +21,17 @@ if(MSGPACK_INCLUDE)
         COMPILE_DEFINITIONS "QUINTOR_BENCH_MSGPACK;MSGPACK_NO_BOOST")
 endif()
 
+# LuaJIT has the function names of Lua: it is linked by a module that the program loads, and by nothing else.
+pkg_check_modules(LUAJIT IMPORTED_TARGET luajit)
+if(LUAJIT_FOUND)
+    add_library(bench_luajit MODULE ${CMAKE_SOURCE_DIR}/bench/luajit/LuaJitModule.cpp)
+    target_include_directories(bench_luajit PRIVATE ${CMAKE_SOURCE_DIR})
+    target_link_libraries(bench_luajit PRIVATE PkgConfig::LUAJIT)
+    add_dependencies(quintor_bench bench_luajit)
+    set_source_files_properties(${CMAKE_SOURCE_DIR}/bench/LuaJit.cpp PROPERTIES
+        COMPILE_DEFINITIONS QUINTOR_BENCH_LUAJIT="$<TARGET_FILE:bench_luajit>")
+endif()
+
 if(QUINTOR_TESTS)
     quintor_test(bench bench_parts)
 endif()
