@@ -41,13 +41,17 @@ TEST(Name, OneThatIsTooLongIsComparedByItsBytes) {
     EXPECT_EQ(list.RVBLHead(), list.RVBLFind(longest.c_str()));
 }
 
-TEST(Name, FollowsTheOneThatCameBeforeIt) {
+TEST(Name, GuessIsTheOneThatCameBehindTheLastTime) {
     const CZelAtom *first = intern("name_test_first");
+    EXPECT_EQ(nullptr, CZelName::RNSuccessor(first));
     const CZelAtom *left = CZelName::RNInternBehind(first, "left", 4);
     EXPECT_EQ(intern("left"), left);
-    EXPECT_EQ(left, CZelName::RNInternBehind(first, "left", 4));
+    EXPECT_EQ(left, CZelName::RNSuccessor(first));
+    EXPECT_TRUE(CZelName::RNIsText(*left, "left"));
+    EXPECT_FALSE(CZelName::RNIsText(*left, "lefty"));
+    EXPECT_FALSE(CZelName::RNIsText(*left, "lift"));
     EXPECT_EQ(intern("lefty"), CZelName::RNInternBehind(first, "lefty", 5));
-    EXPECT_EQ(left, CZelName::RNInternBehind(first, "left", 4));
+    EXPECT_EQ(intern("lefty"), CZelName::RNSuccessor(first));
     EXPECT_EQ(left, CZelName::RNInternBehind(nullptr, "left", 4));
 }
 

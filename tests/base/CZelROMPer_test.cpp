@@ -7,6 +7,7 @@
 
 #include "base/RandomValues.h"
 #include "foundations/base/CZelROMPer_format.h"
+#include "foundations/base/ZelCrc32c.h"
 #include "foundations/port/ZelCodes.h"
 
 namespace {
@@ -35,6 +36,40 @@ Bytes entry(const Bytes &body) {
 Bytes operator+(Bytes left, const Bytes &right) {
     left.insert(left.end(), right.begin(), right.end());
     return left;
+}
+
+// One head or body a line.
+constexpr const char *GOLDEN =
+    "0000000E71601DAFCF18ABBC"
+    "0000000577686F6C6500FFFFFFFE"
+    "0000000E97541EE7E5CEF9CE"
+    "000000016C01FFFFFFFFFFFFFFFF"
+    "0000000DD6BB9313C8BEC6F4"
+    "00000000020000000474657874"
+    "000000335797C68E09B4CE74"
+    "000000096C6F6E67207465787402000000216120746578742074686174206C696573206F757473696465206974732061"
+    "746F6D"
+    "0000000D376508098B60CAFE"
+    "000000047265616C0340200000"
+    "00000011997CABEB63B83ED0"
+    "0000000477696465040000010000000000"
+    "000000117607B55F8129C918"
+    "00000005626C6F636B05000000030001FF"
+    "0000003481FBB4124058973B"
+    "000000066F626A6563740800000002000000047369746502000000046F736C6F00000004726573740700000003000000"
+    "01020F09"
+    "0000000ED1562E26AF5BE8F2"
+    "00000009756E646566696E656409"
+    "0000000C324C1F0569DC22E9"
+    "000000076E6F7468696E670F";
+
+std::string inHex(const Bytes &bytes) {
+    std::string text;
+    for (unsigned char byte : bytes) {
+        text += "0123456789ABCDEF"[byte >> 4];
+        text += "0123456789ABCDEF"[byte & 15U];
+    }
+    return text;
 }
 
 struct Walk {
@@ -72,22 +107,50 @@ CZelAtom *nest(int depth) {
 
 // The bytes are a format: packets lie in files and travel between machines.
 TEST(ROMPer, LayoutStaysAsItIs) {
-    CZelAtom value(258);
-    Bytes bytes = packed("ab", &value);
-    const Bytes BODY = {0, 0, 0, 2, 'a', 'b', E_RDTInt, 0, 0, 1, 2};
-    EXPECT_EQ(BODY, Bytes(bytes.begin() + ROMP_HEAD_SIZE, bytes.end()));
-    EXPECT_EQ(entry(BODY), bytes);
-    EXPECT_EQ(11U, RompLoad<std::uint32_t>(bytes.data()));
-    const unsigned char *digits = reinterpret_cast<const unsigned char *>("123456789");
-    EXPECT_EQ(0xE3069283U, RompCheck(digits, 9));
+    auto *list = new CZelAtomVector;
+    for (CZelAtom *element : {new CZelAtom(258), static_cast<CZelAtom *>(nullptr), new CZelAtom})
+        list->RAVAddToEnd(element);
+    auto *object = new CZelVBList;
+    object->RVBLAddToListEnd(new CZelVarBind("site", "oslo"));
+    object->RVBLAddToListEnd(new CZelVarBind(CZelAtom("rest"), CZelAtom(list)));
+    const unsigned char BLOCK[] = {0, 1, 0xFF};
+    CZelRecord record;
+    auto add = [&record](const char *name, CZelAtom &&value) {
+        record.RRAddValue(new CZelVarBind(CZelAtom(name), std::move(value)));
+    };
+    add("whole", -2);
+    add("l", -1L);
+    add("", "text");
+    add("long text", "a text that lies outside its atom");
+    add("real", 2.5F);
+    add("wide", 1LL << 40);
+    add("block", CZelAtom(BLOCK, 3));
+    add("object", object);
+    add("undefined", {});
+    record.RRAddValue(new CZelVarBind("nothing", static_cast<const char *>(nullptr)));
+    CZelROMPer builder(CZelROMPer::INITIAL_SIZE);
+    ASSERT_EQ(E_RCOk, record.ROMEncode(builder));
+    EXPECT_EQ(GOLDEN, inHex(packed(builder)));
+    CZelRecord read;
+    ASSERT_EQ(E_RCOk, read.ROMDecode(builder.RRPacket(), builder.RRCreatedLength()));
+    EXPECT_TRUE(IsSame(*record.RRVbIterator(), *read.RRVbIterator()));
 }
 
 TEST(ROMPer, CheckIsTheSameWithAndWithoutTheProcessorsInstruction) {
-    Bytes bytes(67);
-    for (std::size_t i = 0; i < bytes.size(); ++i)
-        bytes[i] = static_cast<unsigned char>(i * 37);
-    for (std::size_t length = 0; length <= bytes.size(); ++length)
-        EXPECT_EQ(RompCheckByTables(bytes.data(), length), RompCheck(bytes.data(), length));
+    const unsigned char *digits = reinterpret_cast<const unsigned char *>("123456789");
+    EXPECT_EQ(0xE3069283U, RompCheck(digits, 9));
+    for (std::size_t length = 0; length <= 67; ++length) {
+        Bytes bytes(ROMP_HEAD_SIZE + length);
+        for (std::size_t i = 0; i < length; ++i)
+            bytes[ROMP_HEAD_SIZE + i] = static_cast<unsigned char>(i * 37 + 11);
+        RompStore(bytes.data(), static_cast<std::uint32_t>(length));
+        RompSeal(bytes.data(), bytes.size());
+        const std::uint32_t check = ZelCrc32cByTable(bytes.data() + ROMP_HEAD_SIZE, length);
+        EXPECT_EQ(check, RompLoad<std::uint32_t>(bytes.data() + 4)) << length;
+        EXPECT_EQ(entry(Bytes(bytes.begin() + ROMP_HEAD_SIZE, bytes.end())), bytes);
+        EXPECT_EQ(bytes.size(), RompIntact(bytes.data(), bytes.size()));
+        EXPECT_EQ(0U, RompIntact(bytes.data(), bytes.size() - 1));
+    }
 }
 
 TEST(ROMPer, EmptyRecordIsAPadThatReadersSkip) {
@@ -129,6 +192,20 @@ TEST(ROMPer, PacketsOutgrowTheirFirstSize) {
         names += "n";
     }
     EXPECT_EQ(names, walk(packed(builder)).m_names);
+}
+
+// The place where a packet outgrows its first size moves over every part of a pair.
+TEST(ROMPer, OutgrowsItsFirstSizeAnywhereInAPair) {
+    RandomValues values;
+    CZelAtom name("n"), nested = values.List(3);
+    Bytes second = packed("n", &nested);
+    for (std::size_t fill = CZelROMPer::INITIAL_SIZE - second.size() - 40; fill < CZelROMPer::INITIAL_SIZE; ++fill) {
+        CZelAtom text(std::string(fill, 'x').c_str());
+        CZelROMPer builder(CZelROMPer::INITIAL_SIZE);
+        ASSERT_EQ(E_RCOk, builder.RRAddAttrVal(&name, &text));
+        ASSERT_EQ(E_RCOk, builder.RRAddAttrVal(&name, &nested));
+        ASSERT_EQ(packed("n", &text) + second, packed(builder)) << fill;
+    }
 }
 
 TEST(ROMPer, ReusesABinding) {

@@ -16,22 +16,10 @@ class CZelNameTable {
 public:
     const CZelAtom *Find(std::string_view name, std::uint64_t hash) const;
     const CZelAtom *Enter(std::string_view name, std::uint64_t hash);
-    // The name that came behind another the last time.
-    static std::atomic<const CZelAtom *> &Successor(const CZelAtom *name) { return entryOf(name)->m_successor; }
     std::size_t Count() const { return m_count.load(std::memory_order_relaxed); }
 
 private:
-    // The atom has its text right behind it.
-    struct Entry {
-        std::uint64_t m_hash;
-        std::atomic<const CZelAtom *> m_successor;
-        CZelAtom m_name;
-    };
-    static_assert(sizeof(Entry) == 32);
-    static Entry *entryOf(const CZelAtom *name) {
-        const char *memory = reinterpret_cast<const char *>(name) - (sizeof(Entry) - sizeof(CZelAtom));
-        return reinterpret_cast<Entry *>(const_cast<char *>(memory));
-    }
+    using Entry = CZelName::Entry;
     struct Slots {
         std::size_t m_mask;
         Slots *m_former;
@@ -151,15 +139,9 @@ const CZelAtom *CZelName::RNIntern(const char *text, std::size_t length) {
 }
 
 const CZelAtom *CZelName::RNInternBehind(const CZelAtom *before, const char *text, std::size_t length) {
-    if (before == nullptr)
-        return RNIntern(text, length);
-    std::atomic<const CZelAtom *> &successor = CZelNameTable::Successor(before);
-    const CZelAtom *guess = successor.load(std::memory_order_acquire);
-    if (guess != nullptr && guess->RATextView() == std::string_view(text, length))
-        return guess;
     const CZelAtom *name = RNIntern(text, length);
-    if (name != nullptr)
-        successor.store(name, std::memory_order_release);
+    if (before != nullptr && name != nullptr)
+        entryOf(before)->m_successor.store(name, std::memory_order_release);
     return name;
 }
 

@@ -8,9 +8,13 @@
 // Threads: any. A look-up takes no lock; entering a new name takes one.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
+#include <cstdint>
+#include <string_view>
 
 #include "foundations/base/CZelAtom.h"
+#include "foundations/base/ZelShortBytes.h"
 #include "foundations/port/ZelExport.h"
 
 class QUINTOR_API CZelName {
@@ -21,9 +25,18 @@ public:
     // The atom of a name, entered on first sight. Null when the name is too long or the table is full.
     static const CZelAtom *RNIntern(const char *text, std::size_t length);
 
-    // The same, and quick when this name came behind `before` the last time too, as with records of one
-    // table. `before` is null or an atom of this table.
+    // The name that came behind another the last time, or null: a guess that mostly holds for records of one table.
+    // `before` is an atom of this table.
+    static const CZelAtom *RNSuccessor(const CZelAtom *before) {
+        return entryOf(before)->m_successor.load(std::memory_order_acquire);
+    }
+    // As RNIntern, and tells RNSuccessor. `before` may be null.
     static const CZelAtom *RNInternBehind(const CZelAtom *before, const char *text, std::size_t length);
+
+    // Is it the name of that text? `name` is an atom of this table.
+    static bool RNIsText(const CZelAtom &name, std::string_view text) {
+        return name.m_heap.length == text.size() && ZelSameBytes(textOf(name), text.data(), text.size());
+    }
 
     // The atom of a name that is in the table, or null. Enters nothing.
     static const CZelAtom *RNFind(const char *text, std::size_t length);
@@ -44,7 +57,18 @@ public:
     static std::size_t RNCount();
 
 private:
-    // An entry is an atom with its text right behind it.
+    // An entry's atom has its text right behind it.
+    struct Entry {
+        std::uint64_t m_hash;
+        std::atomic<const CZelAtom *> m_successor;
+        CZelAtom m_name;
+    };
+    static_assert(sizeof(Entry) == 32);
+    static Entry *entryOf(const CZelAtom *name) {
+        const char *memory = reinterpret_cast<const char *>(name) - (sizeof(Entry) - sizeof(CZelAtom));
+        return reinterpret_cast<Entry *>(const_cast<char *>(memory));
+    }
+    static const char *textOf(const CZelAtom &name) { return reinterpret_cast<const char *>(&name + 1); }
     static const CZelAtom *fromText(const char *text) {
         return reinterpret_cast<const CZelAtom *>(text - sizeof(CZelAtom));
     }

@@ -28,164 +28,149 @@
 #include "foundations/base/CZelROMPer_format.h"
 #include "foundations/base/CZelVBList.h"
 #include "foundations/base/ZelMalloc.h"
+#include "foundations/base/ZelShortBytes.h"
 #include "foundations/port/ZelCodes.h"
 
 namespace {
 
-constexpr std::size_t TOO_LONG = INT_MAX;  // as a size: also what is nested too deep
-
-std::size_t sizeOfText(std::string_view text) {
-    return 4 + text.size();
-}
-
-std::size_t sizeOfValue(const CZelAtom *value, int depth);
-
-std::size_t sizeOfElements(const CZelAtomVector *list, int depth) {
-    std::size_t size = 4;
-    for (unsigned int i = 0; list != nullptr && i < list->RAVSize() && size < TOO_LONG; ++i)
-        size += sizeOfValue(list->RAVGetValue(i), depth);
-    return size;
-}
-
-std::size_t sizeOfMembers(const CZelVBList *object, int depth) {
-    std::size_t size = 4;
-    const CZelVarBind *member = object == nullptr ? nullptr : object->RVBLHead();
-    for (; member != nullptr && size < TOO_LONG; member = object->RVBLGetNext(member))
-        size += sizeOfText(member->RVBName().RATextView()) + sizeOfValue(member->RVBValue(), depth);
-    return size;
-}
-
-std::size_t sizeOfNest(const CZelAtom &value, int depth) {
-    if (depth == CZelROMPer::MAX_DEPTH)
-        return TOO_LONG;
-    bool isList = value.RAType() == E_RDTList;
-    return isList ? sizeOfElements(value.RAList(), depth + 1) : sizeOfMembers(value.RAObject(), depth + 1);
-}
-
-std::size_t sizeOfBlock(const CZelAtom &value) {
-    unsigned char *data = nullptr;
-    int length = 0;
-    value.RAUChar(&data, &length);
-    return 4 + static_cast<std::size_t>(length);
-}
-
-std::size_t sizeOfValue(const CZelAtom *value, int depth) {
-    switch (value == nullptr ? E_RDTUndefined : value->RAType()) {
-        case E_RDTInt:
-        case E_RDTFloat:
-            return 1 + 4;
-        case E_RDTLong:
-        case E_RDTLong64:
-            return 1 + 8;
-        case E_RDTText:
-            return 1 + sizeOfText(value->RATextView());
-        case E_RDTData:
-            return 1 + sizeOfBlock(*value);
-        case E_RDTList:
-        case E_RDTObject:
-            return 1 + sizeOfNest(*value, depth);
-        default:
-            return 1;
-    }
-}
-
-// Writes into a place that is known to be large enough.
-class Writer {
-public:
-    explicit Writer(unsigned char *place) : m_place(place) {}
-
-    void Text(std::string_view text) { bytes(text.data(), text.size()); }
-    void Value(const CZelAtom *value);
-
-private:
-    void type(unsigned char value) { *m_place++ = value; }
-    template <class Number>
-    void number(Number value) {
-        RompStore(m_place, value);
-        m_place += sizeof(value);
-    }
-    void count(std::size_t value) { number(static_cast<std::uint32_t>(value)); }
-    void bytes(const void *data, std::size_t length) {
-        count(length);
-        copy(static_cast<const unsigned char *>(data), length);
-        m_place += length;
-    }
-    void copy(const unsigned char *data, std::size_t length);
-    void block(const CZelAtom &value);
-    void elements(const CZelAtomVector *list);
-    void members(const CZelVBList *object);
-
-    unsigned char *m_place;
-};
-
-void Writer::Value(const CZelAtom *value) {
-    if (value == nullptr) {
-        type(ROMP_NO_VALUE);
-        return;
-    }
-    type(static_cast<unsigned char>(value->RAType()));
-    switch (value->RAType()) {
-        case E_RDTInt:
-            return number(static_cast<std::uint32_t>(value->RAInt()));
-        case E_RDTFloat:
-            return number(std::bit_cast<std::uint32_t>(value->RAFloat()));
-        case E_RDTLong:
-        case E_RDTLong64:
-            return number(static_cast<std::uint64_t>(value->RALongLong()));
-        case E_RDTText:
-            return Text(value->RATextView());
-        case E_RDTData:
-            return block(*value);
-        case E_RDTList:
-            return elements(value->RAList());
-        case E_RDTObject:
-            return members(value->RAObject());
-        default:
-            return;
-    }
-}
-
-// Most names and texts are short: two copies of fixed size that overlap spare the call.
-void Writer::copy(const unsigned char *data, std::size_t length) {
-    constexpr std::size_t WORD = 8, HALF = 4;
-    if (length > 2 * WORD) {
-        std::memcpy(m_place, data, length);
-    } else if (length >= WORD) {
-        std::memcpy(m_place, data, WORD);
-        std::memcpy(m_place + length - WORD, data + length - WORD, WORD);
-    } else if (length >= HALF) {
-        std::memcpy(m_place, data, HALF);
-        std::memcpy(m_place + length - HALF, data + length - HALF, HALF);
-    } else {
-        for (std::size_t i = 0; i < length; ++i)
-            m_place[i] = data[i];
-    }
-}
-
-void Writer::block(const CZelAtom &value) {
-    unsigned char *data = nullptr;
-    int length = 0;
-    value.RAUChar(&data, &length);
-    bytes(data, static_cast<std::size_t>(length));
-}
-
-void Writer::elements(const CZelAtomVector *list) {
-    unsigned int size = list == nullptr ? 0 : list->RAVSize();
-    count(size);
-    for (unsigned int i = 0; i < size; ++i)
-        Value(list->RAVGetValue(i));
-}
-
-void Writer::members(const CZelVBList *object) {
-    count(object == nullptr ? 0 : static_cast<std::size_t>(object->RVBLLength()));
-    const CZelVarBind *member = object == nullptr ? nullptr : object->RVBLHead();
-    for (; member != nullptr; member = object->RVBLGetNext(member)) {
-        Text(member->RVBName().RATextView());
-        Value(member->RVBValue());
-    }
-}
+constexpr std::size_t TOO_LONG = INT_MAX;
 
 }  // namespace
+
+// Writes an entry's body behind what the packet holds. Every step takes the place that it writes to and gives the one
+// behind what it wrote, or null when the value nests too deep or the packet would become too long. Sizes are not asked
+// before: to walk a value twice costs more than to look for room at each step.
+class CZelROMPer::Writer {
+public:
+    explicit Writer(CZelROMPer &packet) : m_packet(packet), m_end(packet.m_data + packet.m_capacity) {}
+
+    unsigned char *Entry(const CZelAtom &name, const CZelAtom *value);
+
+private:
+    using Place = unsigned char *;
+
+    Place room(Place place, std::size_t size) {
+        return size <= static_cast<std::size_t>(m_end - place) ? place : grown(place, size);
+    }
+    Place grown(Place place, std::size_t size);
+    template <class Number>
+    static Place number(Place place, Number number) {
+        RompStore(place, number);
+        return place + sizeof(number);
+    }
+    template <class Number>
+    Place typed(Place place, EZelDataType type, Number bits) {
+        place = room(place, 1 + sizeof(bits));
+        if (place == nullptr)
+            return nullptr;
+        *place = static_cast<unsigned char>(type);
+        return number(place + 1, bits);
+    }
+    Place bare(Place place, unsigned char type) {
+        place = room(place, 1);
+        if (place != nullptr)
+            *place++ = type;
+        return place;
+    }
+    Place bytes(Place place, const void *data, std::size_t length);
+    Place text(Place place, std::string_view text) { return bytes(place, text.data(), text.size()); }
+    Place value(Place place, const CZelAtom *value, int depth);
+    Place block(Place place, const CZelAtom &value);
+    Place elements(Place place, const CZelAtomVector *list, int depth);
+    Place members(Place place, const CZelVBList *object, int depth);
+
+    CZelROMPer &m_packet;
+    unsigned char *m_end;
+};
+
+unsigned char *CZelROMPer::Writer::Entry(const CZelAtom &name, const CZelAtom *value) {
+    Place place = room(m_packet.m_data + m_packet.m_length, ROMP_HEAD_SIZE);
+    if (place != nullptr)
+        place = text(place + ROMP_HEAD_SIZE, name.RATextView());
+    return place == nullptr ? nullptr : this->value(place, value, 0);
+}
+
+CZelROMPer::Writer::Place CZelROMPer::Writer::grown(Place place, std::size_t size) {
+    std::size_t used = static_cast<std::size_t>(place - m_packet.m_data);
+    if (size >= TOO_LONG - used)
+        return nullptr;
+    m_packet.grow(used, used + size);
+    m_end = m_packet.m_data + m_packet.m_capacity;
+    return m_packet.m_data + used;
+}
+
+CZelROMPer::Writer::Place CZelROMPer::Writer::bytes(Place place, const void *data, std::size_t length) {
+    place = room(place, sizeof(std::uint32_t) + length);
+    if (place == nullptr)
+        return nullptr;
+    place = number(place, static_cast<std::uint32_t>(length));
+    ZelCopyBytes(place, data, length);
+    return place + length;
+}
+
+CZelROMPer::Writer::Place CZelROMPer::Writer::value(Place place, const CZelAtom *value, int depth) {
+    if (value == nullptr)
+        return bare(place, ROMP_NO_VALUE);
+    const EZelDataType type = value->RAType();
+    switch (type) {
+        case E_RDTInt:
+            return typed(place, type, static_cast<std::uint32_t>(value->RAInt()));
+        case E_RDTFloat:
+            return typed(place, type, std::bit_cast<std::uint32_t>(value->RAFloat()));
+        case E_RDTLong:
+        case E_RDTLong64:
+            return typed(place, type, static_cast<std::uint64_t>(value->RALongLong()));
+        default:
+            break;
+    }
+    place = bare(place, static_cast<unsigned char>(type));
+    if (place == nullptr)
+        return nullptr;
+    switch (type) {
+        case E_RDTText:
+            return text(place, value->RATextView());
+        case E_RDTData:
+            return block(place, *value);
+        case E_RDTList:
+            return elements(place, value->RAList(), depth);
+        case E_RDTObject:
+            return members(place, value->RAObject(), depth);
+        default:
+            return place;
+    }
+}
+
+CZelROMPer::Writer::Place CZelROMPer::Writer::block(Place place, const CZelAtom &value) {
+    unsigned char *data = nullptr;
+    int length = 0;
+    value.RAUChar(&data, &length);
+    return bytes(place, data, static_cast<std::size_t>(length));
+}
+
+CZelROMPer::Writer::Place CZelROMPer::Writer::elements(Place place, const CZelAtomVector *list, int depth) {
+    const unsigned int size = list == nullptr ? 0 : list->RAVSize();
+    place = depth == MAX_DEPTH ? nullptr : room(place, sizeof(std::uint32_t));
+    if (place == nullptr)
+        return nullptr;
+    place = number(place, std::uint32_t{size});
+    for (unsigned int i = 0; i < size && place != nullptr; ++i)
+        place = value(place, list->RAVGetValue(i), depth + 1);
+    return place;
+}
+
+CZelROMPer::Writer::Place CZelROMPer::Writer::members(Place place, const CZelVBList *object, int depth) {
+    place = depth == MAX_DEPTH ? nullptr : room(place, sizeof(std::uint32_t));
+    if (place == nullptr)
+        return nullptr;
+    place = number(place, static_cast<std::uint32_t>(object == nullptr ? 0 : object->RVBLLength()));
+    const CZelVarBind *member = object == nullptr ? nullptr : object->RVBLHead();
+    for (; member != nullptr && place != nullptr; member = object->RVBLGetNext(member)) {
+        place = text(place, member->RVBName().RATextView());
+        if (place != nullptr)
+            place = value(place, member->RVBValue(), depth + 1);
+    }
+    return place;
+}
 
 CZelROMPer::CZelROMPer(int initialSize) : m_data(m_small), m_capacity(INITIAL_SIZE) {
     if (initialSize <= INITIAL_SIZE)
@@ -202,26 +187,21 @@ CZelROMPer::~CZelROMPer() {
 int CZelROMPer::RRAddAttrVal(const CZelAtom *name, const CZelAtom *value) {
     if (name == nullptr || name->RAType() != E_RDTText || m_capacity == 0)
         return E_RCBadArgument;
-    std::size_t size = sizeOfText(name->RATextView()) + sizeOfValue(value, 0);
-    unsigned char *head = reserve(ROMP_HEAD_SIZE + size);
-    if (head == nullptr)
+    const unsigned char *end = Writer(*this).Entry(*name, value);
+    if (end == nullptr)
         return E_RCBadValue;
-    RompStore(head, static_cast<std::uint32_t>(size));
-    Writer writer(head + ROMP_HEAD_SIZE);
-    writer.Text(name->RATextView());
-    writer.Value(value);
+    unsigned char *head = m_data + m_length;
+    const auto size = static_cast<int>(end - head);
+    RompStore(head, static_cast<std::uint32_t>(size) - std::uint32_t{ROMP_HEAD_SIZE});
+    m_length += size;
     return E_RCOk;
 }
 
 // Writes the checks of the entries that have none yet. Done for all at once and not entry by entry: reading
 // what has just been written in small pieces stalls the processor.
 void CZelROMPer::seal() {
-    while (m_sealed < m_length) {
-        unsigned char *head = m_data + m_sealed;
-        std::uint32_t size = RompLoad<std::uint32_t>(head);
-        RompStoreHead(head, size, RompCheck(head + ROMP_HEAD_SIZE, size));
-        m_sealed += static_cast<int>(ROMP_HEAD_SIZE + size);
-    }
+    RompSeal(m_data + m_sealed, static_cast<std::size_t>(m_length - m_sealed));
+    m_sealed = m_length;
 }
 
 unsigned char *CZelROMPer::RRPacket() {
@@ -272,16 +252,17 @@ unsigned char *CZelROMPer::reserve(std::size_t size) {
     if (size >= TOO_LONG - used)
         return nullptr;
     if (used + size > static_cast<std::size_t>(m_capacity))
-        grow(used + size);
+        grow(used, used + size);
     m_length += static_cast<int>(size);
     return m_data + used;
 }
 
-void CZelROMPer::grow(std::size_t needed) {
+// Keeps the first `used` bytes.
+void CZelROMPer::grow(std::size_t used, std::size_t needed) {
     std::size_t capacity = std::min<std::size_t>(std::max(needed, 2 * static_cast<std::size_t>(m_capacity)), INT_MAX);
     if (m_data == m_small) {
         m_data = static_cast<unsigned char *>(ZelMalloc(capacity));
-        std::memcpy(m_data, m_small, static_cast<std::size_t>(m_length));
+        std::memcpy(m_data, m_small, used);
     } else {
         m_data = static_cast<unsigned char *>(ZelRealloc(m_data, capacity));
     }

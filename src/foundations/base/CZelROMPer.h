@@ -10,6 +10,7 @@
 #include "foundations/port/ZelExport.h"
 
 class CZelAtom;
+class CZelVBList;
 class CZelVarBind;
 
 class QUINTOR_API CZelROMPer {
@@ -44,11 +45,18 @@ public:
     // pair's intact head.
     CZelVarBind *RRGetNextAttrVal(int *status, CZelVarBind *reuse);
 
+    // All pairs that are left, good and damaged, at the end of a list: 1, or the code of the last damaged one.
+    int RRGetRest(CZelVBList &pairs);
+
 private:
+    class Writer;
+
     unsigned char *reserve(std::size_t size);
-    void grow(std::size_t needed);
+    void grow(std::size_t used, std::size_t needed);
     void seal();
-    bool nextBody(const unsigned char **body, std::size_t *length);
+    bool nextBody(const unsigned char **body);
+    bool checkOn();
+    bool skipDamage();
     bool headAt(int position, std::uint32_t *size, std::uint32_t *check) const;
     void skipToHead();
 
@@ -58,6 +66,7 @@ private:
     int m_copied = 0;
     int m_sealed = 0;                      // bytes up to the first entry without checks
     int m_position = 0;                    // reading
+    int m_intact = 0;                      // reading: bytes up to the first entry that is not known to be intact
     const CZelAtom *m_lastName = nullptr;  // read, if it is interned
     unsigned char m_small[INITIAL_SIZE];   // the packet, until it outgrows it
 };

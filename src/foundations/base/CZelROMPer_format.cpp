@@ -1,104 +1,91 @@
 #include "foundations/base/CZelROMPer_format.h"
 
-#include <array>
-#include <atomic>
-
-#if defined(__x86_64__)
-#include <nmmintrin.h>
-#endif
+#include "foundations/base/ZelCrc32c.h"
 
 namespace {
 
-constexpr std::uint32_t START = 0xFFFFFFFFU;
-constexpr std::uint32_t REVERSED_POLYNOMIAL = 0x82F63B78U;
-
-using Tables = std::array<std::array<std::uint32_t, 256>, 8>;
-
-// Table n gives the effect of a byte that n further bytes follow.
-constexpr Tables makeTables() {
-    Tables tables{};
-    for (std::uint32_t byte = 0; byte < 256; ++byte) {
-        std::uint32_t check = byte;
-        for (int bit = 0; bit < 8; ++bit)
-            check = check >> 1 ^ (check & 1U) * REVERSED_POLYNOMIAL;
-        tables[0][byte] = check;
-    }
-    for (std::size_t n = 1; n < tables.size(); ++n) {
-        for (std::size_t byte = 0; byte < 256; ++byte)
-            tables[n][byte] = tables[n - 1][byte] >> 8 ^ tables[0][tables[n - 1][byte] & 255U];
-    }
-    return tables;
-}
-
-constexpr Tables TABLES = makeTables();
-
-std::uint32_t stepByte(std::uint32_t check, unsigned char byte) {
-    return check >> 8 ^ TABLES[0][(check ^ byte) & 255U];
-}
-
-std::uint32_t checkByTables(std::uint32_t check, const unsigned char *data, std::size_t length) {
-    for (; length >= 8; data += 8, length -= 8) {
-        std::uint32_t next = 0;
-        for (std::size_t i = 0; i < 8; ++i) {
-            std::uint32_t byte = data[i] ^ (i < 4 ? check >> 8 * i & 255U : 0U);
-            next ^= TABLES[7 - i][byte];
-        }
-        check = next;
-    }
-    for (; length != 0; ++data, --length)
-        check = stepByte(check, *data);
-    return check;
-}
-
-using Checker = std::uint32_t (*)(std::uint32_t, const unsigned char *, std::size_t);
+struct ByTables {
+    static std::uint32_t Of(const unsigned char *body, std::size_t length) { return ZelCrc32cByTable(body, length); }
+};
 
 #if defined(__x86_64__)
-__attribute__((target("sse4.2"))) std::uint32_t checkByProcessor(std::uint32_t check, const unsigned char *data,
-                                                                 std::size_t length) {
-    std::uint64_t wide = check;
-    std::uint64_t word;
-    for (; length >= sizeof(word); data += sizeof(word), length -= sizeof(word)) {
-        std::memcpy(&word, data, sizeof(word));
-        wide = _mm_crc32_u64(wide, word);
-    }
-    check = static_cast<std::uint32_t>(wide);
-    std::uint32_t half;
-    if (length >= sizeof(half)) {
-        std::memcpy(&half, data, sizeof(half));
-        check = _mm_crc32_u32(check, half);
-        data += sizeof(half);
-        length -= sizeof(half);
-    }
-    for (; length != 0; ++data, --length)
-        check = _mm_crc32_u8(check, *data);
+
+// The instruction by itself, so that code for any processor can hold it; it runs only where the processor has it.
+inline std::uint64_t step(std::uint64_t check, std::uint64_t word) {
+    __asm__("crc32q %1, %0" : "+r"(check) : "rm"(word));
     return check;
 }
 
-Checker best() {
-    __builtin_cpu_init();
-    return __builtin_cpu_supports("sse4.2") ? checkByProcessor : checkByTables;
-}
+// For a body that stands behind its head, so that the eight bytes before it can be read too. What exceeds a multiple
+// of eight bytes is taken first, as a word with zeros before it, which from a check of zero on change nothing; the
+// start value is laid over the first four bytes of the body instead. No step depends on the length but the loop.
+struct ByProcessor {
+    static std::uint32_t Of(const unsigned char *body, std::size_t length) {
+        constexpr std::uint64_t START = 0xFFFFFFFFU;
+        constexpr std::size_t WORD = sizeof(std::uint64_t), BITS = 64;
+        if (length < sizeof(std::uint32_t))
+            return ZelCrc32c(body, length);
+        const std::size_t first = (length - 1) % WORD + 1;
+        const std::size_t before = BITS - 8 * first;
+        const unsigned char *place = body + first;
+        std::uint64_t check = step(0, (load(place - WORD) >> before ^ START) << before);
+        if (length == first)
+            return ~static_cast<std::uint32_t>(check);
+        check = step(check, load(place) ^ (first < sizeof(std::uint32_t) ? START >> 8 * first : 0));
+        for (place += WORD; place != body + length; place += WORD)
+            check = step(check, load(place));
+        return ~static_cast<std::uint32_t>(check);
+    }
+
+private:
+    static std::uint64_t load(const unsigned char *place) {
+        std::uint64_t word;
+        std::memcpy(&word, place, sizeof(word));
+        return word;
+    }
+};
+
+const bool g_hasInstruction = __builtin_cpu_supports("sse4.2") != 0;
+
 #else
-Checker best() {
-    return checkByTables;
-}
+using ByProcessor = ByTables;
+constexpr bool g_hasInstruction = false;
 #endif
 
-std::uint32_t checkAtFirst(std::uint32_t check, const unsigned char *data, std::size_t length);
+template <class Check>
+std::size_t intact(const unsigned char *data, std::size_t length) {
+    std::size_t position = 0;
+    while (length - position >= ROMP_HEAD_SIZE) {
+        const unsigned char *body = data + position + ROMP_HEAD_SIZE;
+        std::uint32_t size = 0, check = 0;
+        if (!RompLoadHead(data + position, &size, &check) || size > length - position - ROMP_HEAD_SIZE ||
+            Check::Of(body, size) != check)
+            break;
+        position += ROMP_HEAD_SIZE + size;
+    }
+    return position;
+}
 
-std::atomic<Checker> g_checker{checkAtFirst};
-
-std::uint32_t checkAtFirst(std::uint32_t check, const unsigned char *data, std::size_t length) {
-    g_checker.store(best(), std::memory_order_relaxed);
-    return g_checker.load(std::memory_order_relaxed)(check, data, length);
+template <class Check>
+void seal(unsigned char *data, std::size_t length) {
+    for (unsigned char *head = data; head != data + length;) {
+        const std::uint32_t size = RompLoad<std::uint32_t>(head);
+        const unsigned char *body = head + ROMP_HEAD_SIZE;
+        RompStoreHead(head, size, Check::Of(body, size));
+        head += ROMP_HEAD_SIZE + size;
+    }
 }
 
 }  // namespace
 
 std::uint32_t RompCheck(const unsigned char *data, std::size_t length) {
-    return ~g_checker.load(std::memory_order_relaxed)(START, data, length);
+    return ZelCrc32c(data, length);
 }
 
-std::uint32_t RompCheckByTables(const unsigned char *data, std::size_t length) {
-    return ~checkByTables(START, data, length);
+std::size_t RompIntact(const unsigned char *data, std::size_t length) {
+    return g_hasInstruction ? intact<ByProcessor>(data, length) : intact<ByTables>(data, length);
+}
+
+void RompSeal(unsigned char *data, std::size_t length) {
+    return g_hasInstruction ? seal<ByProcessor>(data, length) : seal<ByTables>(data, length);
 }

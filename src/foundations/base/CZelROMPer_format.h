@@ -31,9 +31,15 @@ Number RompLoad(const unsigned char *place) {
     return RompOrder(number);
 }
 
-// CRC32C (Castagnoli) of a body, by the processor's instruction where there is one.
+// The check of a body: CRC32C.
 std::uint32_t RompCheck(const unsigned char *data, std::size_t length);
-std::uint32_t RompCheckByTables(const unsigned char *data, std::size_t length);  // without
+
+// How many bytes from `data` on are whole entries with good checks. Told for all at once: one loop over heads and
+// bodies alone runs several times as fast as a check between the values of each entry.
+std::size_t RompIntact(const unsigned char *data, std::size_t length);
+
+// Writes the checks into the heads of entries that hold nothing but their lengths yet.
+void RompSeal(unsigned char *data, std::size_t length);
 
 // The check of a head, over its two numbers.
 inline std::uint32_t RompHeadCheck(std::uint32_t bodyLength, std::uint32_t bodyCheck) {

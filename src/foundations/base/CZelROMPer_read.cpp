@@ -8,220 +8,217 @@
 
 namespace {
 
-// Reads from a body and never past its end. Every operation is false when the body does not hold what it
-// should; a good check does not say that an entry was written by this system.
+// The name that the thread's last packet began with.
+constinit thread_local const CZelAtom *t_firstName = nullptr;
+
+// Reads a body. Every step takes the place that it reads from and gives the one behind what it read, or null when the
+// body does not hold what it should; none reads past the end. A good check does not say that an entry was written by
+// this system.
 //
 // Values are built where they stay, in atoms that are undefined before.
 class Reader {
 public:
-    // *lastName is the name that came before, and becomes the last one read.
-    Reader(const unsigned char *place, std::size_t length, const CZelAtom **lastName)
-        : m_place(place), m_left(length), m_lastName(lastName) {}
+    // The name that came before, null at the beginning of a packet or when it is not interned.
+    explicit Reader(const CZelAtom *lastName) : m_lastName(lastName) {}
 
     // The name and value of a whole body as a new binding, or in the one to be reused; null when it can't be
     // read.
-    CZelVarBind *Pair(CZelVarBind *reuse);
+    CZelVarBind *Pair(const unsigned char *body, const unsigned char *end, CZelVarBind *reuse);
+    const CZelAtom *LastName() const { return m_lastName; }
 
 private:
-    CZelVarBind *pairOf(std::string_view name, CZelVarBind *reuse);
-    bool valueOf(CZelVarBind *pair, int depth);
-    bool characters(std::string_view *result);
-    template <class Number>
-    bool number(Number *result) {
-        if (m_left < sizeof(*result))
-            return false;
-        *result = RompLoad<Number>(m_place);
-        advance(sizeof(*result));
-        return true;
-    }
-    void advance(std::size_t size) {
-        m_place += size;
-        m_left -= size;
-    }
-    bool bytes(const unsigned char **data, std::size_t *length);
-    bool count(std::uint32_t *result);
-    bool value(CZelAtom *place, bool *isThere, int depth);
-    bool narrow(unsigned char type, CZelAtom *place);
-    bool wide(unsigned char type, CZelAtom *place);
-    bool text(CZelAtom *place);
-    bool block(CZelAtom *place);
-    bool list(CZelAtom *place, int depth);
-    bool object(CZelAtom *place, int depth);
-    bool element(CZelAtomVector &elements, int depth);
-    bool member(CZelVBList &members, int depth);
+    using Place = const unsigned char *;
 
-    const unsigned char *m_place;
-    std::size_t m_left;
-    const CZelAtom **m_lastName;
+    std::size_t left(Place place) const { return static_cast<std::size_t>(m_end - place); }
+    Place named(Place place, CZelVarBind **pair, CZelVarBind *reuse);
+    CZelVarBind *pairOf(std::string_view name, CZelVarBind *reuse);
+    CZelVarBind *unexpected(std::string_view name, CZelVarBind *reuse);
+    Place valueOf(Place place, CZelVarBind *pair, int depth);
+    Place bytes(Place place, std::string_view *result) const;
+    Place count(Place place, std::uint32_t *result) const;
+    Place value(Place place, CZelAtom *atom, int depth);
+    template <class Bits, class Build>
+    Place number(Place place, Build build) const;
+    Place text(Place place, CZelAtom *atom) const;
+    Place block(Place place, CZelAtom *atom) const;
+    Place list(Place place, CZelAtom *atom, int depth);
+    Place object(Place place, CZelAtom *atom, int depth);
+    Place element(Place place, CZelAtomVector &elements, int depth);
+    Place member(Place place, CZelVBList &members, int depth);
+
+    Place m_end = nullptr;
+    const CZelAtom *m_lastName;
 };
 
-CZelVarBind *Reader::Pair(CZelVarBind *reuse) {
-    std::string_view name;
-    if (!characters(&name))
+CZelVarBind *renamed(CZelVarBind *reuse, const CZelAtom &name) {
+    reuse->RVBSetName(name);
+    reuse->RVBForWriting()->RASet();
+    return reuse;
+}
+
+CZelVarBind *Reader::Pair(Place body, Place end, CZelVarBind *reuse) {
+    m_end = end;
+    CZelVarBind *pair = nullptr;
+    Place place = named(body, &pair, reuse);
+    if (place == nullptr)
         return nullptr;
-    CZelVarBind *pair = pairOf(name, reuse);
-    if (valueOf(pair, 0) && m_left == 0)
+    if (valueOf(place, pair, 0) == end)
         return pair;
     if (reuse == nullptr)
         delete pair;
     return nullptr;
 }
 
-// Its value is undefined.
-CZelVarBind *Reader::pairOf(std::string_view name, CZelVarBind *reuse) {
-    *m_lastName = CZelName::RNInternBehind(*m_lastName, name.data(), name.size());
-    const CZelAtom loose = *m_lastName == nullptr ? CZelAtom(name.data(), name.size()) : CZelAtom();
-    const CZelAtom &atom = *m_lastName == nullptr ? loose : **m_lastName;
-    if (reuse == nullptr)
-        return new CZelVarBind(atom, CZelAtom());
-    reuse->RVBSetName(atom);
-    reuse->RVBForWriting()->RASet();
-    return reuse;
+// *pair has the name that stands here, and an undefined value.
+Reader::Place Reader::named(Place place, CZelVarBind **pair, CZelVarBind *reuse) {
+    std::string_view name;
+    place = bytes(place, &name);
+    if (place == nullptr)
+        return nullptr;
+    *pair = pairOf(name, reuse);
+    return *pair == nullptr ? nullptr : place;
 }
 
-bool Reader::bytes(const unsigned char **data, std::size_t *length) {
-    std::uint32_t size = 0;
-    if (!number(&size) || size > m_left)
-        return false;
-    *data = m_place;
-    *length = size;
-    advance(size);
-    return true;
+CZelVarBind *Reader::pairOf(std::string_view name, CZelVarBind *reuse) {
+    const CZelAtom *guess = m_lastName == nullptr ? t_firstName : CZelName::RNSuccessor(m_lastName);
+    if (guess == nullptr || !CZelName::RNIsText(*guess, name))
+        return unexpected(name, reuse);
+    m_lastName = guess;
+    return reuse == nullptr ? new CZelVarBind(guess) : renamed(reuse, *guess);
+}
+
+CZelVarBind *Reader::unexpected(std::string_view name, CZelVarBind *reuse) {
+    if (ZelHoldsNul(name.data(), name.size()))
+        return nullptr;
+    const CZelAtom *before = m_lastName;
+    m_lastName = CZelName::RNInternBehind(before, name.data(), name.size());
+    if (before == nullptr)
+        t_firstName = m_lastName;
+    const CZelAtom loose = m_lastName != nullptr ? *m_lastName : CZelAtom(name.data(), name.size());
+    return reuse == nullptr ? new CZelVarBind(loose, CZelAtom()) : renamed(reuse, loose);
+}
+
+Reader::Place Reader::valueOf(Place place, CZelVarBind *pair, int depth) {
+    if (place == m_end || *place != ROMP_NO_VALUE)
+        return value(place, pair->RVBForWriting(), depth);
+    pair->RVBSetValue(static_cast<const CZelAtom *>(nullptr));
+    return place + 1;
+}
+
+Reader::Place Reader::bytes(Place place, std::string_view *result) const {
+    if (left(place) < sizeof(std::uint32_t))
+        return nullptr;
+    const std::size_t length = RompLoad<std::uint32_t>(place);
+    place += sizeof(std::uint32_t);
+    if (length > left(place))
+        return nullptr;
+    *result = {reinterpret_cast<const char *>(place), length};
+    return place + length;
 }
 
 // How many values follow. Each takes a byte at least, which bounds what a count can make us allocate.
-bool Reader::count(std::uint32_t *result) {
-    return number(result) && *result <= m_left;
+Reader::Place Reader::count(Place place, std::uint32_t *result) const {
+    if (left(place) < sizeof(*result))
+        return nullptr;
+    *result = RompLoad<std::uint32_t>(place);
+    place += sizeof(*result);
+    return *result <= left(place) ? place : nullptr;
 }
 
-bool Reader::characters(std::string_view *result) {
-    const unsigned char *data = nullptr;
-    std::size_t length = 0;
-    if (!bytes(&data, &length) || std::memchr(data, 0, length) != nullptr)
-        return false;
-    *result = {reinterpret_cast<const char *>(data), length};
-    return true;
+template <class Bits, class Build>
+Reader::Place Reader::number(Place place, Build build) const {
+    if (left(place) < sizeof(Bits))
+        return nullptr;
+    build(RompLoad<Bits>(place));
+    return place + sizeof(Bits);
 }
 
-bool Reader::valueOf(CZelVarBind *pair, int depth) {
-    CZelAtom *place = pair->RVBForWriting();
-    bool isThere = true;
-    bool good = value(place, &isThere, depth);
-    if (!isThere)
-        pair->RVBSetValue(static_cast<const CZelAtom *>(nullptr));
-    return good;
-}
-
-bool Reader::value(CZelAtom *place, bool *isThere, int depth) {
-    if (m_left == 0)
-        return false;
-    unsigned char type = *m_place;
-    advance(1);
-    switch (type) {
+Reader::Place Reader::value(Place place, CZelAtom *atom, int depth) {
+    if (place == m_end)
+        return nullptr;
+    switch (*place++) {
         case E_RDTInt:
-        case E_RDTFloat:
-            return narrow(type, place);
+            return number<std::uint32_t>(place, [atom](auto bits) { new (atom) CZelAtom(static_cast<int>(bits)); });
         case E_RDTLong:
-        case E_RDTLong64:
-            return wide(type, place);
+            return number<std::uint64_t>(place, [atom](auto bits) { new (atom) CZelAtom(static_cast<long>(bits)); });
         case E_RDTText:
-            return text(place);
+            return text(place, atom);
+        case E_RDTFloat:
+            return number<std::uint32_t>(place, [atom](auto bits) { new (atom) CZelAtom(std::bit_cast<float>(bits)); });
+        case E_RDTLong64:
+            return number<std::uint64_t>(place,
+                                         [atom](auto bits) { new (atom) CZelAtom(static_cast<long long>(bits)); });
         case E_RDTData:
-            return block(place);
+            return block(place, atom);
         case E_RDTList:
-            return list(place, depth);
+            return list(place, atom, depth);
         case E_RDTObject:
-            return object(place, depth);
+            return object(place, atom, depth);
+        case E_RDTUndefined:
+            return place;
         default:
-            *isThere = type != ROMP_NO_VALUE;
-            return type == ROMP_NO_VALUE || type == E_RDTUndefined;
+            return nullptr;
     }
 }
 
-bool Reader::narrow(unsigned char type, CZelAtom *place) {
-    std::uint32_t bits = 0;
-    if (!number(&bits))
-        return false;
-    if (type == E_RDTInt)
-        new (place) CZelAtom(static_cast<int>(bits));
-    else
-        new (place) CZelAtom(std::bit_cast<float>(bits));
-    return true;
-}
-
-bool Reader::wide(unsigned char type, CZelAtom *place) {
-    std::uint64_t bits = 0;
-    if (!number(&bits))
-        return false;
-    if (type == E_RDTLong)
-        new (place) CZelAtom(static_cast<long>(bits));
-    else
-        new (place) CZelAtom(static_cast<long long>(bits));
-    return true;
-}
-
-bool Reader::text(CZelAtom *place) {
+Reader::Place Reader::text(Place place, CZelAtom *atom) const {
     std::string_view found;
-    if (!characters(&found))
-        return false;
-    new (place) CZelAtom(found.data(), found.size());
-    return true;
+    place = bytes(place, &found);
+    if (place == nullptr || ZelHoldsNul(found.data(), found.size()))
+        return nullptr;
+    new (atom) CZelAtom(found.data(), found.size());
+    return place;
 }
 
-bool Reader::block(CZelAtom *place) {
-    const unsigned char *data = nullptr;
-    std::size_t length = 0;
-    if (!bytes(&data, &length))
-        return false;
-    new (place) CZelAtom(data, static_cast<int>(length));
-    return true;
+Reader::Place Reader::block(Place place, CZelAtom *atom) const {
+    std::string_view found;
+    place = bytes(place, &found);
+    if (place != nullptr)
+        new (atom) CZelAtom(reinterpret_cast<const unsigned char *>(found.data()), static_cast<int>(found.size()));
+    return place;
 }
 
-bool Reader::list(CZelAtom *place, int depth) {
+Reader::Place Reader::list(Place place, CZelAtom *atom, int depth) {
     std::uint32_t size = 0;
-    if (depth == CZelROMPer::MAX_DEPTH || !count(&size))
-        return false;
+    place = depth == CZelROMPer::MAX_DEPTH ? nullptr : count(place, &size);
+    if (place == nullptr)
+        return nullptr;
     CZelAtomVector *elements = new CZelAtomVector(size);
-    new (place) CZelAtom(elements);
-    for (std::uint32_t i = 0; i < size; ++i) {
-        if (!element(*elements, depth + 1))
-            return false;
-    }
-    return true;
+    new (atom) CZelAtom(elements);
+    for (; size != 0 && place != nullptr; --size)
+        place = element(place, *elements, depth + 1);
+    return place;
 }
 
-bool Reader::element(CZelAtomVector &elements, int depth) {
-    CZelAtom *place = new CZelAtom;
-    bool isThere = true;
-    bool good = value(place, &isThere, depth);
-    if (!isThere) {
-        delete place;
-        place = nullptr;
+Reader::Place Reader::element(Place place, CZelAtomVector &elements, int depth) {
+    if (place != m_end && *place == ROMP_NO_VALUE) {
+        elements.RAVAddToEnd(nullptr);
+        return place + 1;
     }
-    elements.RAVAddToEnd(place);
-    return good;
+    CZelAtom *atom = new CZelAtom;
+    elements.RAVAddToEnd(atom);
+    return value(place, atom, depth);
 }
 
-bool Reader::object(CZelAtom *place, int depth) {
+Reader::Place Reader::object(Place place, CZelAtom *atom, int depth) {
     std::uint32_t size = 0;
-    if (depth == CZelROMPer::MAX_DEPTH || !count(&size))
-        return false;
+    place = depth == CZelROMPer::MAX_DEPTH ? nullptr : count(place, &size);
+    if (place == nullptr)
+        return nullptr;
     CZelVBList *members = new CZelVBList;
-    new (place) CZelAtom(members);
-    for (std::uint32_t i = 0; i < size; ++i) {
-        if (!member(*members, depth + 1))
-            return false;
-    }
-    return true;
+    new (atom) CZelAtom(members);
+    for (; size != 0 && place != nullptr; --size)
+        place = member(place, *members, depth + 1);
+    return place;
 }
 
-bool Reader::member(CZelVBList &members, int depth) {
-    std::string_view name;
-    if (!characters(&name))
-        return false;
-    CZelVarBind *pair = pairOf(name, nullptr);
+Reader::Place Reader::member(Place place, CZelVBList &members, int depth) {
+    CZelVarBind *pair = nullptr;
+    place = named(place, &pair, nullptr);
+    if (place == nullptr)
+        return nullptr;
     members.RVBLAddToListEnd(pair);
-    return valueOf(pair, depth);
+    return valueOf(place, pair, depth);
 }
 
 CZelVarBind *damagedPair(CZelVarBind *reuse) {
@@ -244,36 +241,64 @@ CZelVarBind *CZelROMPer::RRGetNextAttrVal(int *status, CZelVarBind *reuse) {
     int &result = status == nullptr ? ignored : *status;
     result = E_RCOk;
     const unsigned char *body = nullptr;
-    std::size_t length = 0;
-    bool isIntact = nextBody(&body, &length);
-    if (isIntact && body == nullptr)
+    if (!nextBody(&body))
         return nullptr;
-    CZelVarBind *pair = isIntact ? Reader(body, length, &m_lastName).Pair(reuse) : nullptr;
+    Reader reader(m_lastName);
+    CZelVarBind *pair = body == nullptr ? nullptr : reader.Pair(body, m_data + m_position, reuse);
+    m_lastName = reader.LastName();
     if (pair != nullptr)
         return pair;
     result = E_RCBadValue;
     return damagedPair(reuse);
 }
 
-// The next entry that is no pad, its body null at the packet's end. False when it is damaged.
-bool CZelROMPer::nextBody(const unsigned char **body, std::size_t *length) {
-    while (m_position < m_length) {
-        std::uint32_t size = 0, check = 0;
-        if (!headAt(m_position, &size, &check)) {
-            skipToHead();
-            return false;
+int CZelROMPer::RRGetRest(CZelVBList &pairs) {
+    int result = E_RCOk;
+    Reader reader(m_lastName);
+    const unsigned char *body = nullptr;
+    while (nextBody(&body)) {
+        CZelVarBind *pair = body == nullptr ? nullptr : reader.Pair(body, m_data + m_position, nullptr);
+        if (pair == nullptr) {
+            result = E_RCBadValue;
+            pair = damagedPair(nullptr);
         }
-        const unsigned char *start = m_data + m_position + ROMP_HEAD_SIZE;
+        pairs.RVBLAddToListEnd(pair);
+    }
+    m_lastName = reader.LastName();
+    return result;
+}
+
+// Moves behind the next entry that is no pad and gives its body, null when it is damaged. False at the packet's end.
+bool CZelROMPer::nextBody(const unsigned char **body) {
+    *body = nullptr;
+    while (m_position < m_length) {
+        if (m_position == m_intact && !checkOn())
+            return skipDamage();
+        const unsigned char *head = m_data + m_position;
+        const std::uint32_t size = RompLoad<std::uint32_t>(head);
         m_position += static_cast<int>(ROMP_HEAD_SIZE + size);
-        if (RompCheck(start, size) != check)
-            return false;
         if (size == 0)
             continue;
-        *body = start;
-        *length = size;
+        *body = head + ROMP_HEAD_SIZE;
         return true;
     }
-    *body = nullptr;
+    return false;
+}
+
+// Checks the entries from here on as far as they are intact. Is there any?
+bool CZelROMPer::checkOn() {
+    m_intact += static_cast<int>(RompIntact(m_data + m_position, static_cast<std::size_t>(m_length - m_position)));
+    return m_position < m_intact;
+}
+
+// Moves behind a damaged entry; true.
+bool CZelROMPer::skipDamage() {
+    std::uint32_t size = 0, check = 0;
+    if (headAt(m_position, &size, &check))
+        m_position += static_cast<int>(ROMP_HEAD_SIZE + size);
+    else
+        skipToHead();
+    m_intact = m_position;
     return true;
 }
 

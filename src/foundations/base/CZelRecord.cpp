@@ -13,18 +13,6 @@ namespace {
 
 constexpr int DEBUG_ALL = 4;
 
-// All pairs of a packet, good or bad; *status is the code of the last bad one, or 1.
-CZelVBList *readPairs(CZelROMPer &packet, int *status) {
-    CZelVBList *values = new CZelVBList;
-    int pairStatus = E_RCOk;
-    while (CZelVarBind *pair = packet.RRGetNextAttrVal(&pairStatus, nullptr)) {
-        values->RVBLAddToListEnd(pair);
-        if (pairStatus != E_RCOk)
-            *status = pairStatus;
-    }
-    return values;
-}
-
 }  // namespace
 
 CZelRecord::~CZelRecord() = default;
@@ -49,8 +37,8 @@ int CZelRecord::ROMDecode(const unsigned char *data, int length) {
     unsigned char *block = const_cast<unsigned char *>(data);
     CZelROMPer packet(block, length, E_RBTrue);
     m_values.RVBLEmptyList();
-    int status = E_RCOk;
-    CZelVBList *values = readPairs(packet, &status);
+    CZelVBList *values = new CZelVBList;
+    int status = packet.RRGetRest(*values);
     if (packet.RRTakePacket() != block)
         ZEL_REPORT(E_RCBadValue, "CZelRecord::ROMDecode: the reader changed its packet.");
     int taken = RRInitFromVarList(values);

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <vector>
 
-#include "foundations/port/ZelCodes.h"
-
 CZelVBList::CZelVBList(const CZelVBList &other) : m_length(other.m_length) {
     CZelVarBind **link = &m_head;
     for (const CZelVarBind *binding = other.m_head; binding != nullptr; binding = binding->m_next) {
@@ -12,16 +10,6 @@ CZelVBList::CZelVBList(const CZelVBList &other) : m_length(other.m_length) {
         *link = m_tail;
         link = &m_tail->m_next;
     }
-}
-
-int CZelVBList::RVBLAddToListEnd(CZelVarBind *binding) {
-    if (binding == nullptr)
-        return E_RCBadArgument;
-    binding->m_next = nullptr;
-    (m_tail != nullptr ? m_tail->m_next : m_head) = binding;
-    m_tail = binding;
-    ++m_length;
-    return E_RCOk;
 }
 
 CZelVarBind *CZelVBList::RVBLFind(const char *name) const {

@@ -5,6 +5,7 @@
 
 #include "foundations/base/CZelPool.h"
 #include "foundations/base/CZelVarBind.h"
+#include "foundations/port/ZelCodes.h"
 
 class QUINTOR_API CZelVBList {
 public:
@@ -15,7 +16,15 @@ public:
     CZelVBList &operator=(const CZelVBList &) = delete;
     ~CZelVBList() { RVBLEmptyList(); }
 
-    int RVBLAddToListEnd(CZelVarBind *binding);  // takes over; 1, or E_RCBadArgument for null
+    int RVBLAddToListEnd(CZelVarBind *binding) {  // takes over; 1, or E_RCBadArgument for null
+        if (binding == nullptr)
+            return E_RCBadArgument;
+        binding->m_next = nullptr;
+        (m_tail != nullptr ? m_tail->m_next : m_head) = binding;
+        m_tail = binding;
+        ++m_length;
+        return E_RCOk;
+    }
 
     CZelVarBind *RVBLHead() const { return m_head; }
     CZelVarBind *RVBLTail() const { return m_tail; }

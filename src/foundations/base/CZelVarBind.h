@@ -24,7 +24,8 @@ public:
     CZelVarBind(const CZelAtom &name, int value);
     CZelVarBind(const CZelAtom &name, CZelAtom &&value)  // moves the value in
         : m_name(nameOf(name)), m_value(std::move(value)) {}
-    CZelVarBind(const CZelVarBind &other)  // deep; not linked anywhere
+    explicit CZelVarBind(const CZelAtom *interned) : m_name(interned) {}  // a name of CZelName; the value is undefined
+    CZelVarBind(const CZelVarBind &other)                                 // deep; not linked anywhere
         : m_name(other.m_name->RAIsInterned() ? other.m_name : new CZelAtom(*other.m_name)), m_value(other.m_value) {}
     CZelVarBind &operator=(const CZelVarBind &) = delete;
     ~CZelVarBind() {
