@@ -8,6 +8,7 @@ int main(int argc, char **argv) {
     addSelectWorks();
     addChangeWorks();
     addJoinWorks();
+    addDuckWorks();
     addCacheWorks();
     addVendorWork();
     addRompWorks();

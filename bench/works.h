@@ -6,6 +6,7 @@ void addInsertWorks();
 void addSelectWorks();
 void addChangeWorks();
 void addJoinWorks();
+void addDuckWorks();  // further peers of works added before
 void addCacheWorks();
 void addClauseWorks();
 void addRompWorks();

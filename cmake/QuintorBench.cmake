@@ -21,6 +21,10 @@ if(MSGPACK_INCLUDE)
         COMPILE_DEFINITIONS "QUINTOR_BENCH_MSGPACK;MSGPACK_NO_BOOST")
 endif()
 
+# scripts/bench puts it there, for all build trees of this source.
+set_source_files_properties(${CMAKE_SOURCE_DIR}/bench/Duck.cpp PROPERTIES
+    COMPILE_DEFINITIONS QUINTOR_BENCH_DUCKDB="${CMAKE_SOURCE_DIR}/build/peers/libduckdb.so")
+
 # LuaJIT has the function names of Lua: it is linked by a module that the program loads, and by nothing else.
 pkg_check_modules(LUAJIT IMPORTED_TARGET luajit)
 if(LUAJIT_FOUND)
