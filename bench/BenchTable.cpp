@@ -18,9 +18,10 @@ bool hasFigure(const BenchLine &line) {
            std::any_of(line.peers.begin(), line.peers.end(), [](const BenchFigure &peer) { return peer.value > 0; });
 }
 
-const std::string &groupOf(const BenchLine &line) {
-    static const std::string none;
-    return line.peers.empty() ? none : line.peers.front().peer;
+bool isSameTable(const BenchLine &a, const BenchLine &b) {
+    if ((a.kind == BenchLine::LIMIT) != (b.kind == BenchLine::LIMIT) || a.peers.empty() != b.peers.empty())
+        return false;
+    return a.peers.empty() || a.peers.front().peer == b.peers.front().peer;
 }
 
 const BenchFigure *figureOf(const BenchLine &line, const std::string &peer) {
@@ -42,7 +43,7 @@ Cells peersOf(const std::vector<BenchLine> &lines) {
 std::string valueText(const BenchLine &line, double value) {
     if (value <= 0)
         return "-";
-    return line.isTime ? timeText(value) : printed("%.0f", value);
+    return line.kind != BenchLine::SIZE ? timeText(value) : printed("%.0f", value);
 }
 
 void addPeer(const BenchLine &line, const std::string &peer, Cells &cells) {
@@ -57,7 +58,9 @@ void addPeer(const BenchLine &line, const std::string &peer, Cells &cells) {
                       line.ours > 0 && figure->value > 0 ? printed("%.2f", figure->value / line.ours) : "-"});
 }
 
-Cells headOf(const Cells &peers) {
+Cells headOf(const BenchLine &first, const Cells &peers) {
+    if (first.kind == BenchLine::LIMIT)
+        return {"limit of the machine", "per", "time"};
     Cells head{"work", "per", "quintor"};
     for (const std::string &peer : peers)
         head.insert(head.end(), {peer, "ratio"});
@@ -66,7 +69,7 @@ Cells headOf(const Cells &peers) {
 
 std::string tableOf(const std::vector<BenchLine> &lines) {
     const Cells peers = peersOf(lines);
-    std::vector<Cells> rows{headOf(peers)};
+    std::vector<Cells> rows{headOf(lines.front(), peers)};
     for (const BenchLine &line : lines) {
         Cells &cells = rows.emplace_back(Cells{line.name, line.unit, valueText(line, line.ours)});
         for (const std::string &peer : peers)
@@ -128,7 +131,7 @@ std::string benchTables(const std::vector<BenchLine> &lines) {
     std::string tables;
     for (auto begin = shown.begin(); begin != shown.end();) {
         const auto end =
-            std::find_if(begin, shown.end(), [&](const BenchLine &line) { return groupOf(line) != groupOf(*begin); });
+            std::find_if(begin, shown.end(), [&](const BenchLine &line) { return !isSameTable(line, *begin); });
         tables += (tables.empty() ? "" : "\n") + tableOf({begin, end});
         begin = end;
     }

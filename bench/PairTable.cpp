@@ -14,6 +14,7 @@
 namespace {
 
 constexpr int REPETITIONS = 7;
+constexpr const char *OURS = "quintor";
 
 // Lines without figures, and those that are complete already.
 std::vector<BenchLine> &lines() {
@@ -71,7 +72,7 @@ public:
     }
 
     void fill(BenchLine &line) const {
-        line.ours = median(sideOf(line.name, "quintor"));
+        line.ours = median(sideOf(line.name, OURS));
         for (BenchFigure &figure : line.peers)
             figure.value = median(sideOf(line.name, figure.peer));
     }
@@ -88,7 +89,8 @@ private:
 }  // namespace
 
 void addPair(const std::string &name, const char *unit, BenchWork ours, BenchWork theirs, const BenchPeer &peer) {
-    addAlone(name, unit, ours);
+    lines().push_back({name, unit, 0, {}});
+    registerSide(sideOf(name, OURS), ours);
     addColumn(lines().back(), peer.name, theirs);
 }
 
@@ -96,13 +98,13 @@ void addPeer(const std::string &pair, const BenchPeer &peer, BenchWork theirs) {
     addColumn(lineNamed(pair), peer.name, theirs);
 }
 
-void addAlone(const std::string &name, const char *unit, BenchWork work) {
-    lines().push_back({name, unit, 0, {}});
-    registerSide(sideOf(name, "quintor"), work);
+void addLimit(const std::string &name, const char *unit, BenchWork work) {
+    lines().push_back({name, unit, 0, {}, BenchLine::LIMIT});
+    registerSide(sideOf(name, OURS), work);
 }
 
 void addMeasure(const std::string &name, const char *unit, double ours, double peer) {
-    measures().push_back({name, unit, ours, {{SQLITE.name, peer}}, false});
+    measures().push_back({name, unit, ours, {{SQLITE.name, peer}}, BenchLine::SIZE});
 }
 
 double secondsOf(const std::function<void()> &work) {
@@ -124,7 +126,9 @@ int runPairs(int argc, char **argv) {
     for (BenchLine &line : lines())
         collector.fill(line);
     std::vector<BenchLine> all = lines();
-    all.insert(all.end(), measures().begin(), measures().end());
+    const auto limits =
+        std::find_if(all.begin(), all.end(), [](const BenchLine &line) { return line.kind == BenchLine::LIMIT; });
+    all.insert(limits, measures().begin(), measures().end());
     std::fputs(benchTables(all).c_str(), stdout);
     return 0;
 }

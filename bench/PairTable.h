@@ -27,8 +27,8 @@ void addPair(const std::string &name, const char *unit, BenchWork ours, BenchWor
 // A further peer of a pair that has been added: a further column in its table.
 void addPeer(const std::string &pair, const BenchPeer &peer, BenchWork theirs);
 
-// A work of this store alone, or a figure of the machine: a table without peers.
-void addAlone(const std::string &name, const char *unit, BenchWork work);
+// What the machine itself takes for a step. Limits have a table of their own.
+void addLimit(const std::string &name, const char *unit, BenchWork work);
 
 // Figures taken before the works run, and no times, such as bytes a row; smaller is better. They end the table.
 void addMeasure(const std::string &name, const char *unit, double ours, double peer);

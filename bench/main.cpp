@@ -13,5 +13,6 @@ int main(int argc, char **argv) {
     addVendorWork();
     addRompWorks();
     addClauseWorks();
+    addLimits();
     return runPairs(argc, argv);
 }

@@ -10,5 +10,6 @@ void addDuckWorks();  // further peers of works added before
 void addCacheWorks();
 void addClauseWorks();
 void addRompWorks();
+void addLimits();
 void addMemoryMeasure();
 void addVendorWork();  // only with QUINTOR_VENDORS in the environment

@@ -58,10 +58,15 @@ TEST(BenchTableTest, WhatWasNotMeasuredHasNoRatioAndWhatIsMissingSaysSo) {
                      timed("y", 0, {{"a", 40}, {"b", 5}})}));
 }
 
-TEST(BenchTableTest, PlainNumbersCarryNoUnitOfTimeAndAWorkAloneNoRatio) {
+TEST(BenchTableTest, SizesCarryNoUnitOfTimeAndLimitsStandInATableOfTheirOwn) {
     EXPECT_EQ(
-        "| work   | per   | quintor |\n"
-        "|--------|-------|--------:|\n"
-        "| memory | bytes |     521 |\n",
-        benchTables({{"memory", "bytes", 521, {}, false}}));
+        "| work   | per   | quintor |  a | ratio |\n"
+        "|--------|-------|--------:|---:|------:|\n"
+        "| memory | bytes |     521 | 99 |  0.19 |\n"
+        "\n"
+        "| limit of the machine | per  |    time |\n"
+        "|----------------------|------|--------:|\n"
+        "| system call          | call | 50.0 ns |\n",
+        benchTables({{"memory", "bytes", 521, {{"a", 99}}, BenchLine::SIZE},
+                     {"system call", "call", 50, {}, BenchLine::LIMIT}}));
 }
