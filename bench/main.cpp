@@ -7,6 +7,7 @@ int main(int argc, char **argv) {
     addInsertWorks();
     addSelectWorks();
     addChangeWorks();
+    addThreadWorks();
     addJoinWorks();
     addDuckWorks();
     addCacheWorks();

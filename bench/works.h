@@ -5,6 +5,7 @@ void addParseWorks();
 void addInsertWorks();
 void addSelectWorks();
 void addChangeWorks();
+void addThreadWorks();
 void addJoinWorks();
 void addDuckWorks();  // further peers of works added before
 void addCacheWorks();

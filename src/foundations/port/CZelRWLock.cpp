@@ -71,6 +71,20 @@ thread_local Holds t_holds;
 std::atomic<unsigned> s_threads{0};
 thread_local unsigned t_number = 0;  // 1 and up; 0 until asked for
 
+// How often a thread looks again before it sleeps: a few microseconds for a turn, less for the mutex, which is held
+// for some instructions only.
+constexpr int LOOKS_FOR_TURN = 200;
+constexpr int LOOKS_FOR_MUTEX = 50;
+
+// Leaves the core's means to others for a moment.
+void relax() {
+#if defined(__x86_64__) || defined(__i386__)
+    __builtin_ia32_pause();
+#elif defined(__aarch64__)
+    asm volatile("isb");
+#endif
+}
+
 unsigned threadNumber() {
     if (t_number == 0)
         t_number = s_threads.fetch_add(1, std::memory_order_relaxed) + 1;
@@ -127,39 +141,63 @@ void CZelRWLock::acquireReader() {
     if (!m_gateClosed.load())
         return;
     slot.fetch_sub(1);
-    std::unique_lock<std::mutex> guard(m_mutex);
     Waiter self(&slot);
-    waitInQueue(self, guard);
+    waitInQueue(self);
 }
 
 void CZelRWLock::acquireWriter() {
-    std::unique_lock<std::mutex> guard(m_mutex);
     Waiter self(nullptr);
-    waitInQueue(self, guard);
+    waitInQueue(self);
 }
 
 void CZelRWLock::releaseReader() {
     m_slots[threadNumber() % SLOTS].readers.fetch_sub(1);
     if (!m_gateClosed.load())
         return;
-    const std::lock_guard<std::mutex> guard(m_mutex);
+    lockMutex();
     grantFromQueue();
+    m_mutex.unlock();
 }
 
 void CZelRWLock::releaseWriter() {
-    const std::lock_guard<std::mutex> guard(m_mutex);
+    lockMutex();
     m_writerIn = false;
     grantFromQueue();
+    m_mutex.unlock();
+}
+
+void CZelRWLock::lockMutex() {
+    for (int i = 0; i < LOOKS_FOR_MUTEX; ++i) {
+        if (m_mutex.try_lock())
+            return;
+        relax();
+    }
+    m_mutex.lock();
 }
 
 // Also wakes others: the announcement that the caller took back may have kept the first of the queue out.
-void CZelRWLock::waitInQueue(Waiter &waiter, std::unique_lock<std::mutex> &guard) {
+void CZelRWLock::waitInQueue(Waiter &waiter) {
+    lockMutex();
     (m_last != nullptr ? m_last->next : m_first) = &waiter;
     m_last = &waiter;
     m_gateClosed.store(true);
     grantFromQueue();
-    while (!waiter.granted)
+    m_mutex.unlock();
+    if (isGrantedSoon(waiter))
+        return;
+    std::unique_lock<std::mutex> guard(m_mutex);
+    waiter.isAsleep = true;
+    while (!waiter.granted.load(std::memory_order_relaxed))
         waiter.wake.wait(guard);
+}
+
+bool CZelRWLock::isGrantedSoon(const Waiter &waiter) {
+    for (int i = 0; i < LOOKS_FOR_TURN; ++i) {
+        if (waiter.granted.load(std::memory_order_acquire))
+            return true;
+        relax();
+    }
+    return false;
 }
 
 // Lets in, from the front, whoever can go. The gate opens when the queue is empty and no writer is in.
@@ -169,10 +207,17 @@ void CZelRWLock::grantFromQueue() {
         m_first = waiter->next;
         if (m_first == nullptr)
             m_last = nullptr;
-        waiter->granted = true;
-        waiter->wake.notify_one();  // under the mutex: the waiter's memory is gone soon after
+        letGo(*waiter);
     }
     m_gateClosed.store(m_writerIn || m_first != nullptr);
+}
+
+// One that is asleep goes no earlier than it has the mutex; another may be gone with the store.
+void CZelRWLock::letGo(Waiter &waiter) {
+    const bool isAsleep = waiter.isAsleep;
+    waiter.granted.store(true, std::memory_order_release);
+    if (isAsleep)
+        waiter.wake.notify_one();
 }
 
 bool CZelRWLock::grant(Waiter &waiter) {

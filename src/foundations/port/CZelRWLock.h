@@ -11,7 +11,8 @@
 // chosen by thread, and then looks at the gate. A writer closes the gate and then looks at the counters.
 // Both do it in the one order of sequentially consistent atomics, so at least one sees the other. While
 // the gate is open, readers touch nothing that another core's readers touch, and only the others use the
-// mutex and the queue. What a thread holds is noted in the thread itself.
+// mutex and the queue. What a thread holds is noted in the thread itself. Who waits looks for its turn for a few
+// microseconds before it sleeps: a statement by key takes less time than waking up.
 //
 // Threads: any. Results: 1, or E_RCBadState with nothing changed and no report: upgrade of a reader, or
 // unlocking what this thread does not hold.
@@ -28,7 +29,7 @@ public:
     CZelRWLock() = default;
     CZelRWLock(const CZelRWLock &) = delete;
     CZelRWLock &operator=(const CZelRWLock &) = delete;
-    ~CZelRWLock();  // Requires: nobody holds it or waits for it
+    ~CZelRWLock();  // Requires: nobody holds it, waits for it or is on the way out
 
     int RRWLReaderLock();
     int RRWLWriterLock();
@@ -43,11 +44,12 @@ private:
         char line[CACHE_LINE - sizeof(std::atomic<unsigned>)];
     };
 
-    // One waiting thread, on its own stack. Guarded by m_mutex.
+    // One waiting thread, on its own stack: gone soon after `granted`, unless it is asleep. Guarded by m_mutex.
     struct Waiter {
         explicit Waiter(std::atomic<unsigned> *readers) : slot(readers) {}
         std::atomic<unsigned> *slot;  // the reader's counter; null for a writer
-        bool granted = false;
+        std::atomic<bool> granted{false};
+        bool isAsleep = false;
         Waiter *next = nullptr;
         std::condition_variable wake;
     };
@@ -56,7 +58,10 @@ private:
     void acquireWriter();
     void releaseReader();
     void releaseWriter();
-    void waitInQueue(Waiter &waiter, std::unique_lock<std::mutex> &guard);
+    void lockMutex();
+    void waitInQueue(Waiter &waiter);
+    static bool isGrantedSoon(const Waiter &waiter);
+    static void letGo(Waiter &waiter);
     void grantFromQueue();
     bool grant(Waiter &waiter);
     bool hasReaders() const;
