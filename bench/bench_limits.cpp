@@ -9,9 +9,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <memory>
 #include <numeric>
 #include <random>
+#include <string>
 #include <vector>
 
 #include "bench/PairTable.h"
@@ -25,7 +25,8 @@ constexpr std::size_t LINES = (256UL << 20) / LINE;  // far more than caches hol
 constexpr int STEPS = 1000000;
 constexpr int CALLS = 100000;
 constexpr int BLOCKS = 10000;
-constexpr std::size_t PAGE = 4096;
+constexpr std::size_t OUR_PAGE = 512;
+constexpr std::size_t PAGE = 4096;  // of the peers
 constexpr unsigned PAGES = 16384;
 constexpr int PAGE_READS = 20000;
 
@@ -120,21 +121,21 @@ int pageFile() {
     return file;
 }
 
-BenchRun readPages() {
+BenchRun readPages(std::size_t size) {
     const int file = pageFile();
     char page[PAGE];
     return {PAGE_READS, secondsOf([&] {
                 for (unsigned i = 0; i < PAGE_READS; ++i)
-                    if (pread(file, page, PAGE, static_cast<off_t>(i * 2654435761U % PAGES * PAGE)) < 0)
+                    if (pread(file, page, size, static_cast<off_t>(i * 2654435761U % PAGES * PAGE)) < 0)
                         std::exit(1);
             })};
 }
 
-BenchRun checkPages() {
-    const std::vector<char> page(PAGE, 'x');
+BenchRun checkPages(std::size_t size) {
+    const std::vector<char> page(size, 'x');
     return {PAGE_READS, secondsOf([&] {
                 for (int i = 0; i < PAGE_READS; ++i)
-                    keep(ZelCrc32c(page.data(), PAGE));
+                    keep(ZelCrc32c(page.data(), size));
             })};
 }
 
@@ -146,6 +147,9 @@ void addLimits() {
     addLimit("memory at random, places known ahead", "64 bytes", gatherLines);
     addLimit("malloc and free, 10,000 at once", "64 bytes", allocate);
     addLimit("system call", "call", callKernel);
-    addLimit("read of a page that the kernel holds", "4096 bytes", readPages);
-    addLimit("CRC32C of a page", "4096 bytes", checkPages);
+    for (const std::size_t size : {OUR_PAGE, PAGE}) {
+        const std::string of = " of " + std::to_string(size) + " bytes";
+        addLimit("read" + of + " that the kernel holds", "page", [size] { return readPages(size); });
+        addLimit("CRC32C" + of, "page", [size] { return checkPages(size); });
+    }
 }
