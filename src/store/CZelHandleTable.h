@@ -37,6 +37,7 @@ public:
     CZelCachedRecord *find(const CZelAtom &handle) const;     // null for a number that is not in use
 
     CZelDoubleList *inOrder() { return &m_order; }  // of CZelPointer to the atoms
+    const CZelDoubleList *inOrder() const { return &m_order; }
     int length() const { return m_order.RDLLength(); }
 
 private:

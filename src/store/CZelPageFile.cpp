@@ -67,6 +67,8 @@ void CZelPageFile::startAfresh() {
     m_free.clear();
     m_pending.clear();
     m_whole = NO_POSITION;
+    m_readsInOrder = 0;
+    m_endOfRun = 0;
     forgetAhead();
 }
 

@@ -27,7 +27,6 @@
 #include "foundations/port/ZelFile.h"
 
 class CZelPageMap;
-class CZelROMPWrapper;
 
 // Pages of a file by what they are used for.
 struct SZelPageCounts {
@@ -69,7 +68,9 @@ public:
     // *start; E_RCPageWrite, E_RCNoHandle: nothing of it stays, the replaced chain stands.
     int write(const unsigned char *encoding, int length, long replaced, long *start);
 
-    // The encoding of the chain, from malloc. 1; E_RCBadValue (broken chain), E_RCPageRead.
+    // The encoding of the chain, good until the next call. 1; E_RCBadValue (broken chain), E_RCPageRead.
+    int look(long start, const unsigned char **encoding, int *length);
+    // The same as a copy from malloc.
     int read(long start, unsigned char **encoding, int *length);
 
     // Empties a chain, first page first, and gives its pages back. 1; E_RCPageRead, E_RCPageWrite: the chain stands;
@@ -106,6 +107,8 @@ private:
     int mapPages(CZelPageMap &map);
     void takeChains(CZelPageMap &map, Reader &reader);
     bool takeChain(const CZelPageMap &map, Window &window, long start, Reader &reader);
+    bool takePage(const unsigned char *bytes, int total, long position, Reader &reader);
+    bool leaveOut() const;
     void takeFreePages(const CZelPageMap &map);
 
     // Chains.
@@ -115,17 +118,23 @@ private:
     int writeWhole(bool replaces);
     int writeChain();
     void undo();
-    int follow(long start);  // fills m_chain and m_bytes with the positions and bytes of a chain that is whole
-    int followOn(const CZelROMPWrapper &first);
-    long readPages(unsigned char *place, std::size_t pages, long position);
-    void lookAhead(long start);
-    void forgetAhead();
-    int broken() const;
     bool putBack(const unsigned char *first);
     int empty(const std::vector<long> &chain);
     int disown(const std::vector<long> &chain);
     void giveBack(const std::vector<long> &chain);
     int emptyPending();
+
+    // Reading.
+    bool isStart(long position) const;
+    int follow(long start);  // fills m_chain and m_bytes with the positions and bytes of a chain that is whole
+    int followOn();
+    int broken() const;
+    void lookAhead(long start);
+    bool isAhead(long position, long bytes) const;
+    void forgetAhead();
+    void renewAhead(const unsigned char *bytes, long count, long position);
+    long readPages(unsigned char *place, std::size_t pages, long position);
+
     int sync();
     int failSync();
     int fail(int code, const char *what) const;
@@ -147,9 +156,9 @@ private:
     std::vector<unsigned char> m_ahead;        // pages from m_aheadStart on, while chains are read in the file's order
     long m_aheadStart = 0;
     long m_aheadBytes = 0;       // 0: none
-    int m_readsInOrder = 0;      // since the last write
-    long m_endOfLast = -1;       // position behind the chain that was read last
+    int m_readsInOrder = 0;      // of late
+    long m_endOfRun = 0;         // position behind the last of them
     long m_whole = NO_POSITION;  // start of the chain that m_chain and m_bytes hold as it stands in the file
     unsigned long long m_wholeStamp = 0;
-    std::vector<unsigned char> m_encoding;  // what it encodes
+    std::vector<unsigned char> m_encoding;  // what it encodes, if it is of several pages
 };

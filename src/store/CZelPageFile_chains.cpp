@@ -1,4 +1,4 @@
-// Chains: writing, reading, emptying.
+// Chains: writing and emptying.
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -14,9 +14,6 @@ namespace {
 
 constexpr int PAGE = CZelROMPWrapper::PAGE_BYTES;
 constexpr int SLICE = CZelROMPWrapper::SLICE_BYTES;
-constexpr long AHEAD = 65536;      // bytes
-constexpr int READS_IN_ORDER = 4;  // before more is read than was asked for
-constexpr long NEAR = 32L * PAGE;  // a chain that starts no further behind the last one is the next in order
 
 std::size_t pagesFor(int length) {
     return static_cast<std::size_t>((length + SLICE - 1) / SLICE);
@@ -108,12 +105,15 @@ int CZelPageFile::writeChain() {
 // Requires: the positions of pages [from, to) of the chain follow each other. Their bytes lie in m_bytes.
 int CZelPageFile::writePages(const std::vector<long> &chain, std::size_t from, std::size_t to) {
     const auto count = static_cast<unsigned int>((to - from) * PAGE);
-    forgetAhead();
+    const unsigned char *bytes = m_bytes.data() + from * PAGE;
     errno = 0;
-    const long done = ZelFilePWrite(m_file, m_bytes.data() + from * PAGE, count, chain[from]);
-    if (done == static_cast<long>(count))
-        return 1;
-    return fail(E_RCPageWrite, "a page was not written whole");
+    const long done = ZelFilePWrite(m_file, bytes, count, chain[from]);
+    if (done != static_cast<long>(count)) {
+        forgetAhead();
+        return fail(E_RCPageWrite, "a page was not written whole");
+    }
+    renewAhead(bytes, done, chain[from]);
+    return 1;
 }
 
 // Takes back what has been written of the chain in m_chain. A first page that may stand and can't be emptied now is
@@ -148,6 +148,7 @@ int CZelPageFile::release(long start) {
 // The first page of m_chain, after a release that failed. False: half of it has been written over and can't be
 // mended, so the chain is gone, and it is emptied before anything else is written.
 bool CZelPageFile::putBack(const unsigned char *first) {
+    forgetAhead();
     if (ZelFilePWrite(m_file, first, PAGE, m_chain.front()) == PAGE)
         return true;
     std::array<unsigned char, PAGE> found;
@@ -193,101 +194,4 @@ int CZelPageFile::emptyPending() {
         m_pending.pop_back();
     }
     return 1;
-}
-
-int CZelPageFile::read(long start, unsigned char **encoding, int *length) {
-    *encoding = nullptr;
-    *length = 0;
-    const int status = follow(start);
-    if (status != 1)
-        return status;
-    *encoding = static_cast<unsigned char *>(ZelMalloc(m_encoding.size()));
-    std::memcpy(*encoding, m_encoding.data(), m_encoding.size());
-    *length = static_cast<int>(m_encoding.size());
-    return 1;
-}
-
-// The pages behind the first mostly follow it, so they are read with one call and checked one by one; one that lies
-// elsewhere is read by itself.
-int CZelPageFile::follow(long start) {
-    if (!isOpen() || start < 0 || start % PAGE != 0 || start / PAGE >= m_pageCount)
-        return ZEL_FAIL(E_RCBadArgument, "CZelPageFile: no position of this file");
-    if (start == m_whole)
-        return 1;
-    lookAhead(start);
-    m_whole = NO_POSITION;
-    m_chain.assign(1, start);
-    m_bytes.resize(PAGE);
-    if (readPages(m_bytes.data(), 1, start) != 1)
-        return fail(E_RCPageRead, "a page could not be read whole");
-    const CZelROMPWrapper first(m_bytes.data());
-    const int total = first.RRWGetTotalLen();
-    if (!first.RRWIsSoundAt(start) || first.RRWGetIsFirstPkt() != E_RBTrue ||
-        pagesFor(total) > static_cast<std::size_t>(m_pageCount))
-        return broken();
-    m_encoding.assign(first.RRWGetROMPData(), first.RRWGetROMPData() + first.RRWGetDataLen());
-    const int status = first.RRWGetDataLen() != total                        ? followOn(first)
-                       : first.RRWGetNextPkt() == CZelROMPWrapper::LAST_PAGE ? 1
-                                                                             : broken();
-    m_wholeStamp = first.RRWGetStamp();
-    m_endOfLast = m_chain.back() + PAGE;
-    m_whole = status == 1 ? start : NO_POSITION;
-    return status;
-}
-
-// Chains that are asked for in the order of the file come from a large block. Nobody else writes the locked file, so
-// the block is good until the next write.
-void CZelPageFile::lookAhead(long start) {
-    const bool isNext = start >= m_endOfLast && start < m_endOfLast + NEAR;
-    m_readsInOrder = isNext ? m_readsInOrder + 1 : 0;
-    if (m_readsInOrder < READS_IN_ORDER || (start >= m_aheadStart && start < m_aheadStart + m_aheadBytes))
-        return;
-    m_ahead.resize(AHEAD);
-    m_aheadStart = start;
-    m_aheadBytes = std::max(ZelFilePRead(m_file, m_ahead.data(), AHEAD, start), 0L) / PAGE * PAGE;
-}
-
-void CZelPageFile::forgetAhead() {
-    m_aheadBytes = 0;
-    m_readsInOrder = 0;
-}
-
-// Pages read whole.
-long CZelPageFile::readPages(unsigned char *place, std::size_t pages, long position) {
-    const long bytes = static_cast<long>(pages) * PAGE;
-    if (position < m_aheadStart || position + bytes > m_aheadStart + m_aheadBytes)
-        return ZelFilePRead(m_file, place, static_cast<unsigned int>(bytes), position) / PAGE;
-    std::memcpy(place, m_ahead.data() + (position - m_aheadStart), static_cast<std::size_t>(bytes));
-    return static_cast<long>(pages);
-}
-
-// The pages behind the first one.
-int CZelPageFile::followOn(const CZelROMPWrapper &first) {
-    const std::size_t count = pagesFor(first.RRWGetTotalLen());
-    m_bytes.resize(count * PAGE);
-    const long behind = m_chain.front() + PAGE;
-    const long guessed = first.RRWGetNextPkt() != behind ? 0 : readPages(m_bytes.data() + PAGE, count - 1, behind);
-    long length = first.RRWGetDataLen();
-    long position = first.RRWGetNextPkt();
-    for (std::size_t i = 1; i < count; ++i) {
-        unsigned char *bytes = m_bytes.data() + i * PAGE;
-        const bool isThere = static_cast<long>(i) <= guessed && position == behind + static_cast<long>(i - 1) * PAGE;
-        if (position / PAGE >= m_pageCount)
-            return broken();
-        if (!isThere && readPages(bytes, 1, position) != 1)
-            return fail(E_RCPageRead, "a page could not be read whole");
-        const CZelROMPWrapper page(bytes);
-        if (!page.RRWIsSoundAt(position) || page.RRWGetIsFirstPkt() == E_RBTrue ||
-            page.RRWGetStamp() != first.RRWGetStamp() || page.RRWGetTotalLen() != first.RRWGetTotalLen())
-            return broken();
-        m_chain.push_back(position);
-        m_encoding.insert(m_encoding.end(), page.RRWGetROMPData(), page.RRWGetROMPData() + page.RRWGetDataLen());
-        length += page.RRWGetDataLen();
-        position = page.RRWGetNextPkt();
-    }
-    return length == first.RRWGetTotalLen() && position == CZelROMPWrapper::LAST_PAGE ? 1 : broken();
-}
-
-int CZelPageFile::broken() const {
-    return ZEL_FAIL(E_RCBadValue, "Incompatibility in cache file please make new cache file");
 }

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <vector>
 
-#include "foundations/base/CZelROMPWrapper.h"
+#include "foundations/base/CZelPageView.h"
 #include "foundations/port/CZelError.h"
 #include "foundations/port/ZelDebug.h"
 #include "store/CZelPageFile.h"
@@ -13,18 +13,19 @@
 
 namespace {
 
-constexpr int PAGE = CZelROMPWrapper::PAGE_BYTES;
-constexpr unsigned int BLOCK = 1048576;
+constexpr int PAGE = CZelPageView::PAGE_BYTES;
+constexpr unsigned int BLOCK = 262144;
 
 // Adds all pages of an open file. 1, or E_RCPageRead with nothing reported.
 int mapAll(ZelFileHandle file, long pages, CZelPageMap &map) {
     std::vector<unsigned char> block(static_cast<std::size_t>(std::min<long>(BLOCK, pages * PAGE)));
+    map.reserve(pages);
     for (long position = 0; position < pages * PAGE; position += BLOCK) {
         const long wanted = std::min<long>(BLOCK, pages * PAGE - position);
         if (ZelFilePRead(file, block.data(), static_cast<unsigned int>(wanted), position) != wanted)
             return E_RCPageRead;
         for (long offset = 0; offset < wanted; offset += PAGE)
-            map.add(CZelROMPWrapper(block.data() + offset));
+            map.add(CZelPageView(block.data() + offset));
     }
     map.settle();
     return 1;
@@ -110,18 +111,33 @@ void CZelPageFile::takeChains(CZelPageMap &map, Reader &reader) {
 
 bool CZelPageFile::takeChain(const CZelPageMap &map, Window &window, long start, Reader &reader) {
     m_whole = NO_POSITION;
+    if (map.next(start) < 0)
+        return takePage(window.page(start * PAGE, true), map.total(start), start * PAGE, reader);
     m_bytes.clear();
     for (long number = start; number >= 0; number = map.next(number)) {
         const unsigned char *bytes = window.page(number * PAGE, number == start);
-        if (bytes == nullptr) {
-            (void)fail(E_RCPageRead, "a record can't be read; it stays out of use until the next start");
+        if (bytes == nullptr)
+            return leaveOut();
+        const CZelPageView page(bytes);
+        if (!page.isSoundAt(number * PAGE))
             return false;
-        }
-        const CZelROMPWrapper page(bytes);
-        m_bytes.insert(m_bytes.end(), page.RRWGetROMPData(), page.RRWGetROMPData() + page.RRWGetDataLen());
+        m_bytes.insert(m_bytes.end(), page.slice(), page.slice() + page.dataLength());
     }
     return static_cast<int>(m_bytes.size()) == map.total(start) &&
            reader.takeChain(start * PAGE, m_bytes.data(), static_cast<int>(m_bytes.size()));
+}
+
+// A record of one page, from where it lies.
+bool CZelPageFile::takePage(const unsigned char *bytes, int total, long position, Reader &reader) {
+    if (bytes == nullptr)
+        return leaveOut();
+    const CZelPageView page(bytes);
+    return page.totalLength() == total && page.dataLength() == total && reader.takeChain(position, page.slice(), total);
+}
+
+bool CZelPageFile::leaveOut() const {
+    (void)fail(E_RCPageRead, "a record can't be read; it stays out of use until the next start");
+    return false;
 }
 
 void CZelPageFile::takeFreePages(const CZelPageMap &map) {

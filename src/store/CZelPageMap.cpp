@@ -2,40 +2,45 @@
 
 #include <algorithm>
 
-#include "foundations/base/CZelROMPWrapper.h"
+#include "foundations/base/CZelPageView.h"
 
 namespace {
 
 constexpr std::uint32_t NO_PAGE = UINT32_MAX;
 
 std::uint32_t pageAt(long position) {
-    return position == CZelROMPWrapper::LAST_PAGE ? NO_PAGE
-                                                  : static_cast<std::uint32_t>(position / CZelROMPWrapper::PAGE_BYTES);
+    return position == CZelPageView::LAST_PAGE ? NO_PAGE
+                                               : static_cast<std::uint32_t>(position / CZelPageView::PAGE_BYTES);
 }
 
 }  // namespace
 
-void CZelPageMap::add(const CZelROMPWrapper &wrapper) {
-    Page page;
-    if (wrapper.RRWCondition() == CZelROMPWrapper::EMPTY) {
+void CZelPageMap::reserve(long pages) {
+    m_pages.reserve(static_cast<std::size_t>(pages));
+}
+
+void CZelPageMap::add(const CZelPageView &view) {
+    const long number = length();
+    const CZelPageView::Condition condition = view.condition();
+    Page &page = m_pages.emplace_back();
+    if (condition == CZelPageView::EMPTY)
         page.use = FREE;
-    } else if (wrapper.RRWIsSoundAt(length() * CZelROMPWrapper::PAGE_BYTES)) {
-        page.use = OUT_OF_USE;  // until a chain claims it
-        page.stamp = wrapper.RRWGetStamp();
-        page.next = pageAt(wrapper.RRWGetNextPkt());
-        page.total = static_cast<std::uint32_t>(wrapper.RRWGetTotalLen());
-        page.length = static_cast<std::uint16_t>(wrapper.RRWGetDataLen());
-        page.isFirst = wrapper.RRWGetIsFirstPkt() == E_RBTrue;
-    }
-    if (wrapper.RRWCondition() == CZelROMPWrapper::SOUND)
-        m_highestStamp = std::max<std::uint64_t>(m_highestStamp, wrapper.RRWGetStamp());
-    if (page.isFirst) {
-        m_firsts.push_back(length());
-        if (wrapper.RRWGetReplaced() >= 0 && wrapper.RRWGetReplacedStamp() < page.stamp)
-            m_notes.push_back(
-                {length(), wrapper.RRWGetReplaced() / CZelROMPWrapper::PAGE_BYTES, wrapper.RRWGetReplacedStamp()});
-    }
-    m_pages.push_back(page);
+    if (condition != CZelPageView::SOUND)
+        return;
+    m_highestStamp = std::max<std::uint64_t>(m_highestStamp, view.stamp());
+    if (view.position() != number * CZelPageView::PAGE_BYTES)
+        return;
+    page.use = OUT_OF_USE;  // until a chain claims it
+    page.stamp = view.stamp();
+    page.next = pageAt(view.next());
+    page.total = static_cast<std::uint32_t>(view.totalLength());
+    page.length = static_cast<std::uint16_t>(view.dataLength());
+    page.isFirst = view.isFirst();
+    if (!page.isFirst)
+        return;
+    m_firsts.push_back(number);
+    if (view.replaced() >= 0 && view.replacedStamp() < page.stamp)
+        m_notes.push_back({number, view.replaced() / CZelPageView::PAGE_BYTES, view.replacedStamp()});
 }
 
 void CZelPageMap::settle() {

@@ -9,7 +9,7 @@
 
 #include "foundations/port/ZelExport.h"
 
-class CZelROMPWrapper;
+class CZelPageView;
 
 class QUINTOR_API CZelPageMap {
 public:
@@ -22,7 +22,8 @@ public:
         REPLACED,  // of a whole chain that a later one replaces
     };
 
-    void add(const CZelROMPWrapper &page);
+    void reserve(long pages);
+    void add(const CZelPageView &page);
     void settle();
 
     long length() const { return static_cast<long>(m_pages.size()); }

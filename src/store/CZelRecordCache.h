@@ -30,6 +30,13 @@ enum EZelRecordCacheType : int {
     E_RCTAllOnDisk = 5
 };
 
+// A row where it lies: its record, if that is in memory, otherwise its encoding.
+struct SZelCachedRow {
+    CZelRecord *m_record = nullptr;  // the cache's
+    const unsigned char *m_encoding = nullptr;
+    int m_length = 0;
+};
+
 // What a cache uses, for who watches it.
 struct SZelCacheUse {
     EZelRecordCacheType m_type = E_RCTNotCreated;
@@ -69,6 +76,16 @@ public:
     CZelRecord *RRCRetrieveRecord(CZelAtom *handle, bool &copy);
     CZelAtom *RRCRetrieveROMP(CZelAtom *handle);  // a new data atom; counts as no access
 
+    // For walks of many rows, which would turn out of memory what is used more often: a row that is in memory counts
+    // as accessed, one that is not stays in the file. What is found is good until the next call. False for an unknown
+    // handle, and for a row that can't be read (reported).
+    bool RRCLookAt(CZelAtom *handle, SZelCachedRow &row);
+    CZelRecord *RRCCopyRecord(CZelAtom *handle);  // the caller's; null where RRCLookAt fails or the row is damaged
+    static CZelRecord *RRCCopyOf(const SZelCachedRow &row);  // null where it is damaged (reported)
+
+    // Brings in what a walk that retrieves every row would leave in memory. Requires: no row is in memory.
+    void RRCFillMemory();
+
     CZelDoubleList *RRCHandleIterator();  // of CZelPointer to handle atoms, in order; null before creation
     int RRCLength() const { return m_handles.length(); }  // rows
     __boolean RRCInitialisedFromDisk() const { return m_initialisedFromDisk; }
@@ -104,9 +121,11 @@ private:
     void bringIn(CZelCachedRecord &entry, CZelRecord *record, bool copy);
     void touch(CZelCachedRecord &entry);
 
-    bool needsRoom(unsigned long long size) const;
+    bool needsRoom(unsigned long long size) const { return isFull(m_inCoreBytes, size); }
+    bool isFull(unsigned long long inCoreBytes, unsigned long long size) const;
     int makeRoom(unsigned long long size);
     int evict(CZelCachedRecord &entry);
+    const CZelPointer *firstToStay() const;
 
     EZelRecordCacheType m_type = E_RCTNotCreated;
     __boolean m_persistent = E_RBFalse;

@@ -1,5 +1,9 @@
 // Making room: which row leaves memory, and how.
 
+#include <memory>
+
+#include "foundations/base/CZelAtom.h"
+#include "foundations/base/CZelBag.h"
 #include "foundations/base/CZelROMPer.h"
 #include "foundations/base/CZelRecord.h"
 #include "foundations/base/CZelString.h"
@@ -7,13 +11,25 @@
 #include "store/CZelCachedRecord.h"
 #include "store/CZelRecordCache.h"
 
+namespace {
+
+void reportNothingToEvict() {
+    ZEL_REPORT(E_RCBadArgument, "CZelRecordCache::RRCWriteOldestRecToDisk: no row is in memory");
+}
+
+CZelAtom *handleIn(const CZelPointer *node) {
+    return static_cast<CZelAtom *>(node->RPData());
+}
+
+}  // namespace
+
 // By size, the bytes that are to come count; by proportion, only what is there.
-bool CZelRecordCache::needsRoom(unsigned long long size) const {
+bool CZelRecordCache::isFull(unsigned long long inCoreBytes, unsigned long long size) const {
     if (m_type == E_RCTBySize)
-        return m_inCoreBytes + size > m_byteLimit;
+        return inCoreBytes + size > m_byteLimit;
     if (m_type != E_RCTByProportion || m_totalBytes == 0)
         return false;
-    const double ratio = static_cast<double>(m_inCoreBytes) / static_cast<double>(m_totalBytes);
+    const double ratio = static_cast<double>(inCoreBytes) / static_cast<double>(m_totalBytes);
     return static_cast<float>(ratio) > m_proportion;
 }
 
@@ -24,7 +40,7 @@ int CZelRecordCache::makeRoom(unsigned long long size) {
     while (needsRoom(size)) {
         CZelCachedRecord *oldest = m_inCore.first();
         if (oldest == nullptr) {
-            ZEL_REPORT(E_RCBadArgument, "CZelRecordCache::RRCWriteOldestRecToDisk: no row is in memory");
+            reportNothingToEvict();
             return E_RCOk;
         }
         const int status = evict(*oldest);
@@ -52,4 +68,36 @@ int CZelRecordCache::evict(CZelCachedRecord &entry) {
     entry.RCRSetOnDisk(start);
     m_inCoreBytes -= static_cast<unsigned long long>(entry.RCRSize());
     return E_RCOk;
+}
+
+void CZelRecordCache::RRCFillMemory() {
+    if (!isBounded())
+        return;
+    for (const CZelPointer *node = firstToStay(); node != nullptr; node = CZelBag::RBNext(node)) {
+        CZelCachedRecord &entry = *m_handles.find(*handleIn(node));
+        std::unique_ptr<CZelRecord> record(readFromDisk(entry));
+        if (record != nullptr)
+            bringIn(entry, record.release(), false);
+    }
+}
+
+// Of rows that come in one by one, each a little later than the one before, the first that came is always the one to
+// leave; so it is enough to count.
+const CZelPointer *CZelRecordCache::firstToStay() const {
+    const auto sizeOf = [this](const CZelPointer *node) {
+        return static_cast<unsigned long long>(m_handles.find(*handleIn(node))->RCRSize());
+    };
+    const auto *first = static_cast<const CZelPointer *>(m_handles.inOrder()->RDLHead());
+    unsigned long long bytes = 0;
+    for (const CZelPointer *node = first; node != nullptr; node = CZelBag::RBNext(node)) {
+        unsigned long long asked = sizeOf(node);
+        for (; first != node && isFull(bytes, asked); first = CZelBag::RBNext(first)) {
+            asked = sizeOf(first);
+            bytes -= asked;
+        }
+        if (first == node && isFull(bytes, asked))
+            reportNothingToEvict();
+        bytes += sizeOf(node);
+    }
+    return first;
 }

@@ -9,6 +9,12 @@
 #include "store/CZelCachedRecord.h"
 #include "store/CZelRecordCache.h"
 
+namespace {
+
+constexpr const char *UNREADABLE = "CZelRecordCache::RRCRetrieveRecord: a row can't be read from its file";
+
+}  // namespace
+
 CZelRecord *CZelRecordCache::RRCRetrieveRecord(CZelAtom *handle) {
     bool copy = true;
     return RRCRetrieveRecord(handle, copy);
@@ -46,7 +52,7 @@ void CZelRecordCache::touch(CZelCachedRecord &entry) {
 CZelRecord *CZelRecordCache::fetch(CZelCachedRecord &entry, bool &copy) {
     std::unique_ptr<CZelRecord> record(readFromDisk(entry));
     if (record == nullptr) {
-        ZEL_REPORT(E_RCBadArgument, "CZelRecordCache::RRCRetrieveRecord: a row can't be read from its file");
+        ZEL_REPORT(E_RCBadArgument, UNREADABLE);
         return nullptr;
     }
     const bool isKept =
@@ -58,13 +64,44 @@ CZelRecord *CZelRecordCache::fetch(CZelCachedRecord &entry, bool &copy) {
     return record.release();
 }
 
+bool CZelRecordCache::RRCLookAt(CZelAtom *handle, SZelCachedRow &row) {
+    row = {};
+    CZelCachedRecord *entry = entryOf(handle, E_RCBadArgument);
+    if (entry == nullptr)
+        return false;
+    if (entry->RCRIsRecordInCore() == E_RBTrue) {
+        touch(*entry);
+        row.m_record = entry->RCRGetRecord();
+        return true;
+    }
+    if (m_file.look(entry->RCRGetStartPos(), &row.m_encoding, &row.m_length) == E_RCOk)
+        return true;
+    ZEL_REPORT(E_RCBadArgument, UNREADABLE);
+    return false;
+}
+
+CZelRecord *CZelRecordCache::RRCCopyRecord(CZelAtom *handle) {
+    SZelCachedRow row;
+    return RRCLookAt(handle, row) ? RRCCopyOf(row) : nullptr;
+}
+
+CZelRecord *CZelRecordCache::RRCCopyOf(const SZelCachedRow &row) {
+    if (row.m_record != nullptr)
+        return new CZelRecord(*row.m_record);
+    auto record = std::make_unique<CZelRecord>();
+    if (record->ROMDecode(row.m_encoding, row.m_length) == E_RCOk)
+        return record.release();
+    ZEL_REPORT(E_RCBadArgument, UNREADABLE);
+    return nullptr;
+}
+
 CZelRecord *CZelRecordCache::readFromDisk(const CZelCachedRecord &entry) {
-    unsigned char *encoding = nullptr;
+    const unsigned char *encoding = nullptr;
     int length = 0;
-    if (m_file.read(entry.RCRGetStartPos(), &encoding, &length) != E_RCOk)
+    if (m_file.look(entry.RCRGetStartPos(), &encoding, &length) != E_RCOk)
         return nullptr;
     auto record = std::make_unique<CZelRecord>();
-    return record->RRConsumeAndDecode(encoding, length) == E_RCOk ? record.release() : nullptr;
+    return record->ROMDecode(encoding, length) == E_RCOk ? record.release() : nullptr;
 }
 
 // The row is safe in memory before its pages are freed, so a failure of that only costs the pages.

@@ -4,21 +4,22 @@
 #include <cstring>
 
 #include "foundations/base/CZelBag.h"
+#include "foundations/base/CZelROMPColumns.h"
 #include "foundations/base/CZelRecord.h"
 #include "store/CZelBoolean.h"
 #include "store/CZelCacheWalk.h"
 
 namespace {
 
-// The rows of a table are the elements of its list; those of a bag stand behind its pointers. Of a cached table the
-// record is looked at and the handle is what passes.
+// The rows of a table are the elements of its list; those of a bag stand behind its pointers.
 struct ListRows {
     const CZelListable *node;
     const CZelDoubleList &list;
     explicit ListRows(const CZelDoubleList &rows) : node(rows.RDLHead()), list(rows) {}
     bool hasRow() const { return node != nullptr; }
     CZelRecord *row() const { return static_cast<CZelRecord *>(const_cast<CZelListable *>(node)); }
-    void *identity() const { return row(); }
+    const CZelAtom *value(const CZelColumnReader &column) const { return column.value(*row()); }
+    void addTo(CZelBag &passed) const { passed.RBAdd(static_cast<void *>(row())); }
     void advance() { node = list.RDLGetNext(node); }
 };
 
@@ -27,15 +28,26 @@ struct BagRows {
     explicit BagRows(const CZelBag &rows) : node(rows.RBFirst()) {}
     bool hasRow() const { return node != nullptr; }
     CZelRecord *row() const { return static_cast<CZelRecord *>(node->RPData()); }
-    void *identity() const { return node->RPData(); }
+    const CZelAtom *value(const CZelColumnReader &column) const { return column.value(*row()); }
+    void addTo(CZelBag &passed) const { passed.RBAdd(node->RPData()); }
     void advance() { node = CZelBag::RBNext(node); }
 };
 
+// Columns that are picked are the one of the test.
 struct CachedRows {
     CZelCacheWalk &walk;
+    const CZelROMPColumns &columns;
+    CZelRowTest::Form form;
     bool hasRow() const { return walk.hasRow(); }
     CZelRecord *row() const { return &walk.record(); }
-    void *identity() const { return walk.handle(); }
+    const CZelAtom *value(const CZelColumnReader &column) const {
+        return walk.isPicked() ? columns.value(0) : column.value(walk.record());
+    }
+    void addTo(CZelBag &passed) const {
+        void *found = form == CZelRowTest::HANDLES ? static_cast<void *>(walk.handle()) : walk.copy();
+        if (found != nullptr)
+            passed.RBAdd(found);
+    }
     void advance() { walk.advance(); }
 };
 
@@ -53,8 +65,8 @@ public:
         __builtin_prefetch(reinterpret_cast<const void *>(startOf(*m_rows.row()) + m_place));
         m_rows.advance();
     }
-    void learn(const CZelRecord &row, const CZelAtom *value) {
-        m_place = reinterpret_cast<std::uintptr_t>(value) - startOf(row);
+    void learn(const Rows &rows, const CZelAtom *value) {
+        m_place = reinterpret_cast<std::uintptr_t>(value) - startOf(*rows.row());
     }
 
 private:
@@ -73,7 +85,7 @@ class Ahead<CachedRows> {
 public:
     explicit Ahead(const CachedRows & /*rows*/) {}
     void advance() {}
-    void learn(const CZelRecord & /*row*/, const CZelAtom * /*value*/) {}
+    void learn(const CachedRows & /*rows*/, const CZelAtom * /*value*/) {}
 };
 
 constexpr unsigned int LESS = 1, EQUAL = 2, GREATER = 4;
@@ -158,8 +170,13 @@ void CZelRowTest::select(const CZelBag &rows, CZelBag &passed) const {
     dispatch(BagRows(rows), passed);
 }
 
-void CZelRowTest::select(CZelCacheWalk &rows, CZelBag &passed) const {
-    dispatch(CachedRows{rows}, passed);
+void CZelRowTest::select(CZelRecordCache &cache, const CZelBag *handles, Form form, CZelBag &passed) const {
+    CZelROMPColumns columns;
+    const bool isPicked = m_column.isPlain() && m_column.hasName();
+    if (isPicked)
+        columns.add(*m_column.name());
+    CZelCacheWalk walk(cache, handles, isPicked ? &columns : nullptr);
+    dispatch(CachedRows{walk, columns, form}, passed);
 }
 
 // The test gets present values only.
@@ -168,11 +185,10 @@ void CZelRowTest::scan(Rows rows, CZelBag &passed, Test test) const {
     Ahead<Rows> ahead(rows);
     for (; rows.hasRow(); rows.advance()) {
         ahead.advance();
-        const CZelRecord &row = *rows.row();
-        const CZelAtom *value = m_column.value(row);
-        ahead.learn(row, value);
+        const CZelAtom *value = rows.value(m_column);
+        ahead.learn(rows, value);
         if (CZelAtom::RAIsNull(value) ? m_onNull : test(*value))
-            passed.RBAdd(rows.identity());
+            rows.addTo(passed);
     }
 }
 
@@ -181,7 +197,7 @@ void CZelRowTest::dispatch(Rows rows, CZelBag &passed) const {
     if (m_column.isWild()) {
         for (; rows.hasRow(); rows.advance()) {
             if (accepts(*rows.row()))
-                passed.RBAdd(rows.identity());
+                rows.addTo(passed);
         }
         return;
     }

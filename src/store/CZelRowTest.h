@@ -11,9 +11,9 @@
 
 class CZelBag;
 class CZelBoolean;
-class CZelCacheWalk;
 class CZelDoubleList;
 class CZelRecord;
+class CZelRecordCache;
 
 class CZelRowTest {
 public:
@@ -22,11 +22,12 @@ public:
 
     bool accepts(const CZelRecord &row) const;
 
-    // Append the rows that pass, in order: from a list of records, or from a bag of them; or the handles of those
-    // that pass among the rows still before a walk.
+    // Append the rows that pass, in order: from a list of records, or from a bag of them; or of all rows of a cached
+    // table, or those that the bag has the handles of, the handles or copies.
+    enum Form { HANDLES, COPIES };
     void select(const CZelDoubleList &rows, CZelBag &passed) const;
     void select(const CZelBag &rows, CZelBag &passed) const;
-    void select(CZelCacheWalk &rows, CZelBag &passed) const;
+    void select(CZelRecordCache &cache, const CZelBag *handles, Form form, CZelBag &passed) const;
 
 private:
     enum Kind {

@@ -232,8 +232,11 @@ private:
     CZelAtomVector *selectedValues(CZelQuery &query);
     void selectMembers(const CZelColumnReader &column, const CZelAtom &list, bool negated, const CZelBag *input,
                        CZelBag &result) const;
+    bool isIndexed(const CZelDbEntity &column) const;
+    CZelBag *copiesByScan(const CZelFilter &filter);
+    CZelBag *copiesOfAll() const;
     CZelBag *scanCache(CZelBoolean &boolean, CZelDbEntity &column, const CZelAtom *value, bool swapped,
-                       const CZelBag *input);
+                       const CZelBag *input, bool asCopies);
     void selectCachedMembers(const CZelColumnReader &column, const CZelAtom &list, bool negated, const CZelBag *input,
                              CZelBag &result) const;
     const CZelBPlusTree *uniqueTreeOf(const CZelColumnReader &column) const;

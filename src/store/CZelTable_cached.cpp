@@ -130,7 +130,7 @@ int CZelTable::updateCachedRows(CZelUpdate &statement, CZelDoubleList *changes, 
         return status;
     CachedUpdate update{resolveChanges(changes), CZelAtom(static_cast<long>(std::time(nullptr))), flag, {}};
     for (const CZelPointer *node = handles->RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
-        std::unique_ptr<CZelRecord> row(m_cache->RRCRetrieveRecord(handleIn(node)));
+        std::unique_ptr<CZelRecord> row(m_cache->RRCCopyRecord(handleIn(node)));
         if (row == nullptr)
             fail(E_RCBadArgument, "CZelTable::RTUpdateRows: a row is passed over in the cache of ", m_identifier);
         else if (isUpdateAccepted(row.get(), flag, statement))
@@ -185,6 +185,7 @@ void CZelTable::rebuildIndexes() {
         else if (status != 1)
             fail(E_RCBadArgument, "CZelTable::RDOInitialise: a row does not enter the indexes of ", m_identifier);
     }
+    m_cache->RRCFillMemory();
 }
 
 void CZelTable::removeBreaking(const CZelRecord &record, CZelAtom *handle) {

@@ -123,6 +123,11 @@ CZelBag *CZelTable::RTReturnPossibleRows(CZelFilter *filter) {
 }
 
 CZelBag *CZelTable::RTReturnRows(CZelFilter *filter, __boolean partial) {
+    if (m_cache != nullptr && filter == nullptr)
+        return copiesOfAll();
+    if (m_cache != nullptr)
+        if (CZelBag *scanned = copiesByScan(*filter))
+            return scanned;
     CZelBag *rows = identities(filter, partial);
     if (m_cache != nullptr && rows != nullptr)
         replaceHandles(*rows, [this](CZelAtom *handle) { return m_cache->RRCRetrieveRecord(handle); });
@@ -220,10 +225,13 @@ CZelBag *CZelTable::evalConstant(CZelBoolean *boolean, const CZelAtom *left, con
 
 CZelBag *CZelTable::evalColumn(CZelBoolean *boolean, CZelExpr *column, const CZelAtom *value, __boolean reversed,
                                CZelBag *input) {
-    const CZelAtom *name = entityOf(column)->RDEColNameAtom();
-    const bool isIndexed = name != nullptr && m_indexedColumns != nullptr && m_indexedColumns->RTLGet(name) != nullptr;
-    return isIndexed ? RTEvalIndexed(boolean, column, value, reversed, input)
-                     : RTEvalUnIndexed(boolean, column, value, reversed, input);
+    return isIndexed(*entityOf(column)) ? RTEvalIndexed(boolean, column, value, reversed, input)
+                                        : RTEvalUnIndexed(boolean, column, value, reversed, input);
+}
+
+bool CZelTable::isIndexed(const CZelDbEntity &column) const {
+    const CZelAtom *name = column.RDEColNameAtom();
+    return name != nullptr && m_indexedColumns != nullptr && m_indexedColumns->RTLGet(name) != nullptr;
 }
 
 // A name without its table belongs to any table.

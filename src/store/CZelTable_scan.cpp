@@ -7,6 +7,7 @@
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelBPlusTree.h"
 #include "foundations/base/CZelBag.h"
+#include "foundations/base/CZelROMPColumns.h"
 #include "foundations/base/CZelRecord.h"
 #include "foundations/base/CZelTreeList.h"
 #include "foundations/port/CZelError.h"
@@ -17,6 +18,7 @@
 #include "store/CZelCacheWalk.h"
 #include "store/CZelColDef.h"
 #include "store/CZelColumnReader.h"
+#include "store/CZelFilter.h"
 #include "store/CZelObjectStore.h"
 #include "store/CZelRowTest.h"
 #include "store/CZelStoreGuard.h"
@@ -104,7 +106,7 @@ CZelBag *CZelTable::RTEvalUnIndexed(CZelBoolean *boolean, CZelExpr *column, cons
                                     : evalConstant(boolean, other, value, input);
     }
     if (m_cache != nullptr)
-        return scanCache(*boolean, *entity, value, reversed == E_RBTrue && swapsOperands(op), input);
+        return scanCache(*boolean, *entity, value, reversed == E_RBTrue && swapsOperands(op), input, false);
     auto *result = new CZelBag;
     if (m_rows == nullptr)
         return result;
@@ -152,7 +154,7 @@ void CZelTable::selectMembers(const CZelColumnReader &column, const CZelAtom &li
 }
 
 CZelBag *CZelTable::scanCache(CZelBoolean &boolean, CZelDbEntity &column, const CZelAtom *value, bool swapped,
-                              const CZelBag *input) {
+                              const CZelBag *input, bool asCopies) {
     auto *result = new CZelBag;
     if (!isLive())
         return result;
@@ -163,9 +165,39 @@ CZelBag *CZelTable::scanCache(CZelBoolean &boolean, CZelDbEntity &column, const 
         selectCachedMembers(reader, *value, boolean.RBOperand() == E_RONotIn, input, *result);
         return result;
     }
-    CZelCacheWalk walk(*m_cache, input);
-    CZelRowTest(boolean, column, swapped, value).select(walk, *result);
+    const CZelRowTest test(boolean, column, swapped, value);
+    test.select(*m_cache, input, asCopies ? CZelRowTest::COPIES : CZelRowTest::HANDLES, *result);
     return result;
+}
+
+// The rows of a condition that is one comparison which no tree answers, copied where the walk finds them; null for any
+// other condition.
+CZelBag *CZelTable::copiesByScan(const CZelFilter &filter) {
+    CZelBoolean *boolean = filter.RFKernel();
+    if (boolean == nullptr || boolean->RBRvalType() != E_RBRExpr)
+        return nullptr;
+    const EZelOper op = boolean->RBOperand();
+    const bool isReversed = boolean->RBEvalType() == E_RBEValueColumn;
+    if (op == E_RONone || op == E_ROExists || isMembership(op) ||
+        (!isReversed && boolean->RBEvalType() != E_RBEColumnValue))
+        return nullptr;
+    CZelDbEntity *column = (isReversed ? boolean->RBRight() : boolean->RBLeft())->REEntityVal();
+    if (RTMatchSelfTest(column) != E_RBTrue || (op <= E_ROGreaterEqual && isIndexed(*column)))
+        return nullptr;
+    const CZelExpr *value = isReversed ? boolean->RBLeft() : boolean->RBRight();
+    return scanCache(*boolean, *column, value->REHeadAtomVal(), isReversed && swapsOperands(op), nullptr, true);
+}
+
+CZelBag *CZelTable::copiesOfAll() const {
+    auto *copies = new CZelBag;
+    if (m_rows == nullptr)
+        return copies;
+    const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
+    CZelROMPColumns none;
+    for (CZelCacheWalk walk(*m_cache, nullptr, &none); walk.hasRow(); walk.advance())
+        if (CZelRecord *copy = walk.copy())
+            copies->RBAdd(static_cast<void *>(copy));
+    return copies;
 }
 
 // The rows come in the order of their handles. One without a value is neither in the list nor not in it.
@@ -180,8 +212,11 @@ void CZelTable::selectCachedMembers(const CZelColumnReader &column, const CZelAt
         result.RBIterator()->RDLSortList(orderByHandle);
         return;
     }
-    for (CZelCacheWalk walk(*m_cache, input); walk.hasRow(); walk.advance()) {
-        const CZelAtom *value = column.value(walk.record());
+    CZelROMPColumns columns;
+    if (column.isPlain() && column.hasName())
+        columns.add(*column.name());
+    for (CZelCacheWalk walk(*m_cache, input, columns.isEmpty() ? nullptr : &columns); walk.hasRow(); walk.advance()) {
+        const CZelAtom *value = walk.isPicked() ? columns.value(0) : column.value(walk.record());
         if (!CZelAtom::RAIsNull(value) && (set.placeOf(*value) >= 0) != negated)
             result.RBAdd(static_cast<void *>(walk.handle()));
     }

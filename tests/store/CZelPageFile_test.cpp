@@ -136,3 +136,45 @@ TEST_F(PageFile, WrongPositionsAreReportedAndChangeNothing) {
     EXPECT_EQ(text, read(m_file, start));
     EXPECT_EQ(2, m_file.counts().m_used);
 }
+
+// Pages that are read ahead in a walk, while records in front of it and behind it are replaced and released.
+TEST_F(PageFile, AWalkSeesWhatHasBeenWrittenSinceItBegan) {
+    TestRandom random;
+    reopen(m_file, m_path);
+    const auto someText = [&random](int step) {
+        return std::string(1 + random.below(random.below(8) == 0 ? 3000 : 460), static_cast<char>('a' + step % 26));
+    };
+    Records written;
+    for (int i = 0; i < 2000; ++i) {
+        const std::string text = someText(i);
+        written[add(m_file, text)] = text;
+    }
+    long position = 0;
+    for (int step = 0; step < 6000; ++step) {
+        auto next = written.lower_bound(position);
+        if (next == written.end())
+            next = written.begin();
+        ASSERT_EQ(next->second, read(m_file, next->first));
+        position = next->first + 1;
+        if (random.below(3) != 0)
+            continue;
+        auto changed = written.lower_bound(position + 512 * static_cast<long>(random.below(20)));
+        if (changed == written.end())
+            continue;
+        if (random.below(2) == 0) {
+            const std::string text = someText(step);
+            long start = 0;
+            ASSERT_EQ(1, write(m_file, text, changed->first, &start));
+            written.erase(changed);
+            written[start] = text;
+        } else if (written.size() > 1500) {
+            ASSERT_EQ(1, m_file.release(changed->first));
+            written.erase(changed);
+        } else {
+            const std::string text = someText(step);
+            written[add(m_file, text)] = text;
+        }
+    }
+    m_file.close();
+    EXPECT_EQ(written, reopen(m_file, m_path));
+}

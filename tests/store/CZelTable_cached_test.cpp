@@ -4,6 +4,7 @@
 #include "tests/port/FailingFiles.h"
 #include "tests/store/TableTest.h"
 #include "tests/support/CacheHome.h"
+#include "tests/support/TestRandom.h"
 
 namespace {
 
@@ -96,6 +97,61 @@ TEST_P(CachedTableTest, CreatedIndexesAndNestedValuesFollowTheRows) {
     m_table->RTDropIndex(&drop);
     EXPECT_EQ(19U, select(both(where("g", 2), negated(where("s", "none")))).size());
     EXPECT_EQ(9U, select(both(where("s", "short"), leaf(col("w"), E_ROGreater, val(1L)))).size() - 1U);
+}
+
+// A walk tests rows in the file by what it picks out of their encodings; the model has the decoded records.
+TEST_P(CachedTableTest, AConditionFindsInTheFileWhatItFindsInRecords) {
+    open({column("k", E_RDTInt, KEY), column("i", E_RDTInt), column("f", E_RDTFloat), column("s", E_RDTText),
+          column("l", E_RDTList)},
+         GetParam());
+    TestRandom random;
+    const auto below = [&random](unsigned limit) { return static_cast<int>(random.below(limit)); };
+    const auto textFrom = [&below] { return std::string(below(2) == 0 ? 1 : 20, "ab"[below(2)]) + "ba"[below(2)]; };
+    const auto value = [&](int kind) {
+        switch (kind) {
+            case 0:
+                return CZelAtom(below(6));
+            case 1:
+                return CZelAtom(static_cast<float>(below(12)) / 2);
+            case 2:
+                return CZelAtom(textFrom().c_str());
+            case 3:
+                return list({below(6), textFrom().c_str()});
+            default:
+                return CZelAtom();
+        }
+    };
+    const char *const names[] = {"i", "f", "s", "l", "k", "none"};
+    for (int k = 0; k < 60; ++k) {
+        auto *row = new CZelRecord;
+        row->RRAddOrSetValue("k", k);
+        for (int kind = 0; kind < 4; ++kind) {
+            auto *cell = new CZelAtom(value(kind));
+            if (below(4) != 0)
+                row->RRAddValue(names[kind], &cell);
+            delete cell;
+        }
+        ASSERT_EQ(1, m_table->RTAddRow(row, E_RBFalse));
+    }
+    const CZelBagGuard<CZelRecord> records(m_table->RTReturnRows(nullptr));
+    const char *const patterns[] = {"%a", "b%", "%ab%", "a_", "%a%b"};
+    constexpr EZelOper OPERATORS[] = {E_ROEqual,        E_RONotEqual, E_ROLess,    E_ROLessEqual, E_ROGreater,
+                                      E_ROGreaterEqual, E_ROLike,     E_RONotLike, E_ROIsNull,    E_ROIsNotNull};
+    for (int step = 0; step < 600; ++step) {
+        const EZelOper op = OPERATORS[below(10)];
+        const char *const name = names[below(6)];
+        const CZelAtom other = op == E_ROLike || op == E_RONotLike ? CZelAtom(patterns[below(5)]) : value(below(5));
+        std::unique_ptr<CZelFilter> filter(leaf(col(name), op, val(other)));
+        CZelBoolean &boolean = *filter->RFKernel();
+        Texts expected;
+        for (CZelRecord *row : contents<CZelRecord>(records.get()))
+            if (m_table->RTEvalRecTest(boolean.RBLeft()->REEntityVal(), E_RBFalse, boolean.RBRight()->REHeadAtomVal(),
+                                       &boolean, row) == E_RBTrue)
+                expected.push_back(text(*row));
+        const std::unique_ptr<CZelBag> counted(m_table->RTEvalFilter(filter.get()));
+        ASSERT_EQ(expected, select(filter.release())) << "step " << step << ", column " << name << ", operator " << op;
+        ASSERT_EQ(static_cast<int>(expected.size()), counted->RBLength());
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, CachedTableTest, testing::ValuesIn(CACHE_KINDS), kindName);

@@ -11,22 +11,21 @@
 #pragma once
 
 #include "foundations/base/CZelListable.h"
+#include "foundations/base/CZelPageView.h"
 #include "foundations/base/ZelEnums.h"
 #include "foundations/port/ZelExport.h"
 
 class QUINTOR_API CZelROMPWrapper : public CZelListable {
 public:
-    static constexpr int PAGE_BYTES = 512;
-    static constexpr int HEADER_BYTES = 44;
+    static constexpr int PAGE_BYTES = CZelPageView::PAGE_BYTES;
+    static constexpr int HEADER_BYTES = CZelPageView::HEADER_BYTES;
     static constexpr int SLICE_BYTES = PAGE_BYTES - HEADER_BYTES;
-    static constexpr long LAST_PAGE = 2147483647;  // the next position of the last page of a chain
+    static constexpr long LAST_PAGE = CZelPageView::LAST_PAGE;
 
-    // What a page can be found to be.
-    enum Condition {
-        EMPTY,    // belongs to no record; a page of zeros too
-        SOUND,    // checksum, lengths and links make sense
-        DAMAGED,  // anything else: its fields say nothing
-    };
+    using Condition = CZelPageView::Condition;
+    static constexpr Condition EMPTY = CZelPageView::EMPTY;
+    static constexpr Condition SOUND = CZelPageView::SOUND;
+    static constexpr Condition DAMAGED = CZelPageView::DAMAGED;
 
     // Wraps as much of the encoding from `offset` on as fits; the bytes are copied.
     CZelROMPWrapper(const unsigned char *encoding, int totalLength, int offset);
@@ -37,30 +36,32 @@ public:
 
     void RRWSetIsFirstPkt(__boolean first);
     __boolean RRWGetIsFirstPkt() const;
-    int RRWGetDataLen() const;                    // bytes of the encoding in this page
-    int RRWGetTotalLen() const;                   // bytes of the whole encoding
-    const unsigned char *RRWGetROMPData() const;  // the slice
-    long RRWGetNextPkt() const;                   // position of the next page
+    int RRWGetDataLen() const { return view().dataLength(); }               // bytes of the encoding in this page
+    int RRWGetTotalLen() const { return view().totalLength(); }             // bytes of the whole encoding
+    const unsigned char *RRWGetROMPData() const { return view().slice(); }  // the slice
+    long RRWGetNextPkt() const { return view().next(); }                    // position of the next page
     long RRWGetNextPktMax() const { return LAST_PAGE; }
     void RRWSetNextPkt(long position);
     void RRWEmptyPacket();
     __boolean RRWIsPacketEmpty() const { return ZelBool(m_condition == EMPTY); }
 
-    long RRWGetPosition() const;  // of this page
+    long RRWGetPosition() const { return view().position(); }  // of this page
     void RRWSetPosition(long position);
     bool RRWIsSoundAt(long position) const { return m_condition == SOUND && RRWGetPosition() == position; }
 
-    unsigned long long RRWGetStamp() const;  // all pages of a chain share it
+    unsigned long long RRWGetStamp() const { return view().stamp(); }  // all pages of a chain share it
     void RRWSetStamp(unsigned long long stamp);
-    long RRWGetReplaced() const;  // first position of the chain that this one replaces, or -1
-    unsigned long long RRWGetReplacedStamp() const;
+    long RRWGetReplaced() const {
+        return view().replaced();
+    }  // first position of the chain that this one replaces, or -1
+    unsigned long long RRWGetReplacedStamp() const { return view().replacedStamp(); }
     void RRWSetReplaced(long position, unsigned long long stamp);
 
     // The whole page, its checksum brought up to date.
     const unsigned char *RRWGetData();
 
 private:
-    Condition examine() const;
+    CZelPageView view() const { return CZelPageView(m_page); }
 
     unsigned char m_page[PAGE_BYTES];
     Condition m_condition;

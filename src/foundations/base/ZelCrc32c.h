@@ -9,6 +9,9 @@
 // Uses the processor's instruction where it has one.
 QUINTOR_API std::uint32_t ZelCrc32c(const void *bytes, std::size_t length);
 
+// The checksum of a longer run, of which these bytes follow those that gave `former`; 0 is that of no bytes.
+QUINTOR_API std::uint32_t ZelCrc32cBehind(std::uint32_t former, const void *bytes, std::size_t length);
+
 // The same by tables alone, eight bytes at a time (Kounavis and Berry, "Novel Table Lookup-Based Algorithms for
 // High-Performance CRC Generation", 2008).
 QUINTOR_API std::uint32_t ZelCrc32cByTable(const void *bytes, std::size_t length);

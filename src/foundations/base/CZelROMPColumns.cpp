@@ -1,0 +1,87 @@
+#include "foundations/base/CZelROMPColumns.h"
+
+#include <bit>
+#include <cstring>
+
+#include "foundations/base/CZelROMPer_format.h"
+
+namespace {
+
+constexpr std::size_t LENGTH_SIZE = sizeof(std::uint32_t);
+
+bool takeText(const unsigned char *place, std::size_t length, CZelAtom &value) {
+    if (length < LENGTH_SIZE || RompLoad<std::uint32_t>(place) != length - LENGTH_SIZE ||
+        std::memchr(place + LENGTH_SIZE, 0, length - LENGTH_SIZE) != nullptr)
+        return false;
+    value = CZelAtom(reinterpret_cast<const char *>(place + LENGTH_SIZE), length - LENGTH_SIZE);
+    return true;
+}
+
+}  // namespace
+
+void CZelROMPColumns::add(const CZelAtom &name) {
+    m_columns.push_back({name.RATextView(), CZelAtom(), false});
+}
+
+bool CZelROMPColumns::pick(const unsigned char *packet, int length) {
+    for (Column &column : m_columns) {
+        column.m_isFound = false;
+        column.m_value.RASet();
+    }
+    m_missing = m_columns.size();
+    const unsigned char *const end = packet + length;
+    while (packet != end && m_missing > 0) {
+        std::uint32_t size = 0, check = 0;
+        const auto left = static_cast<std::size_t>(end - packet);
+        if (left < ROMP_HEAD_SIZE || !RompLoadHead(packet, &size, &check) || size > left - ROMP_HEAD_SIZE)
+            return false;
+        packet += ROMP_HEAD_SIZE;
+        if (size != 0 && !takeBody(packet, size))
+            return false;
+        packet += size;
+    }
+    return true;
+}
+
+bool CZelROMPColumns::takeBody(const unsigned char *body, std::size_t length) {
+    if (length < LENGTH_SIZE)
+        return false;
+    const std::size_t nameLength = RompLoad<std::uint32_t>(body);
+    const auto *name = reinterpret_cast<const char *>(body + LENGTH_SIZE);
+    if (nameLength >= length - LENGTH_SIZE)
+        return false;
+    for (Column &column : m_columns) {
+        if (column.m_name.size() != nameLength || column.m_isFound ||
+            std::memcmp(name, column.m_name.data(), nameLength) != 0)
+            continue;
+        column.m_isFound = true;
+        --m_missing;
+        const std::size_t before = LENGTH_SIZE + nameLength;
+        return takeValue(body + before, length - before, column.m_value);
+    }
+    return true;
+}
+
+// A type and what belongs to it. The value is undefined before.
+bool CZelROMPColumns::takeValue(const unsigned char *place, std::size_t length, CZelAtom &value) {
+    const unsigned char type = *place++;
+    --length;
+    switch (type) {
+        case E_RDTInt:
+            value = CZelAtom(static_cast<int>(length == 4 ? RompLoad<std::uint32_t>(place) : 0));
+            return length == 4;
+        case E_RDTFloat:
+            value = CZelAtom(std::bit_cast<float>(length == 4 ? RompLoad<std::uint32_t>(place) : 0U));
+            return length == 4;
+        case E_RDTLong:
+            value = CZelAtom(static_cast<long>(length == 8 ? RompLoad<std::uint64_t>(place) : 0));
+            return length == 8;
+        case E_RDTLong64:
+            value = CZelAtom(static_cast<long long>(length == 8 ? RompLoad<std::uint64_t>(place) : 0));
+            return length == 8;
+        case E_RDTText:
+            return takeText(place, length, value);
+        default:
+            return (type == ROMP_NO_VALUE || type == E_RDTUndefined) && length == 0;
+    }
+}

@@ -1,0 +1,41 @@
+// Picks the values of some columns out of packed records without decoding the rest.
+//
+// Reads one packet at a time: its values are good until the next one. The names outlive it.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+#include "foundations/base/CZelAtom.h"
+#include "foundations/port/ZelExport.h"
+
+class QUINTOR_API CZelROMPColumns {
+public:
+    void add(const CZelAtom &name);  // of text; gets the next number from 0 on
+    bool isEmpty() const { return m_columns.empty(); }
+
+    // False: the packet is damaged, or a value among those looked for is a list, an object or data. Whoever wants it
+    // then decodes the record. The checks of the bodies are left alone: the bytes are known to be as they were written.
+    bool pick(const unsigned char *packet, int length);
+
+    bool isThere(std::size_t column) const { return m_columns[column].m_isFound; }
+    // Null where the column is not there or has no value. Of two columns of one name it is the first one's.
+    const CZelAtom *value(std::size_t column) const {
+        const CZelAtom &value = m_columns[column].m_value;
+        return value.RAIsUndefined() ? nullptr : &value;
+    }
+
+private:
+    struct Column {
+        std::string_view m_name;
+        CZelAtom m_value;
+        bool m_isFound = false;
+    };
+
+    bool takeBody(const unsigned char *body, std::size_t length);
+    static bool takeValue(const unsigned char *place, std::size_t length, CZelAtom &value);
+
+    std::vector<Column> m_columns;
+    std::size_t m_missing = 0;  // not found yet
+};
