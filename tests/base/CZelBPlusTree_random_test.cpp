@@ -94,6 +94,19 @@ protected:
         ASSERT_TRUE(node->RBTNHolds(objects.back()));
         ASSERT_FALSE(node->RBTNHolds(this));
     }
+    // Many at once, some of them absent, null or twice the same: each as by itself.
+    void compareNodes(TreeKeys &keys, std::size_t count) {
+        std::vector<CZelAtom> wanted;
+        for (std::size_t i = 0; i < count; ++i)
+            wanted.push_back(i % 7 == 3 ? wanted.back() : keys.key());
+        std::vector<const CZelAtom *> pointers;
+        for (std::size_t i = 0; i < count; ++i)
+            pointers.push_back(i % 11 == 5 ? nullptr : &wanted[i]);
+        std::vector<CZelBTreeNode *> nodes(count, reinterpret_cast<CZelBTreeNode *>(this));
+        m_tree.RBPTGetNodesForKeys(pointers.data(), count, nodes.data());
+        for (std::size_t i = 0; i < count; ++i)
+            ASSERT_EQ(m_tree.RBPTGetNodeForKey(pointers[i]), nodes[i]) << i << " of " << count;
+    }
     void compareKeys() {
         std::unique_ptr<CZelAtomVector> keys(m_tree.RBPTTreeKeysToAtomVector());
         ASSERT_EQ(m_model.size(), keys->RAVSize());
@@ -111,6 +124,8 @@ protected:
                 compareNode(key);
             if (i % 9973 == 0)
                 compareAnswers(keys.key());
+            if (i % 997 == 0)
+                compareNodes(keys, random.oneIn(2) ? random.below(4) : 31 + random.below(35));
         }
         compareKeys();
         removeAll(random);
@@ -124,6 +139,8 @@ protected:
             ASSERT_EQ(removeFromModel(key, object), m_tree.RBPTLiteralDeleteObjectInTree(&key, object));
         }
         ASSERT_EQ(E_RBTrue, m_tree.RBPTIsEmpty());
+        TreeKeys keys(random, 3);
+        compareNodes(keys, 40);
     }
 
     static constexpr unsigned OBJECTS = 5000;

@@ -1,5 +1,7 @@
 #include "foundations/base/CZelBPlusTree.h"
 
+#include <algorithm>
+
 #include "foundations/base/CZelAtomVector.h"
 #include "foundations/base/CZelKeyTree_nodes.h"
 #include "foundations/port/ZelCodes.h"
@@ -37,6 +39,16 @@ int CZelBPlusTree::RBPTLiteralDeleteObjectInTree(const CZelAtom *key, void *obje
 
 CZelBTreeNode *CZelBPlusTree::RBPTGetNodeForKey(const CZelAtom *key) const {
     return m_tree.RKTFind(keyOrNull(key));
+}
+
+void CZelBPlusTree::RBPTGetNodesForKeys(const CZelAtom *const *keys, std::size_t count, CZelBTreeNode **entries) const {
+    constexpr std::size_t PART = 32;
+    const CZelAtom *part[PART];
+    for (std::size_t from = 0; from < count; from += PART) {
+        const std::size_t length = std::min(PART, count - from);
+        std::transform(keys + from, keys + from + length, part, [](const CZelAtom *key) { return &keyOrNull(key); });
+        m_tree.RKTFindMany(part, length, entries + from);
+    }
 }
 
 void *CZelBPlusTree::RBPTFindSingle(const CZelAtom *key) const {

@@ -13,10 +13,16 @@ unsigned int countBefore(const Item *items, unsigned int count, Before before) {
     const Item *from = items;
     while (count > 0) {
         unsigned int half = (count + 1) / 2;
-        from += before(from[half - 1]) ? half : 0;
+        from += half & (0U - static_cast<unsigned int>(before(from[half - 1])));
         count -= half;
     }
     return static_cast<unsigned int>(from - items);
+}
+
+std::uint64_t loadLittleEndian(const std::uint8_t *bytes) {
+    std::uint64_t word;
+    std::memcpy(&word, bytes, sizeof(word));
+    return std::endian::native == std::endian::little ? word : __builtin_bswap64(word);
 }
 
 // The types in their order, all numbers as one.
@@ -85,25 +91,31 @@ bool CZelKeyTree::find(const Wanted &wanted, Way &way) const {
     return way.indexes[m_depth] < leaf->count;
 }
 
-// Eight prints at a time: a word has a zero byte where one of them is the key's. Where there is none, the trick
-// with the borrow sees none; see "Hacker's Delight" (Warren), chapter 6.
 unsigned int CZelKeyTree::placeOf(const Node *leaf, const Wanted &wanted) {
+    return placeOf(leaf, wanted, printOf(wanted.key()), 0);
+}
+
+unsigned int CZelKeyTree::placeOf(const Node *leaf, const Wanted &wanted, std::uint8_t print, unsigned int from) {
+    unsigned int index = placeOfPrint(leaf, print, from);
+    for (; index < leaf->count; index = placeOfPrint(leaf, print, index + 1)) {
+        leaf->items()[index].entry.RBTNPrefetch();
+        if (wanted.isEqual(leaf->items()[index].key))
+            break;
+    }
+    return index;
+}
+
+// Eight prints at a time: a word has a zero byte where one of them is the key's. Above the lowest zero byte the trick
+// with the borrow may see one that is none; see "Hacker's Delight" (Warren), chapter 6.
+unsigned int CZelKeyTree::placeOfPrint(const Node *leaf, std::uint8_t print, unsigned int from) {
     constexpr std::uint64_t ONES = 0x0101010101010101U;
     constexpr std::uint64_t HIGHS = 0x8080808080808080U;
-    const Node::Print print = printOf(wanted.key());
-    for (unsigned int base = 0; base < leaf->count; base += Node::PRINTS_AT_ONCE) {
-        std::uint64_t word;
-        std::memcpy(&word, leaf->prints() + base, sizeof word);
-        word ^= ONES * print;
-        if (((word - ONES) & ~word & HIGHS) == 0)
-            continue;
-        const unsigned int end = std::min<unsigned int>(base + Node::PRINTS_AT_ONCE, leaf->count);
-        for (unsigned int i = base; i < end; ++i) {
-            if (leaf->prints()[i] != print)
-                continue;
-            leaf->items()[i].entry.RBTNPrefetch();
-            if (wanted.isEqual(leaf->items()[i].key))
-                return i;
+    for (unsigned int base = from - from % Node::PRINTS_AT_ONCE; base < leaf->count; base += Node::PRINTS_AT_ONCE) {
+        const std::uint64_t word = loadLittleEndian(leaf->prints() + base) ^ ONES * print;
+        for (std::uint64_t zeros = (word - ONES) & ~word & HIGHS; zeros != 0; zeros &= zeros - 1) {
+            const unsigned int index = base + static_cast<unsigned int>(std::countr_zero(zeros)) / 8;
+            if (index >= from && index < leaf->count && leaf->prints()[index] == print) [[likely]]
+                return index;
         }
     }
     return leaf->count;

@@ -49,6 +49,10 @@ public:
     // The entry of a key, or null.
     CZelBTreeNode *RKTFind(const CZelAtom &key) const;
 
+    // The same for many keys at once, in less time: their descents go side by side, so that one need not wait for
+    // the memory of another.
+    void RKTFindMany(const CZelAtom *const *keys, std::size_t count, CZelBTreeNode **entries) const;
+
     Place RKTFirst() const;
     static Place RKTEnd() { return {nullptr, 0}; }
     Place RKTFrom(const CZelAtom &key) const;    // the first entry whose key is not less
@@ -76,13 +80,17 @@ private:
     struct Way;
     union Loose;
     class Wanted;
+    class Crowd;
 
     // Looking up.
     bool descend(const Wanted &wanted, Way &way) const;  // to the key's place; is it there?
     bool find(const Wanted &wanted, Way &way) const;     // to the key, if it is there
     const Node *leafFor(const Wanted &wanted, Way &way) const;
     static bool placeIn(const Node *leaf, const Wanted &wanted, unsigned int *index);
-    static unsigned int placeOf(const Node *leaf, const Wanted &wanted);  // the count when it is not there
+    // In a leaf, from an index on; the count when it is not there.
+    static unsigned int placeOf(const Node *leaf, const Wanted &wanted);
+    static unsigned int placeOf(const Node *leaf, const Wanted &wanted, std::uint8_t print, unsigned int from);
+    static unsigned int placeOfPrint(const Node *leaf, std::uint8_t print, unsigned int from);
     static unsigned int branchFor(const Node *node, const Wanted &wanted);
     static std::uint8_t printOf(const CZelAtom &key);
     static std::uint64_t headOf(const CZelAtom &key);
