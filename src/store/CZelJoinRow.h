@@ -54,6 +54,19 @@ public:
     }
     int chosen() const { return m_chosen; }  // how many places have a record
 
+    // The records of all places, null where none is chosen.
+    void save(CZelRecord **records) const {
+        for (const Place &place : m_tables)
+            *records++ = place.m_record;
+    }
+    void load(CZelRecord *const *records) {
+        m_chosen = 0;
+        for (Place &place : m_tables) {
+            place.m_record = *records++;
+            m_chosen += place.m_record != nullptr ? 1 : 0;
+        }
+    }
+
 private:
     struct Place {
         const CZelAtom *m_identifier;

@@ -14,11 +14,6 @@ namespace {
 
 constexpr std::size_t FEW = 16;  // so many rows are tested one by one sooner than a tree is made
 
-// A tree compares such values as the language does.
-bool isKey(const CZelAtom *value) {
-    return CZelAtom::RAIsNull(value) || value->RAIsNumber() || value->RAType() == E_RDTText;
-}
-
 // Visits the objects of a tree's entry.
 template <class Visitor>
 void visitObjects(const CZelBTreeNode &entry, Visitor visit) {
@@ -39,21 +34,7 @@ void visitList(const CZelDoubleList *rows, Visitor visit) {
 
 }  // namespace
 
-void CZelJoinWalk::run(CZelBag &out) {
-    m_out = &out;
-    descend(0);
-}
-
-std::size_t CZelJoinWalk::count() {
-    descend(0);
-    return m_found;
-}
-
-void CZelJoinWalk::descend(int index) {
-    if (index == static_cast<int>(m_levels.size())) {
-        take();
-        return;
-    }
+void CZelJoinWalk::enter(int index) {
     if (!visit(index) && passes(m_levels[static_cast<std::size_t>(index)].m_decided))
         descend(index + 1);
 }
@@ -115,7 +96,7 @@ bool CZelJoinWalk::visitPlanned(int index) {
     Level &level = m_levels[static_cast<std::size_t>(index)];
     ++level.m_visits;
     if (level.m_lookup.m_term != nullptr)
-        return visitEntry(index, *level.m_lookup.m_tree, level.m_lookup.m_key->value(m_row), &level.m_own);
+        return visitEntry(index, entryFor(level, *level.m_lookup.m_tree, level.m_lookup), &level.m_own);
     bool found = false;
     if (level.m_own.empty() && level.m_wanted.m_term == nullptr) {
         visitList(level.m_table->m_rows, [&](CZelRecord *row) { found |= visitPossible(index, row, nullptr); });
@@ -124,16 +105,18 @@ bool CZelJoinWalk::visitPlanned(int index) {
     collectCandidates(level);
     if (isWorthATree(level))
         makeTree(level);
-    const CZelAtom *key = level.m_made != nullptr ? level.m_wanted.m_key->value(m_row) : nullptr;
-    if (level.m_made != nullptr && isKey(key))
-        return visitEntry(index, *level.m_made, key, nullptr);
+    if (level.m_made != nullptr && isTreeKey(level.m_wanted.m_key->value(m_row)))
+        return visitEntry(index, entryFor(level, *level.m_made, level.m_wanted), nullptr);
     for (CZelRecord *row : level.m_candidates)
         found |= visitPossible(index, row, nullptr);
     return found;
 }
 
-bool CZelJoinWalk::visitEntry(int index, const CZelBPlusTree &tree, const CZelAtom *key, const Terms *own) {
-    const CZelBTreeNode *entry = tree.RBPTGetNodeForKey(key);
+const CZelBTreeNode *CZelJoinWalk::entryFor(const Level &level, const CZelBPlusTree &tree, const Lookup &lookup) const {
+    return level.m_isLookedUp ? level.m_entries[level.m_current] : tree.RBPTGetNodeForKey(lookup.m_key->value(m_row));
+}
+
+bool CZelJoinWalk::visitEntry(int index, const CZelBTreeNode *entry, const Terms *own) {
     bool found = false;
     if (entry != nullptr)
         visitObjects(*entry, [&](CZelRecord *row) { found |= visitPossible(index, row, own); });
@@ -197,7 +180,7 @@ void CZelJoinWalk::makeTree(Level &level) {
     auto tree = std::make_unique<CZelBPlusTree>(true);
     for (CZelRecord *row : level.m_candidates) {
         const CZelAtom *value = level.m_wanted.m_column->m_reader.value(*row);
-        if (!isKey(value)) {
+        if (!isTreeKey(value)) {
             level.m_wanted.m_term = nullptr;
             return;
         }
@@ -206,23 +189,7 @@ void CZelJoinWalk::makeTree(Level &level) {
     level.m_made = std::move(tree);
 }
 
-void CZelJoinWalk::take() {
-    if (m_row.chosen() == 0)
-        return;
-    ++m_found;
-    if (m_out != nullptr)
-        takeTuple();
-}
-
-void CZelJoinWalk::takeTuple() {
-    m_entries.clear();
-    for (const int place : m_order) {
-        if (CZelRecord *record = m_row.record(place))
-            m_entries.push_back({m_row.identifier(place), record});
-    }
-    auto *tuple = new CZelTuple(m_entries.data(), m_entries.size());
-    m_out->RBAdd(static_cast<void *>(tuple));
-    m_driver.m_garbage->RBAdd(static_cast<void *>(tuple));
-    if (m_copies.RTLLength() > 0)
-        tuple->RTEliminateRecordsFromList(&m_copies);
+// A tree compares such values as the language does.
+bool CZelJoinWalk::isTreeKey(const CZelAtom *value) {
+    return CZelAtom::RAIsNull(value) || value->RAIsNumber() || value->RAType() == E_RDTText;
 }

@@ -7,6 +7,9 @@
 // A table without a possible row does not end a branch: the walk goes on without a record of it, and its columns have
 // no value.
 //
+// Rows that have come as far as a table wait for each other, and go on together, in their order: then their keys are
+// looked up at once. Where a table has to answer for itself each row goes on alone, to its end.
+//
 // Lives for the time of one query, under the store lock; the rows of cached tables are copies, see `copies`.
 #pragma once
 
@@ -15,13 +18,16 @@
 #include <vector>
 
 #include "store/CZelBoundFilter.h"
+#include "store/CZelJoinBlock.h"
 #include "store/CZelJoinCondition.h"
 #include "store/CZelJoinRow.h"
 #include "store/CZelTuple.h"
 
 class CZelBPlusTree;
+class CZelBTreeNode;
 class CZelBag;
 class CZelDoubleList;
+class CZelJoinTaker;
 class CZelPointer;
 class CZelRecord;
 class CZelTable;
@@ -30,17 +36,18 @@ class CZelTreeList;
 class CZelJoinWalk {
 public:
     static constexpr int MOST_TABLES = 16;
+    static constexpr std::size_t TOGETHER = 64;
 
     // Over `tables` (CZelPointer to CZelTable) behind `position`, or all; `tuple` holds what was joined before, or is
-    // null. `copies` takes the rows of cached tables by address, null for those that come into the result.
+    // null. `copies` takes the rows of cached tables by address. `together`: so many rows may wait for each other.
     CZelJoinWalk(CZelTable &driver, CZelFilter *filter, CZelDoubleList &tables, CZelPointer *position,
-                 const CZelTuple *tuple, CZelTreeList &copies);
+                 const CZelTuple *tuple, CZelTreeList &copies, std::size_t together = TOGETHER);
     CZelJoinWalk(const CZelJoinWalk &) = delete;
     CZelJoinWalk &operator=(const CZelJoinWalk &) = delete;
     ~CZelJoinWalk();
 
-    void run(CZelBag &out);  // tuples, which go into the driver's garbage bag too
-    std::size_t count();     // their number alone
+    void run(CZelJoinTaker &taker);
+    std::size_t count();  // the number of rows alone
 
 private:
     using Terms = std::vector<const CZelJoinCondition::Term *>;
@@ -70,6 +77,14 @@ private:
         std::vector<CZelRecord *> m_candidates;    // the rows that pass m_own
         std::unique_ptr<CZelBPlusTree> m_made;     // of the candidates, for m_wanted
         std::unique_ptr<CZelBoundFilter> m_bound;  // made when first needed
+
+        // Of the rows that go on together: their keys, what the tree has of them, and which row is at work.
+        std::vector<const CZelAtom *> m_keys;
+        std::vector<CZelBTreeNode *> m_entries;
+        bool m_isLookedUp = false;
+        std::size_t m_current = 0;
+
+        bool testsRows() const { return !m_own.empty() || !m_narrowing.empty() || !m_refusing.empty(); }
     };
 
     // Making ready.
@@ -82,15 +97,27 @@ private:
     void chooseLookups(Level &level);
     Lookup lookupOf(const Level &level, const CZelJoinCondition::Term &term) const;
     static const CZelBPlusTree *treeOf(const Level &level, const CZelJoinTest::Side &column);
+    void makeBlocks(std::size_t together);
 
-    // One step down. The visits tell whether there was a possible row.
+    // The row in progress goes on to a level, at once or with others.
+    void walk();
     void descend(int index);
+    void advance(int index);
+    void lookUp(Level &level, const CZelJoinBlock &block);
+    void readKeys(Level &level, const CZelJoinBlock &block) const;
+    static void askForRows(const Level &level);
+    void take(const CZelJoinBlock &block);
+    void addTuple(CZelRecord *const *records);
+
+    // The rows of one level for the row in progress. The visits tell whether there was a possible one.
+    void enter(int index);
     bool visit(int index);
     bool visitAll(int index);
     bool visitPlanned(int index);
     bool visitAnswered(int index);
     bool visitRows(int index, CZelBag *rows);
-    bool visitEntry(int index, const CZelBPlusTree &tree, const CZelAtom *key, const Terms *own);
+    const CZelBTreeNode *entryFor(const Level &level, const CZelBPlusTree &tree, const Lookup &lookup) const;
+    bool visitEntry(int index, const CZelBTreeNode *entry, const Terms *own);
     bool visitPossible(int index, CZelRecord *row, const Terms *own);
     void visitChosen(int index, CZelRecord *row, const Terms &terms);
     bool passes(const Terms &terms) const;
@@ -98,19 +125,18 @@ private:
     void collectCandidate(Level &level, CZelRecord *row);
     bool isWorthATree(Level &level) const;
     void makeTree(Level &level);
+    static bool isTreeKey(const CZelAtom *value);
 
-    void take();
-    void takeTuple();
-
-    CZelTable &m_driver;
     CZelTreeList &m_copies;
-    CZelBag *m_out = nullptr;  // null: only counts
+    CZelJoinTaker *m_taker = nullptr;  // null: only counts
     std::size_t m_found = 0;
     CZelJoinRow m_row;
     std::vector<Level> m_levels;
-    int m_brought = 0;         // places that have a record from the beginning
-    bool m_isDistinct = true;  // no table stands twice
+    std::vector<CZelJoinBlock> m_blocks;  // in front of each level, and behind the last
+    int m_brought = 0;                    // places that have a record from the beginning
+    bool m_isDistinct = true;             // no table stands twice
     std::unique_ptr<CZelJoinCondition> m_condition;
     std::vector<int> m_order;               // places in the order of identifiers
     std::vector<SZelTupleEntry> m_entries;  // of the tuple in the making
+    std::vector<CZelTuple> m_tuples;        // of the rows that are taken together
 };

@@ -13,8 +13,8 @@
 #include "store/CZelTable.h"
 
 CZelJoinWalk::CZelJoinWalk(CZelTable &driver, CZelFilter *filter, CZelDoubleList &tables, CZelPointer *position,
-                           const CZelTuple *tuple, CZelTreeList &copies)
-    : m_driver(driver), m_copies(copies) {
+                           const CZelTuple *tuple, CZelTreeList &copies, std::size_t together)
+    : m_copies(copies) {
     if (tuple != nullptr)
         bring(*tuple);
     addLevels(tables, position);
@@ -23,6 +23,7 @@ CZelJoinWalk::CZelJoinWalk(CZelTable &driver, CZelFilter *filter, CZelDoubleList
     m_condition = std::make_unique<CZelJoinCondition>(filter, m_row, levels, driver);
     for (int i = 0; i < levels; ++i)
         planLevel(i);
+    makeBlocks(together);
 }
 
 CZelJoinWalk::~CZelJoinWalk() = default;
@@ -122,4 +123,16 @@ const CZelBPlusTree *CZelJoinWalk::treeOf(const Level &level, const CZelJoinTest
     const auto *definition = static_cast<const CZelColDef *>(table.m_indexedColumns->RTLData(column.m_reader.name()));
     const bool isIndexed = definition != nullptr && definition->RCDIndexable();
     return isIndexed ? table.m_objectStore->ROSTree(*column.m_reader.name()) : nullptr;
+}
+
+// The rows of the first level are those of the table; each further level has to be planned, or its table is asked in
+// the course of the walk.
+void CZelJoinWalk::makeBlocks(std::size_t together) {
+    const std::size_t asked = m_brought == 0 ? 1 : 0;
+    const bool isPlanned = std::all_of(m_levels.begin() + static_cast<std::ptrdiff_t>(std::min(asked, m_levels.size())),
+                                       m_levels.end(), [](const Level &level) { return level.m_isPlanned; });
+    const bool isCached = std::any_of(m_levels.begin(), m_levels.end(),
+                                      [](const Level &level) { return level.m_table->RTIsCacheUsed() == E_RBTrue; });
+    const std::size_t capacity = isPlanned && !isCached && m_isDistinct ? together : 1;
+    m_blocks.assign(m_levels.size() + 1, CZelJoinBlock(m_row.length(), capacity));
 }

@@ -25,6 +25,7 @@ class CZelDropObject;
 class CZelFilter;
 class CZelIndex;
 class CZelInsert;
+class CZelJoinTaker;
 class CZelQryInsert;
 class CZelQuery;
 class CZelRecord;
@@ -136,6 +137,9 @@ private:
     bool isJoinCached(const CZelQuery *query) const;       // has one of the sources a cache?
     template <class Form>
     CZelBag *joinedResult(CZelQuery *query, EZelStoreErrorStatus *status, __boolean storeKeepsROMP, Form form);
+    // The rows of a join, in front of `taker`; false when a table is missing.
+    bool joinRows(CZelQuery *query, EZelStoreErrorStatus *status, CZelJoinTaker &taker);
+    bool joinCopies(CZelQuery *query, EZelStoreErrorStatus *status, __boolean storeKeepsROMP, CZelJoinTaker &taker);
     int countJoined(CZelQuery *query, EZelStoreErrorStatus *status);
     static void insertInto(CZelTable &table, CZelInsert *statement);
     int countRows(CZelQuery *query, EZelStoreErrorStatus *status);

@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <memory>
 #include <mutex>
+#include <optional>
+#include <vector>
 
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelBag.h"
@@ -18,6 +20,7 @@
 #include "oql/CZelExpr.h"
 #include "oql/CZelQuery.h"
 #include "store/CZelDatabase.h"
+#include "store/CZelJoinTaker.h"
 #include "store/CZelStore.h"
 #include "store/CZelStoreGuard.h"
 #include "store/CZelTable.h"
@@ -43,15 +46,26 @@ std::unique_lock<std::mutex> joinLockOf(CZelTable *table) {
     return table != nullptr ? std::unique_lock<std::mutex>(table->RTJoinMutex()) : std::unique_lock<std::mutex>();
 }
 
-// The entities of a selection.
-void appendEntities(const CZelBag *selection, CZelBag &entities) {
-    for (const CZelPointer *node = selection != nullptr ? selection->RBFirst() : nullptr; node != nullptr;
-         node = CZelBag::RBNext(node)) {
-        const auto *item = static_cast<const CZelExpr *>(node->RPData());
-        CZelDbEntity *entity = item != nullptr ? item->REEntityVal() : nullptr;
-        if (entity != nullptr)
-            entities.RBAdd(static_cast<void *>(entity));
-        else
+CZelDbEntity *columnOf(const CZelPointer *selected) {
+    const auto *item = static_cast<const CZelExpr *>(selected->RPData());
+    return item != nullptr ? item->REEntityVal() : nullptr;
+}
+
+const CZelPointer *firstSelected(const CZelQuery &query) {
+    return query.RQSelectStar() != E_RBTrue && query.RQSelection() != nullptr ? query.RQSelection()->RBFirst()
+                                                                              : nullptr;
+}
+
+void appendColumns(const CZelQuery &query, CZelBag &columns) {
+    for (const CZelPointer *node = firstSelected(query); node != nullptr; node = CZelBag::RBNext(node)) {
+        if (CZelDbEntity *column = columnOf(node))
+            columns.RBAdd(static_cast<void *>(column));
+    }
+}
+
+void reportOthers(const CZelQuery &query) {
+    for (const CZelPointer *node = firstSelected(query); node != nullptr; node = CZelBag::RBNext(node)) {
+        if (columnOf(node) == nullptr)
             ZEL_REPORT(E_RCBadArgument, "CZelStore::RSJoinedQuery: a selection that names no column");
     }
 }
@@ -62,21 +76,33 @@ CZelRecord *countRecord(int count) {
     return record;
 }
 
+// Everything that the tuples hold is asked for from the memory.
+void prefetchAll(const std::vector<CZelTuple> &tuples) {
+    for (const CZelTuple &tuple : tuples) {
+        for (std::size_t i = 0; i < tuple.RTLength(); ++i)
+            tuple.RTEntries()[i].m_record->RRVbIterator()->RVBLPrefetch();
+    }
+    for (const CZelTuple &tuple : tuples) {
+        for (std::size_t i = 0; i < tuple.RTLength(); ++i)
+            tuple.RTEntries()[i].m_record->RRVbIterator()->RVBLPrefetchValues();
+    }
+}
+
 // How tuples leave the store: as records.
 struct AsRecord {
     static void *whole(const CZelTuple &tuple) { return tuple.RTRecord(); }
-    static void *selected(const CZelTuple &tuple, const CZelTupleProjection &columns) { return columns.project(tuple); }
+    static void *selected(const CZelTuple &tuple, CZelTupleProjection &columns) { return columns.project(tuple); }
     static void *count(int number) { return countRecord(number); }
 };
 
 // As data atoms.
 struct AsBlock {
-    static void *whole(CZelTuple &tuple) {
+    static void *whole(const CZelTuple &tuple) {
         int length = 0;
-        unsigned char *block = tuple.RRTakeROMP(length);
+        unsigned char *block = CZelTuple(tuple).RRTakeROMP(length);
         return new CZelAtom(block, length);
     }
-    static void *selected(const CZelTuple &tuple, const CZelTupleProjection &columns) {
+    static void *selected(const CZelTuple &tuple, CZelTupleProjection &columns) {
         int length = 0;
         unsigned char *block = columns.encode(tuple, length);
         return new CZelAtom(block, length);
@@ -88,6 +114,31 @@ struct AsBlock {
         record->ROMEncode(&block, &length);
         return new CZelAtom(block, length);
     }
+};
+
+// Makes the rows of a query's result out of tuples.
+template <class Form>
+class Result : public CZelJoinTaker {
+public:
+    Result(const CZelQuery &query, CZelBag &out) : m_isWhole(query.RQSelectStar() == E_RBTrue), m_out(out) {
+        CZelBag columns;
+        appendColumns(query, columns);
+        m_columns.emplace(&columns);
+    }
+
+    void take(const std::vector<CZelTuple> &rows) override {
+        if (m_isWhole)
+            prefetchAll(rows);
+        else
+            m_columns->prefetch(rows);
+        for (const CZelTuple &row : rows)
+            m_out.RBAdd(m_isWhole ? Form::whole(row) : Form::selected(row, *m_columns));
+    }
+
+private:
+    bool m_isWhole;
+    std::optional<CZelTupleProjection> m_columns;
+    CZelBag &m_out;
 };
 
 void say(const char *text, const char *name) {
@@ -218,6 +269,32 @@ void CZelStore::RSPurgeJoinedQuery(CZelQuery *query) {
         first->RTPurgeGarbage();
 }
 
+bool CZelStore::joinRows(CZelQuery *query, EZelStoreErrorStatus *status, CZelJoinTaker &taker) {
+    CZelTable *first = nullptr;
+    const std::unique_ptr<CZelDoubleList> tables(RSRetrieveJoinTables(query, status, &first));
+    if (tables == nullptr || first == nullptr)
+        return false;
+    first->RTJoinInto(query->RQFilter(), tables.get(), taker);
+    return true;
+}
+
+// The rows of cached tables are copies, which tuples hold together until all have been taken.
+bool CZelStore::joinCopies(CZelQuery *query, EZelStoreErrorStatus *status, __boolean storeKeepsROMP,
+                           CZelJoinTaker &taker) {
+    const std::unique_ptr<CZelBag> tuples(RSExecJoinedQuery(query, status, E_RBFalse));
+    if (tuples == nullptr)
+        return false;
+    std::vector<CZelTuple> one;
+    for (const CZelPointer *node = tuples->RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
+        one.clear();
+        one.emplace_back(*static_cast<const CZelTuple *>(node->RPData()));
+        taker.take(one);
+    }
+    if (storeKeepsROMP == E_RBTrue)
+        RSTidyAfterJoinedQryFromCache(tuples.get());
+    return true;
+}
+
 int CZelStore::countJoined(CZelQuery *query, EZelStoreErrorStatus *status) {
     CZelTable *first = nullptr;
     const std::unique_ptr<CZelDoubleList> tables(RSRetrieveJoinTables(query, status, &first));
@@ -237,20 +314,13 @@ CZelBag *CZelStore::joinedResult(CZelQuery *query, EZelStoreErrorStatus *status,
         result->RBAdd(Form::count(countJoined(query, status)));
         return result;
     }
-    const std::unique_ptr<CZelBag> tuples(RSExecJoinedQuery(query, status, E_RBFalse));
-    if (tuples == nullptr)
-        return result;
-    CZelBag entities;
-    if (query->RQSelectStar() != E_RBTrue)
-        appendEntities(query->RQSelection(), entities);
-    const CZelTupleProjection columns(&entities);
-    for (CZelPointer *node = tuples->RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
-        auto &tuple = *static_cast<CZelTuple *>(node->RPData());
-        result->RBAdd(query->RQSelectStar() == E_RBTrue ? Form::whole(tuple) : Form::selected(tuple, columns));
+    Result<Form> rows(*query, *result);
+    const bool isJoined =
+        isJoinCached(query) ? joinCopies(query, status, storeKeepsROMP, rows) : joinRows(query, status, rows);
+    if (isJoined) {
+        reportOthers(*query);
+        RSPurgeJoinedQuery(query);
     }
-    if (storeKeepsROMP == E_RBTrue && isJoinCached(query))
-        RSTidyAfterJoinedQryFromCache(tuples.get());
-    RSPurgeJoinedQuery(query);
     return result;
 }
 

@@ -31,6 +31,7 @@ class CZelDoubleList;
 class CZelDropIndex;
 class CZelExpr;
 class CZelFilter;
+class CZelJoinTaker;
 class CZelIndex;
 class CZelInsert;
 class CZelObjectStore;
@@ -169,7 +170,9 @@ public:
     // Requires: the store lock is held, and no other join that starts here is under way.
     void RTExecJoinedQuery(CZelFilter *filter, CZelBag *out, CZelDoubleList *tables, CZelPointer *position,
                            CZelTuple *tuple);
-    // How many tuples that would give; makes none.
+    // The rows of such a walk from its top, as they come; the tuples of former results are purged.
+    void RTJoinInto(CZelFilter *filter, CZelDoubleList *tables, CZelJoinTaker &taker);
+    // How many rows that would give.
     int RTCountJoinedQuery(CZelFilter *filter, CZelDoubleList *tables);
     // Of the tuples in the scratch bag (or in `input`) those that match; the caller's bag, not its tuples.
     CZelBag *RTReturnJoinedRows(CZelFilter *filter);

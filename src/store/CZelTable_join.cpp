@@ -14,6 +14,7 @@
 #include "store/CZelColumnReader.h"
 #include "store/CZelFilter.h"
 #include "store/CZelFilterNodes.h"
+#include "store/CZelJoinTaker.h"
 #include "store/CZelJoinWalk.h"
 #include "store/CZelTable.h"
 #include "store/CZelTuple.h"
@@ -35,6 +36,27 @@ public:
 
 private:
     CZelTreeList m_tree;
+};
+
+// Makes tuples that stay.
+class Tuples : public CZelJoinTaker {
+public:
+    Tuples(CZelBag &out, CZelBag &garbage, CZelTreeList &copies) : m_out(out), m_garbage(garbage), m_copies(copies) {}
+
+    void take(const std::vector<CZelTuple> &rows) override {
+        for (const CZelTuple &row : rows) {
+            auto *tuple = new CZelTuple(row);
+            m_out.RBAdd(static_cast<void *>(tuple));
+            m_garbage.RBAdd(static_cast<void *>(tuple));
+            if (m_copies.RTLLength() > 0)
+                tuple->RTEliminateRecordsFromList(&m_copies);
+        }
+    }
+
+private:
+    CZelBag &m_out;
+    CZelBag &m_garbage;
+    CZelTreeList &m_copies;
 };
 
 int followers(const CZelDoubleList &tables, const CZelPointer *position) {
@@ -74,8 +96,21 @@ void CZelTable::RTExecJoinedQuery(CZelFilter *filter, CZelBag *out, CZelDoubleLi
     const int count = followers(*tables, position);
     if (count == 0)
         finishTuple(filter, *out, tuple, copies);
-    else if (!isTooLong(count))
-        CZelJoinWalk(*this, filter, *tables, position, tuple, copies).run(*out);
+    else if (!isTooLong(count)) {
+        Tuples tuples(*out, *m_garbage, copies);
+        CZelJoinWalk(*this, filter, *tables, position, tuple, copies).run(tuples);
+    }
+}
+
+void CZelTable::RTJoinInto(CZelFilter *filter, CZelDoubleList *tables, CZelJoinTaker &taker) {
+    if (tables == nullptr || m_garbage == nullptr) {
+        ZEL_REPORT(E_RCBadArgument, "CZelTable::RTExecJoinedQuery: no tables, no result, or a table that is not live");
+        return;
+    }
+    RTPurgeGarbage();
+    Copies copies;
+    if (!isTooLong(followers(*tables, nullptr)))
+        CZelJoinWalk(*this, filter, *tables, nullptr, nullptr, copies.tree()).run(taker);
 }
 
 int CZelTable::RTCountJoinedQuery(CZelFilter *filter, CZelDoubleList *tables) {

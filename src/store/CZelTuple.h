@@ -55,6 +55,7 @@ public:
 
     CZelRecord *RTRecordOf(const CZelAtom *table) const;  // null when the tuple has none
     CZelRecord *RTRecordOf(const char *table) const;
+    const SZelTupleEntry *RTEntryOf(const char *table) const { return find(table); }
 
     // Records by address: key a long atom of the address, entry a CZelPointer to an SZelTupleEntry from malloc.
     void RTScanRecords(CZelTreeList *records) const;

@@ -29,10 +29,39 @@ CZelTupleProjection::CZelTupleProjection(const CZelBag *entities) {
     }
 }
 
+const CZelRecord *CZelTupleProjection::recordOf(const CZelTuple &tuple, Column &column) {
+    const SZelTupleEntry *entries = tuple.RTEntries();
+    if (column.m_index < tuple.RTLength() && entries[column.m_index].m_table == column.m_table)
+        return entries[column.m_index].m_record;
+    const SZelTupleEntry *entry = tuple.RTEntryOf(column.m_entity->RDEIdent());
+    if (entry == nullptr)
+        return nullptr;
+    column.m_table = entry->m_table;
+    column.m_index = static_cast<std::size_t>(entry - entries);
+    return entry->m_record;
+}
+
+void CZelTupleProjection::prefetch(const std::vector<CZelTuple> &tuples) {
+    for (const CZelTuple &tuple : tuples) {
+        for (Column &column : m_columns) {
+            if (const CZelRecord *record = recordOf(tuple, column))
+                record->RRVbIterator()->RVBLPrefetch();
+        }
+    }
+    for (const CZelTuple &tuple : tuples) {
+        for (Column &column : m_columns) {
+            const CZelRecord *record = recordOf(tuple, column);
+            const CZelAtom *value = record != nullptr ? column.m_reader.column(*record) : nullptr;
+            if (value != nullptr)
+                value->RAPrefetch();
+        }
+    }
+}
+
 template <class Visitor>
-void CZelTupleProjection::visit(const CZelTuple &tuple, Visitor take) const {
-    for (const Column &column : m_columns) {
-        const CZelRecord *record = tuple.RTRecordOf(column.m_entity->RDEIdent());
+void CZelTupleProjection::visit(const CZelTuple &tuple, Visitor take) {
+    for (Column &column : m_columns) {
+        const CZelRecord *record = recordOf(tuple, column);
         if (record == nullptr) {
             reportMissing(*column.m_entity);
             continue;
@@ -43,7 +72,7 @@ void CZelTupleProjection::visit(const CZelTuple &tuple, Visitor take) const {
     }
 }
 
-CZelRecord *CZelTupleProjection::project(const CZelTuple &tuple) const {
+CZelRecord *CZelTupleProjection::project(const CZelTuple &tuple) {
     auto *record = new CZelRecord;
     visit(tuple, [record](const CZelAtom &name, const CZelAtom &value) {
         record->RRAddValue(new CZelVarBind(name, CZelAtom(value)));
@@ -51,7 +80,7 @@ CZelRecord *CZelTupleProjection::project(const CZelTuple &tuple) const {
     return record;
 }
 
-unsigned char *CZelTupleProjection::encode(const CZelTuple &tuple, int &length) const {
+unsigned char *CZelTupleProjection::encode(const CZelTuple &tuple, int &length) {
     CZelROMPer packet(CZelROMPer::INITIAL_SIZE);
     visit(tuple, [&packet](const CZelAtom &name, const CZelAtom &value) {
         const int status = packet.RRAddAttrVal(&name, &value);

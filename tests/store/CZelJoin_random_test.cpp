@@ -459,6 +459,9 @@ void checkOne(JoinWorld &world, TestRandom &random, int number) {
     ASSERT_EQ(expected, join(filter.get(), world.tables)) << printed(filter.get());
     ASSERT_EQ(static_cast<int>(expected.size()),
               world.tables.front()->RTCountJoinedQuery(filter.get(), listOf(world.tables).get()));
+    ASSERT_EQ(Sequence(filter.get(), world.tables, 1).texts,
+              Sequence(filter.get(), world.tables, 2 + random.below(6)).texts)
+        << printed(filter.get());
     if (number % 10 == 0) {
         ASSERT_EQ(expected, StepByStep(filter.get(), world.tables).run()) << printed(filter.get());
     }

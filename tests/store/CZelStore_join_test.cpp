@@ -61,6 +61,27 @@ protected:
         return asRecords;
     }
 
+    static void removeFrom(OpenTable &table, CZelFilter *where) {
+        CZelDelete statement(new CZelDbEntity("d", "a", nullptr), where);
+        table.RTDeleteRows(&statement, E_RBFalse);
+    }
+
+    // By nested loops. Where there is no row of a, its k is null.
+    Texts pairsOfOneKey() const {
+        Texts pairs;
+        const std::unique_ptr<CZelBag> mine(a.RTReturnRows(nullptr)), others(b.RTReturnRows(nullptr));
+        if (mine->RBLength() == 0)
+            mine->RBAdd(static_cast<void *>(nullptr));
+        for (const CZelRecord *row : contents<CZelRecord>(mine.get())) {
+            for (const CZelRecord *other : contents<CZelRecord>(others.get())) {
+                const CZelAtom *key = row != nullptr ? row->RRValueOf("k") : nullptr;
+                if (CZelAtom::RACompare(key, other->RRValueOf("k")) == 0)
+                    pairs.push_back((row != nullptr ? text(*row) + " " : "") + text(*other));
+            }
+        }
+        return pairs;
+    }
+
     const CZelErrorCapture reports;
     OpenStore store;
     OpenTable &a = *store.add(table("d", "a", {{"id", E_RDTInt}, {"k", E_RDTInt}}));
@@ -82,6 +103,27 @@ TEST_F(StoreJoinTest, RecordsAndBlocksTellTheSame) {
     EXPECT_EQ(E_RSEOk, status);
     EXPECT_EQ((Texts{"id=7", "id=7"}), rows(*queryOf({"a", "b"}, sameKey(), {val(3), col("d", "b", "id")})));
     EXPECT_TRUE(reports.Holds(E_RCBadArgument));  // a constant names no column
+}
+
+// Keys that occur twice, that are null on both sides and that nobody has; rows deleted in between.
+TEST_F(StoreJoinTest, AnyNumberOfRowsComesWholeAndInOrder) {
+    constexpr int TOGETHER = CZelJoinWalk::TOGETHER;
+    addIndex(b, "k");
+    for (int i = 10; i < 30; ++i)
+        conditions::insert(b, i % 9 == 0 ? record({{"id", i}}) : record({{"id", i}, {"k", i % 10 + 2}}));
+    int next = 5;
+    for (const int length : {0, 1, TOGETHER - 1, TOGETHER, TOGETHER + 1, 2 * TOGETHER}) {
+        removeFrom(a, leaf(col("d", "a", "id"), E_ROLessEqual, val(length == 0 ? next : next / 3)));
+        for (; a.RTTotalRecordCount() < length; ++next)
+            conditions::insert(a,
+                               next % 13 == 12 ? record({{"id", next}}) : record({{"id", next}, {"k", next % 13 + 1}}));
+        const Texts expected = pairsOfOneKey();
+        const auto query = queryOf({"a", "b"}, sameKey());
+        EXPECT_EQ(expected, rows(*query)) << length;
+        query->RQSetCountStar(E_RBTrue);
+        EXPECT_EQ(Texts{"Count=" + std::to_string(expected.size())}, rows(*query));
+    }
+    EXPECT_EQ(0U, reports.Count());
 }
 
 TEST_F(StoreJoinTest, AMissingTableGivesAnEmptyResultAndAStatus) {

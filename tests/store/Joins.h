@@ -7,6 +7,9 @@
 #include <vector>
 
 #include "foundations/base/CZelDoubleList.h"
+#include "foundations/base/CZelTreeList.h"
+#include "store/CZelJoinTaker.h"
+#include "store/CZelJoinWalk.h"
 #include "store/CZelTuple.h"
 #include "tests/store/LiveTable.h"
 
@@ -50,6 +53,22 @@ inline Texts join(CZelFilter *filter, const Tables &tables) {
     tables.front()->RTPurgeGarbage();
     return texts;
 }
+
+// The rows as they come, of a walk on which so many may wait for each other.
+class Sequence : public CZelJoinTaker {
+public:
+    Sequence(CZelFilter *filter, const Tables &tables, std::size_t together) {
+        CZelTreeList copies(E_RBFalse);
+        CZelJoinWalk(*tables.front(), filter, *listOf(tables), nullptr, nullptr, copies, together).run(*this);
+    }
+
+    void take(const std::vector<CZelTuple> &rows) override {
+        for (const CZelTuple &row : rows)
+            texts.push_back(textOf(row));
+    }
+
+    Texts texts;
+};
 
 // The walk by copies of the condition, tuple by tuple and table by table.
 class StepByStep {
