@@ -7,6 +7,7 @@
 #include "foundations/base/CZelUChar.h"
 #include "foundations/base/CZelVBList.h"
 #include "foundations/base/ZelMalloc.h"
+#include "foundations/base/ZelShortBytes.h"
 #include "foundations/port/CZelError.h"
 
 namespace {
@@ -58,28 +59,27 @@ CZelAtom::CZelAtom(const char *text, std::size_t length) : CZelAtom() {
 CZelAtom::CZelAtom(bool, const char *text) : CZelAtom() {
     if (text == nullptr)
         return;
-    m_heap = {E_RDTText, BORROWED, 0, static_cast<std::uint32_t>(std::strlen(text)), {}};
-    m_heap.word.text = const_cast<char *>(text);
+    setWords(headOf(E_RDTText, BORROWED, static_cast<std::uint32_t>(std::strlen(text))), wordOf(text));
 }
 
-CZelAtom::CZelAtom(unsigned char *data, int length) : m_heap{E_RDTData, 0, 0, 0, {}} {
-    m_heap.word.data = new CZelUChar(data, length);
+CZelAtom::CZelAtom(unsigned char *data, int length) {
+    setWords(headOf(E_RDTData), wordOf(new CZelUChar(data, length)));
 }
 
-CZelAtom::CZelAtom(const unsigned char *data, int length) : m_heap{E_RDTData, 0, 0, 0, {}} {
+CZelAtom::CZelAtom(const unsigned char *data, int length) {
     std::size_t size = data == nullptr || length < 0 ? 0 : static_cast<std::size_t>(length);
     unsigned char *copy = static_cast<unsigned char *>(ZelMalloc(size));
     if (size != 0)
         std::memcpy(copy, data, size);
-    m_heap.word.data = new CZelUChar(copy, static_cast<int>(size));
+    setWords(headOf(E_RDTData), wordOf(new CZelUChar(copy, static_cast<int>(size))));
 }
 
-CZelAtom::CZelAtom(CZelAtomVector *list) : m_heap{E_RDTList, 0, 0, 0, {}} {
-    m_heap.word.list = list;
+CZelAtom::CZelAtom(CZelAtomVector *list) {
+    setWords(headOf(E_RDTList), wordOf(list));
 }
 
-CZelAtom::CZelAtom(CZelVBList *object) : m_heap{E_RDTObject, 0, 0, 0, {}} {
-    m_heap.word.object = object;
+CZelAtom::CZelAtom(CZelVBList *object) {
+    setWords(headOf(E_RDTObject), wordOf(object));
 }
 
 CZelAtom CZelAtom::RAName(const char *text, std::size_t length) {
@@ -139,15 +139,14 @@ void CZelAtom::release() {
         delete m_heap.word.data;
     else
         releaseNest();
-    m_heap = {E_RDTUndefined, 0, 0, 0, {}};
+    setUndefined();
 }
 
 void CZelAtom::copyMemory(const CZelAtom &other) {
     if (other.m_heap.type == E_RDTText) {
         setText(other.RAString(), other.RATextLength());
     } else if (other.m_heap.type == E_RDTData) {
-        m_heap = {E_RDTData, 0, 0, 0, {}};
-        m_heap.word.data = new CZelUChar(*other.m_heap.word.data);
+        setWords(headOf(E_RDTData), wordOf(new CZelUChar(*other.m_heap.word.data)));
     } else {
         copyNest(other);
     }
@@ -168,10 +167,9 @@ void CZelAtom::setText(const char *text, std::size_t length) {
 
 void CZelAtom::setPooled(const char *text, std::size_t length) {
     auto *copy = static_cast<char *>(CZelPool::RPTake(length + 1, CZelPool::TEXTS));
-    std::memcpy(copy, text, length);
+    ZelCopyBytes(copy, text, length);
     copy[length] = '\0';
-    m_heap = {E_RDTText, POOLED, 0, static_cast<std::uint32_t>(length), {}};
-    m_heap.word.text = copy;
+    setWords(headOf(E_RDTText, POOLED, static_cast<std::uint32_t>(length)), wordOf(copy));
 }
 
 void CZelAtom::setInline(const char *text, std::size_t length) {
@@ -194,10 +192,9 @@ void CZelAtom::takeText(char *text, std::size_t length) {
     if (length <= INLINE_MAX) {
         setInline(text, length);
     } else if (length > UINT32_MAX) {
-        m_heap = {E_RDTUndefined, 0, 0, 0, {}};
+        setUndefined();
         ZEL_REPORT(E_RCBadValue, "CZelAtom: a text of 4 GiB or more is no value.");
     } else {
-        m_heap = {E_RDTText, 0, 0, static_cast<std::uint32_t>(length), {}};
-        m_heap.word.text = owner.release();
+        setWords(headOf(E_RDTText, 0, static_cast<std::uint32_t>(length)), wordOf(owner.release()));
     }
 }

@@ -35,11 +35,11 @@ public:
 
     static constexpr int MAX_NESTING = 1000;  // levels of lists and objects
 
-    CZelAtom() noexcept : m_heap{E_RDTUndefined, 0, 0, 0, {}} {}
-    CZelAtom(int value) noexcept : m_heap{E_RDTInt, 0, 0, 0, {}} { m_heap.word.whole = value; }
-    CZelAtom(long value) noexcept : m_heap{E_RDTLong, 0, 0, 0, {}} { m_heap.word.whole = value; }
-    CZelAtom(long long value) noexcept : m_heap{E_RDTLong64, 0, 0, 0, {}} { m_heap.word.whole = value; }
-    CZelAtom(float value) noexcept : m_heap{E_RDTFloat, 0, 0, 0, {}} { m_heap.word.real = value; }
+    CZelAtom() noexcept { setUndefined(); }
+    CZelAtom(int value) noexcept { setWords(headOf(E_RDTInt), wordOf<long long>(value)); }
+    CZelAtom(long value) noexcept { setWords(headOf(E_RDTLong), wordOf<long long>(value)); }
+    CZelAtom(long long value) noexcept { setWords(headOf(E_RDTLong64), wordOf(value)); }
+    CZelAtom(float value) noexcept { setWords(headOf(E_RDTFloat), wordOf(value)); }
     CZelAtom(const char *text);                       // copies; null gives an undefined atom
     CZelAtom(char *text);                             // takes over a text from malloc; null likewise
     CZelAtom(const char *text, std::size_t length);   // copies; the text may hold no NUL
@@ -57,7 +57,7 @@ public:
     }
     CZelAtom(CZelAtom &&other) noexcept {  // leaves `other` undefined
         takeBits(other);
-        other.m_heap = {E_RDTUndefined, 0, 0, 0, {}};
+        other.setUndefined();
         if (isLent())
             ownLentText();
     }
@@ -255,6 +255,25 @@ private:
     void takeBits(const CZelAtom &other) {
         std::memcpy(static_cast<void *>(this), static_cast<const void *>(&other), sizeof(CZelAtom));
     }
+    // The atom's two words. Stored whole: what is stored in pieces can't be read back as a word at once, and an atom is
+    // often copied or compared right after it was made.
+    static std::uint64_t headOf(EZelDataType type, unsigned flags = 0, std::uint32_t length = 0) {
+        if constexpr (std::endian::native == std::endian::little)
+            return std::uint64_t{length} << 32 | flags << 8 | static_cast<unsigned>(type);
+        else
+            return static_cast<std::uint64_t>(type) << 56 | std::uint64_t{flags} << 48 | length;
+    }
+    template <class Value>
+    static std::uint64_t wordOf(Value value) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, &value, sizeof(value));
+        return word;
+    }
+    void setWords(std::uint64_t head, std::uint64_t word) noexcept {
+        const std::uint64_t words[2] = {head, word};
+        std::memcpy(static_cast<void *>(this), words, sizeof(words));
+    }
+    void setUndefined() noexcept { setWords(headOf(E_RDTUndefined), 0); }
     std::uint64_t bits(std::size_t half) const {
         std::uint64_t word;
         std::memcpy(&word, reinterpret_cast<const char *>(this) + half * sizeof(word), sizeof(word));
@@ -269,7 +288,8 @@ private:
     }
     void release();  // frees what is owned; the atom is undefined afterwards
     void releaseNest();
-    void releaseOutermost();
+    void postponeRelease();
+    static void releasePostponed();
     void deleteNest();
     void copyMemory(const CZelAtom &other);
     void copyNest(const CZelAtom &other);

@@ -5,7 +5,6 @@
 #include <cstring>
 
 #include "foundations/base/ZelMalloc.h"
-#include "foundations/port/ZelCodes.h"
 
 CZelAtomVector::CZelAtomVector(unsigned int capacity) {
     RAVMakeSpace(capacity);
@@ -24,13 +23,6 @@ CZelAtomVector::~CZelAtomVector() {
     for (unsigned int i = 0; i < m_size; ++i)
         delete m_entries[i];
     CZelPool::RPGive(m_entries, entriesSize());
-}
-
-int CZelAtomVector::RAVAddToEnd(CZelAtom *atom) {
-    if (m_size == m_capacity)
-        grow(m_size + 1);
-    m_entries[m_size++] = atom;
-    return E_RCOk;
 }
 
 int CZelAtomVector::RAVAddToEnd(CZelAtomVector *other, bool) {

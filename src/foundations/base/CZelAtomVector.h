@@ -3,6 +3,7 @@
 
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelPool.h"
+#include "foundations/port/ZelCodes.h"
 
 class QUINTOR_API CZelAtomVector {
 public:
@@ -18,7 +19,12 @@ public:
     CZelAtom *RAVGetValue(unsigned int index) { return index < m_size ? m_entries[index] : nullptr; }
     CZelAtom *RAVGetLast() const { return m_size == 0 ? nullptr : m_entries[m_size - 1]; }
 
-    int RAVAddToEnd(CZelAtom *atom);                      // takes over, null included; 1
+    int RAVAddToEnd(CZelAtom *atom) {  // takes over, null included; 1
+        if (m_size == m_capacity)
+            grow(m_size + 1);
+        m_entries[m_size++] = atom;
+        return E_RCOk;
+    }
     int RAVAddToEnd(CZelAtomVector *other, bool flag);    // moves all in and deletes `other`; the flag is true
     int RAVSetValue(unsigned int index, CZelAtom *atom);  // takes over, deletes the old; grows with nulls
     CZelAtom *RAVRemoveAtom(unsigned int index);          // the caller owns it; later entries move down

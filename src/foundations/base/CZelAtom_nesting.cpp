@@ -10,14 +10,11 @@ namespace {
 constinit thread_local int t_levels = 0;
 constinit thread_local bool t_reported = false;
 
-// Values whose release waits until the stack is shallow again. Freeing goes a few levels down by recursion,
-// which is the quick way for real nests; what lies deeper is moved here and freed by the outermost release.
-struct Postponed {
-    int m_levels = 0;
-    CZelVBList *m_values = nullptr;  // on the stack of the outermost release
-};
-constinit thread_local Postponed t_postponed;
+// Freeing goes a few levels down by recursion, which is the quick way for real nests. What lies deeper waits until the
+// stack is shallow again, when the outermost release frees it.
 constexpr int RELEASED_BY_RECURSION = 32;
+constinit thread_local int t_releases = 0;  // under way, one in the other
+constinit thread_local CZelVBList *t_postponed = nullptr;
 
 }  // namespace
 
@@ -36,35 +33,40 @@ CZelNesting::~CZelNesting() {
 
 void CZelAtom::copyNest(const CZelAtom &other) {
     CZelNesting level("CZelAtom: a value is nested too deep to be copied whole.");
-    m_heap = {E_RDTUndefined, 0, 0, 0, {}};
     if (level.TooDeep())
-        return;
-    m_heap.type = other.m_heap.type;
-    if (other.RAList() != nullptr)
-        m_heap.word.list = new CZelAtomVector(*other.m_heap.word.list);
+        setUndefined();
+    else if (other.RAList() != nullptr)
+        setWords(headOf(E_RDTList), wordOf(new CZelAtomVector(*other.m_heap.word.list)));
     else if (other.RAObject() != nullptr)
-        m_heap.word.object = new CZelVBList(*other.m_heap.word.object);
+        setWords(headOf(E_RDTObject), wordOf(new CZelVBList(*other.m_heap.word.object)));
+    else
+        setWords(headOf(other.RAType()), 0);
 }
 
 void CZelAtom::releaseNest() {
-    if (t_postponed.m_levels == 0) {
-        releaseOutermost();
-    } else if (t_postponed.m_levels < RELEASED_BY_RECURSION) {
-        ++t_postponed.m_levels;
-        deleteNest();
-        --t_postponed.m_levels;
-    } else {
-        t_postponed.m_values->RVBLAddToListEnd(new CZelVarBind(CZelAtom(""), std::move(*this)));
+    if (t_releases == RELEASED_BY_RECURSION) {
+        postponeRelease();
+        return;
     }
+    ++t_releases;
+    deleteNest();
+    if (--t_releases == 0 && t_postponed != nullptr)
+        releasePostponed();
 }
 
-void CZelAtom::releaseOutermost() {
-    CZelVBList values;
-    t_postponed = {1, &values};
-    deleteNest();
-    while (values.RVBLHead() != nullptr)
-        values.RVBLRemove(values.RVBLHead());
-    t_postponed = {};
+void CZelAtom::postponeRelease() {
+    if (t_postponed == nullptr)
+        t_postponed = new CZelVBList;
+    t_postponed->RVBLAddToListEnd(new CZelVarBind(CZelAtom(""), std::move(*this)));
+}
+
+void CZelAtom::releasePostponed() {
+    ++t_releases;
+    while (t_postponed->RVBLHead() != nullptr)
+        t_postponed->RVBLRemove(t_postponed->RVBLHead());
+    --t_releases;
+    delete t_postponed;
+    t_postponed = nullptr;
 }
 
 void CZelAtom::deleteNest() {

@@ -155,7 +155,8 @@ std::size_t CZelName::RNCount() {
 
 CZelAtom CZelName::atomOver(char *text, std::size_t length) {
     CZelAtom atom;
-    atom.m_heap = {E_RDTText, CZelAtom::BORROWED | CZelAtom::INTERNED, 0, static_cast<std::uint32_t>(length), {}};
-    atom.m_heap.word.text = text;
+    atom.setWords(
+        CZelAtom::headOf(E_RDTText, CZelAtom::BORROWED | CZelAtom::INTERNED, static_cast<std::uint32_t>(length)),
+        CZelAtom::wordOf(text));
     return atom;
 }

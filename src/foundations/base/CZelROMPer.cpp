@@ -39,7 +39,8 @@ constexpr std::size_t TOO_LONG = INT_MAX;
 
 // Writes an entry's body behind what the packet holds. Every step takes the place that it writes to and gives the one
 // behind what it wrote, or null when the value nests too deep or the packet would become too long. Sizes are not asked
-// before: to walk a value twice costs more than to look for room at each step.
+// before: to walk a value twice costs more than to look for room at each step. Names and elements see to room for a
+// number too, so that most values need not look. What every pair goes through is inline, as with reading.
 class CZelROMPer::Writer {
 public:
     explicit Writer(CZelROMPer &packet) : m_packet(packet), m_end(packet.m_data + packet.m_capacity) {}
@@ -48,6 +49,7 @@ public:
 
 private:
     using Place = unsigned char *;
+    static constexpr std::size_t NUMBER_SIZE = 1 + 8;  // the largest one, and its type
 
     Place room(Place place, std::size_t size) {
         return size <= static_cast<std::size_t>(m_end - place) ? place : grown(place, size);
@@ -58,23 +60,15 @@ private:
         RompStore(place, number);
         return place + sizeof(number);
     }
-    template <class Number>
-    Place typed(Place place, EZelDataType type, Number bits) {
-        place = room(place, 1 + sizeof(bits));
-        if (place == nullptr)
-            return nullptr;
-        *place = static_cast<unsigned char>(type);
-        return number(place + 1, bits);
+    static Place bytes(Place place, std::string_view bytes) {
+        place = number(place, static_cast<std::uint32_t>(bytes.size()));
+        ZelCopyBytes(place, bytes.data(), bytes.size());
+        return place + bytes.size();
     }
-    Place bare(Place place, unsigned char type) {
-        place = room(place, 1);
-        if (place != nullptr)
-            *place++ = type;
-        return place;
-    }
-    Place bytes(Place place, const void *data, std::size_t length);
-    Place text(Place place, std::string_view text) { return bytes(place, text.data(), text.size()); }
+    Place name(Place place, const CZelAtom &name, std::size_t head);
     Place value(Place place, const CZelAtom *value, int depth);
+    Place other(Place place, const CZelAtom &value, int depth);
+    Place text(Place place, std::string_view text);
     Place block(Place place, const CZelAtom &value);
     Place elements(Place place, const CZelAtomVector *list, int depth);
     Place members(Place place, const CZelVBList *object, int depth);
@@ -82,13 +76,6 @@ private:
     CZelROMPer &m_packet;
     unsigned char *m_end;
 };
-
-unsigned char *CZelROMPer::Writer::Entry(const CZelAtom &name, const CZelAtom *value) {
-    Place place = room(m_packet.m_data + m_packet.m_length, ROMP_HEAD_SIZE);
-    if (place != nullptr)
-        place = text(place + ROMP_HEAD_SIZE, name.RATextView());
-    return place == nullptr ? nullptr : this->value(place, value, 0);
-}
 
 CZelROMPer::Writer::Place CZelROMPer::Writer::grown(Place place, std::size_t size) {
     std::size_t used = static_cast<std::size_t>(place - m_packet.m_data);
@@ -99,52 +86,63 @@ CZelROMPer::Writer::Place CZelROMPer::Writer::grown(Place place, std::size_t siz
     return m_packet.m_data + used;
 }
 
-CZelROMPer::Writer::Place CZelROMPer::Writer::bytes(Place place, const void *data, std::size_t length) {
-    place = room(place, sizeof(std::uint32_t) + length);
-    if (place == nullptr)
-        return nullptr;
-    place = number(place, static_cast<std::uint32_t>(length));
-    ZelCopyBytes(place, data, length);
-    return place + length;
+// Behind `head` bytes that are left free.
+[[gnu::always_inline]] inline CZelROMPer::Writer::Place CZelROMPer::Writer::name(Place place, const CZelAtom &name,
+                                                                                 std::size_t head) {
+    const std::string_view text = name.RATextView();
+    place = room(place, head + sizeof(std::uint32_t) + text.size() + NUMBER_SIZE);
+    return place == nullptr ? nullptr : bytes(place + head, text);
 }
 
-CZelROMPer::Writer::Place CZelROMPer::Writer::value(Place place, const CZelAtom *value, int depth) {
-    if (value == nullptr)
-        return bare(place, ROMP_NO_VALUE);
-    const EZelDataType type = value->RAType();
-    switch (type) {
+// Requires: room for a number.
+[[gnu::always_inline]] inline CZelROMPer::Writer::Place CZelROMPer::Writer::value(Place place, const CZelAtom *value,
+                                                                                  int depth) {
+    *place = value == nullptr ? ROMP_NO_VALUE : static_cast<unsigned char>(value->RAType());
+    switch (*place++) {
         case E_RDTInt:
-            return typed(place, type, static_cast<std::uint32_t>(value->RAInt()));
+            return number(place, static_cast<std::uint32_t>(value->RAInt()));
         case E_RDTFloat:
-            return typed(place, type, std::bit_cast<std::uint32_t>(value->RAFloat()));
+            return number(place, std::bit_cast<std::uint32_t>(value->RAFloat()));
         case E_RDTLong:
         case E_RDTLong64:
-            return typed(place, type, static_cast<std::uint64_t>(value->RALongLong()));
-        default:
-            break;
-    }
-    place = bare(place, static_cast<unsigned char>(type));
-    if (place == nullptr)
-        return nullptr;
-    switch (type) {
+            return number(place, static_cast<std::uint64_t>(value->RALongLong()));
         case E_RDTText:
             return text(place, value->RATextView());
+        case ROMP_NO_VALUE:
+            return place;
+        default:
+            return other(place, *value, depth);
+    }
+}
+
+unsigned char *CZelROMPer::Writer::Entry(const CZelAtom &name, const CZelAtom *value) {
+    Place place = this->name(m_packet.m_data + m_packet.m_length, name, ROMP_HEAD_SIZE);
+    return place == nullptr ? nullptr : this->value(place, value, 0);
+}
+
+CZelROMPer::Writer::Place CZelROMPer::Writer::other(Place place, const CZelAtom &value, int depth) {
+    switch (value.RAType()) {
         case E_RDTData:
-            return block(place, *value);
+            return block(place, value);
         case E_RDTList:
-            return elements(place, value->RAList(), depth);
+            return elements(place, value.RAList(), depth);
         case E_RDTObject:
-            return members(place, value->RAObject(), depth);
+            return members(place, value.RAObject(), depth);
         default:
             return place;
     }
+}
+
+CZelROMPer::Writer::Place CZelROMPer::Writer::text(Place place, std::string_view text) {
+    place = room(place, sizeof(std::uint32_t) + text.size());
+    return place == nullptr ? nullptr : bytes(place, text);
 }
 
 CZelROMPer::Writer::Place CZelROMPer::Writer::block(Place place, const CZelAtom &value) {
     unsigned char *data = nullptr;
     int length = 0;
     value.RAUChar(&data, &length);
-    return bytes(place, data, static_cast<std::size_t>(length));
+    return text(place, {reinterpret_cast<const char *>(data), static_cast<std::size_t>(length)});
 }
 
 CZelROMPer::Writer::Place CZelROMPer::Writer::elements(Place place, const CZelAtomVector *list, int depth) {
@@ -153,8 +151,11 @@ CZelROMPer::Writer::Place CZelROMPer::Writer::elements(Place place, const CZelAt
     if (place == nullptr)
         return nullptr;
     place = number(place, std::uint32_t{size});
-    for (unsigned int i = 0; i < size && place != nullptr; ++i)
-        place = value(place, list->RAVGetValue(i), depth + 1);
+    for (unsigned int i = 0; i < size && place != nullptr; ++i) {
+        place = room(place, NUMBER_SIZE);
+        if (place != nullptr)
+            place = value(place, list->RAVGetValue(i), depth + 1);
+    }
     return place;
 }
 
@@ -165,7 +166,7 @@ CZelROMPer::Writer::Place CZelROMPer::Writer::members(Place place, const CZelVBL
     place = number(place, static_cast<std::uint32_t>(object == nullptr ? 0 : object->RVBLLength()));
     const CZelVarBind *member = object == nullptr ? nullptr : object->RVBLHead();
     for (; member != nullptr && place != nullptr; member = object->RVBLGetNext(member)) {
-        place = text(place, member->RVBName().RATextView());
+        place = name(place, member->RVBName(), 0);
         if (place != nullptr)
             place = value(place, member->RVBValue(), depth + 1);
     }

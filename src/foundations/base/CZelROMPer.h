@@ -49,12 +49,14 @@ public:
     int RRGetRest(CZelVBList &pairs);
 
 private:
+    class Reader;
     class Writer;
 
     unsigned char *reserve(std::size_t size);
     void grow(std::size_t used, std::size_t needed);
     void seal();
-    bool nextBody(const unsigned char **body);
+    int read(CZelVBList &pairs, bool one);
+    bool readIntact(Reader &reader, CZelVBList &pairs);
     bool checkOn();
     bool skipDamage();
     bool headAt(int position, std::uint32_t *size, std::uint32_t *check) const;

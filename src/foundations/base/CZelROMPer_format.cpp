@@ -1,6 +1,7 @@
 #include "foundations/base/CZelROMPer_format.h"
 
 #include "foundations/base/ZelCrc32c.h"
+#include "foundations/base/ZelShortBytes.h"
 
 namespace {
 
@@ -16,32 +17,22 @@ inline std::uint64_t step(std::uint64_t check, std::uint64_t word) {
     return check;
 }
 
-// For a body that stands behind its head, so that the eight bytes before it can be read too. What exceeds a multiple
-// of eight bytes is taken first, as a word with zeros before it, which from a check of zero on change nothing; the
-// start value is laid over the first four bytes of the body instead. No step depends on the length but the loop.
+// For a body that stands behind its head, so that the bytes before it can be read too. What is left of it behind the
+// whole words, one to eight bytes, is laid into the top of a word: zeros before it change nothing when the check
+// begins with zero, so the check up to there is laid over the bytes themselves.
 struct ByProcessor {
     static std::uint32_t Of(const unsigned char *body, std::size_t length) {
-        constexpr std::uint64_t START = 0xFFFFFFFFU;
-        constexpr std::size_t WORD = sizeof(std::uint64_t), BITS = 64;
-        if (length < sizeof(std::uint32_t))
-            return ZelCrc32c(body, length);
-        const std::size_t first = (length - 1) % WORD + 1;
-        const std::size_t before = BITS - 8 * first;
-        const unsigned char *place = body + first;
-        std::uint64_t check = step(0, (load(place - WORD) >> before ^ START) << before);
-        if (length == first)
-            return ~static_cast<std::uint32_t>(check);
-        check = step(check, load(place) ^ (first < sizeof(std::uint32_t) ? START >> 8 * first : 0));
-        for (place += WORD; place != body + length; place += WORD)
-            check = step(check, load(place));
-        return ~static_cast<std::uint32_t>(check);
-    }
-
-private:
-    static std::uint64_t load(const unsigned char *place) {
-        std::uint64_t word;
-        std::memcpy(&word, place, sizeof(word));
-        return word;
+        constexpr std::ptrdiff_t WORD = sizeof(std::uint64_t), BITS = 64;
+        if (length == 0)
+            return 0;
+        std::uint64_t check = 0xFFFFFFFFU;
+        const unsigned char *last = body + length - WORD;
+        for (; body < last; body += WORD)
+            check = step(check, ZelLoadWord<std::uint64_t>(body));
+        const std::ptrdiff_t known =
+            8 * (body - last);  // bits of the last word that are checked already, or the head's
+        const std::uint64_t word = (ZelLoadWord<std::uint64_t>(last) >> known ^ check) << known;
+        return ~static_cast<std::uint32_t>(step(0, word) ^ check >> 1 >> (BITS - 1 - known));
     }
 };
 

@@ -49,14 +49,14 @@ inline std::uint32_t RompHeadCheck(std::uint32_t bodyLength, std::uint32_t bodyC
 }
 
 inline void RompStoreHead(unsigned char *place, std::uint32_t bodyLength, std::uint32_t bodyCheck) {
-    RompStore(place, bodyLength);
-    RompStore(place + 4, bodyCheck);
+    RompStore(place, std::uint64_t{bodyLength} << 32 | bodyCheck);
     RompStore(place + 8, RompHeadCheck(bodyLength, bodyCheck));
 }
 
 // Reads a head; false when it is damaged.
 inline bool RompLoadHead(const unsigned char *place, std::uint32_t *bodyLength, std::uint32_t *bodyCheck) {
-    *bodyLength = RompLoad<std::uint32_t>(place);
-    *bodyCheck = RompLoad<std::uint32_t>(place + 4);
+    const std::uint64_t both = RompLoad<std::uint64_t>(place);
+    *bodyLength = static_cast<std::uint32_t>(both >> 32);
+    *bodyCheck = static_cast<std::uint32_t>(both);
     return RompLoad<std::uint32_t>(place + 8) == RompHeadCheck(*bodyLength, *bodyCheck);
 }

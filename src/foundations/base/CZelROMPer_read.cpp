@@ -1,111 +1,87 @@
+#include <type_traits>
+
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelAtomVector.h"
 #include "foundations/base/CZelROMPer.h"
 #include "foundations/base/CZelROMPer_format.h"
 #include "foundations/base/CZelVBList.h"
-#include "foundations/base/ZelMalloc.h"
+#include "foundations/base/ZelShortBytes.h"
 #include "foundations/port/ZelCodes.h"
 
 namespace {
 
+constexpr const CZelAtom *NO_VALUE = nullptr;
+
 // The name that the thread's last packet began with.
 constinit thread_local const CZelAtom *t_firstName = nullptr;
+
+// What stands for a damaged pair: at the end of the list, instead of one that was begun behind `former`.
+void addNameless(CZelVBList &pairs, const CZelVarBind *former) {
+    CZelVarBind *begun = pairs.RVBLTail();
+    if (begun == former) {
+        pairs.RVBLAddToListEnd(new CZelVarBind("", NO_VALUE));
+        return;
+    }
+    begun->RVBSetName(CZelAtom(true, ""));
+    begun->RVBSetValue(NO_VALUE);
+}
+
+// Moves name and value into a binding that is there.
+CZelVarBind *moved(CZelVarBind *pair, CZelVarBind *reuse) {
+    reuse->RVBSetName(pair->RVBName());
+    if (pair->RVBValue() == nullptr)
+        reuse->RVBSetValue(NO_VALUE);
+    else
+        *reuse->RVBForWriting() = std::move(*pair->RVBValue());
+    delete pair;
+    return reuse;
+}
+
+}  // namespace
 
 // Reads a body. Every step takes the place that it reads from and gives the one behind what it read, or null when the
 // body does not hold what it should; none reads past the end. A good check does not say that an entry was written by
 // this system.
 //
-// Values are built where they stay, in atoms that are undefined before.
-class Reader {
+// Values are built where they stay, in atoms that are undefined before. What every pair goes through is inline: most
+// values are a few bytes, and a call costs as much as reading them.
+class CZelROMPer::Reader {
 public:
+    using Place = const unsigned char *;
+
     // The name that came before, null at the beginning of a packet or when it is not interned.
     explicit Reader(const CZelAtom *lastName) : m_lastName(lastName) {}
 
-    // The name and value of a whole body as a new binding, or in the one to be reused; null when it can't be
-    // read.
-    CZelVarBind *Pair(const unsigned char *body, const unsigned char *end, CZelVarBind *reuse);
+    // A whole body as a new binding at the end of a list. On failure it may be there too, half of it.
+    [[gnu::always_inline]] bool Body(Place body, Place end, CZelVBList &pairs) {
+        m_end = end;
+        return pair(body, pairs, 0) == end;
+    }
     const CZelAtom *LastName() const { return m_lastName; }
 
 private:
-    using Place = const unsigned char *;
-
+    Place pair(Place place, CZelVBList &pairs, int depth);
     std::size_t left(Place place) const { return static_cast<std::size_t>(m_end - place); }
-    Place named(Place place, CZelVarBind **pair, CZelVarBind *reuse);
-    CZelVarBind *pairOf(std::string_view name, CZelVarBind *reuse);
-    CZelVarBind *unexpected(std::string_view name, CZelVarBind *reuse);
-    Place valueOf(Place place, CZelVarBind *pair, int depth);
     Place bytes(Place place, std::string_view *result) const;
     Place count(Place place, std::uint32_t *result) const;
+    CZelVarBind *newPair(std::string_view name);
+    CZelVarBind *unexpected(std::string_view name);
     Place value(Place place, CZelAtom *atom, int depth);
-    template <class Bits, class Build>
-    Place number(Place place, Build build) const;
-    Place text(Place place, CZelAtom *atom) const;
+    [[gnu::noinline]] Place other(unsigned char type, Place place, CZelAtom *atom, int depth);
+    template <class Bits, class Value>
+    Place number(Place place, CZelAtom *atom) const;
+    [[gnu::noinline]] Place text(Place place, CZelAtom *atom) const;
     Place block(Place place, CZelAtom *atom) const;
     Place list(Place place, CZelAtom *atom, int depth);
-    Place object(Place place, CZelAtom *atom, int depth);
     Place element(Place place, CZelAtomVector &elements, int depth);
-    Place member(Place place, CZelVBList &members, int depth);
+    Place object(Place place, CZelAtom *atom, int depth);
 
     Place m_end = nullptr;
     const CZelAtom *m_lastName;
 };
 
-CZelVarBind *renamed(CZelVarBind *reuse, const CZelAtom &name) {
-    reuse->RVBSetName(name);
-    reuse->RVBForWriting()->RASet();
-    return reuse;
-}
-
-CZelVarBind *Reader::Pair(Place body, Place end, CZelVarBind *reuse) {
-    m_end = end;
-    CZelVarBind *pair = nullptr;
-    Place place = named(body, &pair, reuse);
-    if (place == nullptr)
-        return nullptr;
-    if (valueOf(place, pair, 0) == end)
-        return pair;
-    if (reuse == nullptr)
-        delete pair;
-    return nullptr;
-}
-
-// *pair has the name that stands here, and an undefined value.
-Reader::Place Reader::named(Place place, CZelVarBind **pair, CZelVarBind *reuse) {
-    std::string_view name;
-    place = bytes(place, &name);
-    if (place == nullptr)
-        return nullptr;
-    *pair = pairOf(name, reuse);
-    return *pair == nullptr ? nullptr : place;
-}
-
-CZelVarBind *Reader::pairOf(std::string_view name, CZelVarBind *reuse) {
-    const CZelAtom *guess = m_lastName == nullptr ? t_firstName : CZelName::RNSuccessor(m_lastName);
-    if (guess == nullptr || !CZelName::RNIsText(*guess, name))
-        return unexpected(name, reuse);
-    m_lastName = guess;
-    return reuse == nullptr ? new CZelVarBind(guess) : renamed(reuse, *guess);
-}
-
-CZelVarBind *Reader::unexpected(std::string_view name, CZelVarBind *reuse) {
-    if (ZelHoldsNul(name.data(), name.size()))
-        return nullptr;
-    const CZelAtom *before = m_lastName;
-    m_lastName = CZelName::RNInternBehind(before, name.data(), name.size());
-    if (before == nullptr)
-        t_firstName = m_lastName;
-    const CZelAtom loose = m_lastName != nullptr ? *m_lastName : CZelAtom(name.data(), name.size());
-    return reuse == nullptr ? new CZelVarBind(loose, CZelAtom()) : renamed(reuse, loose);
-}
-
-Reader::Place Reader::valueOf(Place place, CZelVarBind *pair, int depth) {
-    if (place == m_end || *place != ROMP_NO_VALUE)
-        return value(place, pair->RVBForWriting(), depth);
-    pair->RVBSetValue(static_cast<const CZelAtom *>(nullptr));
-    return place + 1;
-}
-
-Reader::Place Reader::bytes(Place place, std::string_view *result) const {
+[[gnu::always_inline]] inline CZelROMPer::Reader::Place CZelROMPer::Reader::bytes(Place place,
+                                                                                  std::string_view *result) const {
     if (left(place) < sizeof(std::uint32_t))
         return nullptr;
     const std::size_t length = RompLoad<std::uint32_t>(place);
@@ -117,7 +93,7 @@ Reader::Place Reader::bytes(Place place, std::string_view *result) const {
 }
 
 // How many values follow. Each takes a byte at least, which bounds what a count can make us allocate.
-Reader::Place Reader::count(Place place, std::uint32_t *result) const {
+inline CZelROMPer::Reader::Place CZelROMPer::Reader::count(Place place, std::uint32_t *result) const {
     if (left(place) < sizeof(*result))
         return nullptr;
     *result = RompLoad<std::uint32_t>(place);
@@ -125,29 +101,60 @@ Reader::Place Reader::count(Place place, std::uint32_t *result) const {
     return *result <= left(place) ? place : nullptr;
 }
 
-template <class Bits, class Build>
-Reader::Place Reader::number(Place place, Build build) const {
+[[gnu::always_inline]] inline CZelVarBind *CZelROMPer::Reader::newPair(std::string_view name) {
+    const CZelAtom *guess = m_lastName == nullptr ? t_firstName : CZelName::RNSuccessor(m_lastName);
+    if (guess == nullptr || !CZelName::RNIsText(*guess, name))
+        return unexpected(name);
+    m_lastName = guess;
+    return new CZelVarBind(guess);
+}
+
+CZelVarBind *CZelROMPer::Reader::unexpected(std::string_view name) {
+    if (ZelHoldsNul(name.data(), name.size()))
+        return nullptr;
+    const CZelAtom *before = m_lastName;
+    m_lastName = CZelName::RNInternBehind(before, name.data(), name.size());
+    if (before == nullptr)
+        t_firstName = m_lastName;
+    if (m_lastName != nullptr)
+        return new CZelVarBind(m_lastName);
+    return new CZelVarBind(CZelAtom(name.data(), name.size()), CZelAtom());
+}
+
+template <class Bits, class Value>
+inline CZelROMPer::Reader::Place CZelROMPer::Reader::number(Place place, CZelAtom *atom) const {
     if (left(place) < sizeof(Bits))
         return nullptr;
-    build(RompLoad<Bits>(place));
+    if constexpr (std::is_floating_point_v<Value>)
+        new (atom) CZelAtom(std::bit_cast<Value>(RompLoad<Bits>(place)));
+    else
+        new (atom) CZelAtom(static_cast<Value>(RompLoad<Bits>(place)));
     return place + sizeof(Bits);
 }
 
-Reader::Place Reader::value(Place place, CZelAtom *atom, int depth) {
+[[gnu::always_inline]] inline CZelROMPer::Reader::Place CZelROMPer::Reader::value(Place place, CZelAtom *atom,
+                                                                                  int depth) {
     if (place == m_end)
         return nullptr;
-    switch (*place++) {
+    const unsigned char type = *place++;
+    switch (type) {
         case E_RDTInt:
-            return number<std::uint32_t>(place, [atom](auto bits) { new (atom) CZelAtom(static_cast<int>(bits)); });
+            return number<std::uint32_t, int>(place, atom);
         case E_RDTLong:
-            return number<std::uint64_t>(place, [atom](auto bits) { new (atom) CZelAtom(static_cast<long>(bits)); });
+            return number<std::uint64_t, long>(place, atom);
+        case E_RDTFloat:
+            return number<std::uint32_t, float>(place, atom);
+        case E_RDTLong64:
+            return number<std::uint64_t, long long>(place, atom);
         case E_RDTText:
             return text(place, atom);
-        case E_RDTFloat:
-            return number<std::uint32_t>(place, [atom](auto bits) { new (atom) CZelAtom(std::bit_cast<float>(bits)); });
-        case E_RDTLong64:
-            return number<std::uint64_t>(place,
-                                         [atom](auto bits) { new (atom) CZelAtom(static_cast<long long>(bits)); });
+        default:
+            return other(type, place, atom, depth);
+    }
+}
+
+CZelROMPer::Reader::Place CZelROMPer::Reader::other(unsigned char type, Place place, CZelAtom *atom, int depth) {
+    switch (type) {
         case E_RDTData:
             return block(place, atom);
         case E_RDTList:
@@ -161,7 +168,33 @@ Reader::Place Reader::value(Place place, CZelAtom *atom, int depth) {
     }
 }
 
-Reader::Place Reader::text(Place place, CZelAtom *atom) const {
+[[gnu::always_inline]] inline CZelROMPer::Reader::Place CZelROMPer::Reader::pair(Place place, CZelVBList &pairs,
+                                                                                 int depth) {
+    std::string_view name;
+    place = bytes(place, &name);
+    CZelVarBind *binding = place == nullptr ? nullptr : newPair(name);
+    if (binding == nullptr)
+        return nullptr;
+    pairs.RVBLAddToListEnd(binding);
+    if (place == m_end || *place != ROMP_NO_VALUE)
+        return value(place, binding->RVBForWriting(), depth);
+    binding->RVBSetValue(NO_VALUE);
+    return place + 1;
+}
+
+[[gnu::always_inline]] inline CZelROMPer::Reader::Place CZelROMPer::Reader::element(Place place,
+                                                                                    CZelAtomVector &elements,
+                                                                                    int depth) {
+    if (place != m_end && *place == ROMP_NO_VALUE) {
+        elements.RAVAddToEnd(nullptr);
+        return place + 1;
+    }
+    CZelAtom *atom = new CZelAtom;
+    elements.RAVAddToEnd(atom);
+    return value(place, atom, depth);
+}
+
+CZelROMPer::Reader::Place CZelROMPer::Reader::text(Place place, CZelAtom *atom) const {
     std::string_view found;
     place = bytes(place, &found);
     if (place == nullptr || ZelHoldsNul(found.data(), found.size()))
@@ -170,7 +203,7 @@ Reader::Place Reader::text(Place place, CZelAtom *atom) const {
     return place;
 }
 
-Reader::Place Reader::block(Place place, CZelAtom *atom) const {
+CZelROMPer::Reader::Place CZelROMPer::Reader::block(Place place, CZelAtom *atom) const {
     std::string_view found;
     place = bytes(place, &found);
     if (place != nullptr)
@@ -178,7 +211,7 @@ Reader::Place Reader::block(Place place, CZelAtom *atom) const {
     return place;
 }
 
-Reader::Place Reader::list(Place place, CZelAtom *atom, int depth) {
+CZelROMPer::Reader::Place CZelROMPer::Reader::list(Place place, CZelAtom *atom, int depth) {
     std::uint32_t size = 0;
     place = depth == CZelROMPer::MAX_DEPTH ? nullptr : count(place, &size);
     if (place == nullptr)
@@ -190,17 +223,7 @@ Reader::Place Reader::list(Place place, CZelAtom *atom, int depth) {
     return place;
 }
 
-Reader::Place Reader::element(Place place, CZelAtomVector &elements, int depth) {
-    if (place != m_end && *place == ROMP_NO_VALUE) {
-        elements.RAVAddToEnd(nullptr);
-        return place + 1;
-    }
-    CZelAtom *atom = new CZelAtom;
-    elements.RAVAddToEnd(atom);
-    return value(place, atom, depth);
-}
-
-Reader::Place Reader::object(Place place, CZelAtom *atom, int depth) {
+CZelROMPer::Reader::Place CZelROMPer::Reader::object(Place place, CZelAtom *atom, int depth) {
     std::uint32_t size = 0;
     place = depth == CZelROMPer::MAX_DEPTH ? nullptr : count(place, &size);
     if (place == nullptr)
@@ -208,81 +231,47 @@ Reader::Place Reader::object(Place place, CZelAtom *atom, int depth) {
     CZelVBList *members = new CZelVBList;
     new (atom) CZelAtom(members);
     for (; size != 0 && place != nullptr; --size)
-        place = member(place, *members, depth + 1);
+        place = pair(place, *members, depth + 1);
     return place;
 }
-
-Reader::Place Reader::member(Place place, CZelVBList &members, int depth) {
-    CZelVarBind *pair = nullptr;
-    place = named(place, &pair, nullptr);
-    if (place == nullptr)
-        return nullptr;
-    members.RVBLAddToListEnd(pair);
-    return valueOf(place, pair, depth);
-}
-
-CZelVarBind *damagedPair(CZelVarBind *reuse) {
-    const CZelAtom *nothing = nullptr;
-    const CZelAtom noName(true, "");
-    if (reuse == nullptr)
-        return new CZelVarBind(noName, nothing);
-    reuse->RVBSetName(noName);
-    reuse->RVBSetValue(nothing);
-    return reuse;
-}
-
-}  // namespace
 
 CZelROMPer::CZelROMPer(unsigned char *data, int length, __boolean)
     : m_data(data), m_length(data == nullptr || length < 0 ? 0 : length) {}
 
 CZelVarBind *CZelROMPer::RRGetNextAttrVal(int *status, CZelVarBind *reuse) {
-    int ignored = E_RCOk;
-    int &result = status == nullptr ? ignored : *status;
-    result = E_RCOk;
-    const unsigned char *body = nullptr;
-    if (!nextBody(&body))
-        return nullptr;
-    Reader reader(m_lastName);
-    CZelVarBind *pair = body == nullptr ? nullptr : reader.Pair(body, m_data + m_position, reuse);
-    m_lastName = reader.LastName();
-    if (pair != nullptr)
-        return pair;
-    result = E_RCBadValue;
-    return damagedPair(reuse);
+    CZelVBList pairs;
+    const int result = read(pairs, true);
+    if (status != nullptr)
+        *status = result;
+    CZelVarBind *pair = pairs.RVBLTakeHead();
+    return pair == nullptr || reuse == nullptr ? pair : moved(pair, reuse);
 }
 
 int CZelROMPer::RRGetRest(CZelVBList &pairs) {
+    return read(pairs, false);
+}
+
+// Appends all pairs that are left, or if `one` the next.
+int CZelROMPer::read(CZelVBList &pairs, bool one) {
     int result = E_RCOk;
     Reader reader(m_lastName);
-    const unsigned char *body = nullptr;
-    while (nextBody(&body)) {
-        CZelVarBind *pair = body == nullptr ? nullptr : reader.Pair(body, m_data + m_position, nullptr);
-        if (pair == nullptr) {
-            result = E_RCBadValue;
-            pair = damagedPair(nullptr);
-        }
-        pairs.RVBLAddToListEnd(pair);
+    while (m_position < m_length && !(one && pairs.RVBLHead() != nullptr)) {
+        const CZelVarBind *former = pairs.RVBLTail();
+        if (m_position < m_intact || checkOn() ? readIntact(reader, pairs) : skipDamage())
+            continue;
+        addNameless(pairs, former);
+        result = E_RCBadValue;
     }
     m_lastName = reader.LastName();
     return result;
 }
 
-// Moves behind the next entry that is no pad and gives its body, null when it is damaged. False at the packet's end.
-bool CZelROMPer::nextBody(const unsigned char **body) {
-    *body = nullptr;
-    while (m_position < m_length) {
-        if (m_position == m_intact && !checkOn())
-            return skipDamage();
-        const unsigned char *head = m_data + m_position;
-        const std::uint32_t size = RompLoad<std::uint32_t>(head);
-        m_position += static_cast<int>(ROMP_HEAD_SIZE + size);
-        if (size == 0)
-            continue;
-        *body = head + ROMP_HEAD_SIZE;
-        return true;
-    }
-    return false;
+// Appends the pair of an intact entry. A pad has none.
+[[gnu::always_inline]] inline bool CZelROMPer::readIntact(Reader &reader, CZelVBList &pairs) {
+    const unsigned char *body = m_data + m_position + ROMP_HEAD_SIZE;
+    const std::uint32_t size = RompLoad<std::uint32_t>(m_data + m_position);
+    m_position += static_cast<int>(ROMP_HEAD_SIZE + size);
+    return size == 0 || reader.Body(body, body + size, pairs);
 }
 
 // Checks the entries from here on as far as they are intact. Is there any?
@@ -291,7 +280,7 @@ bool CZelROMPer::checkOn() {
     return m_position < m_intact;
 }
 
-// Moves behind a damaged entry; true.
+// Moves behind a damaged entry; false.
 bool CZelROMPer::skipDamage() {
     std::uint32_t size = 0, check = 0;
     if (headAt(m_position, &size, &check))
@@ -299,7 +288,7 @@ bool CZelROMPer::skipDamage() {
     else
         skipToHead();
     m_intact = m_position;
-    return true;
+    return false;
 }
 
 // Is there an intact head, with a body that lies in the packet?

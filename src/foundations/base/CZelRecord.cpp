@@ -37,13 +37,9 @@ int CZelRecord::ROMDecode(const unsigned char *data, int length) {
     unsigned char *block = const_cast<unsigned char *>(data);
     CZelROMPer packet(block, length, E_RBTrue);
     m_values.RVBLEmptyList();
-    CZelVBList *values = new CZelVBList;
-    int status = packet.RRGetRest(*values);
+    int status = packet.RRGetRest(m_values);
     if (packet.RRTakePacket() != block)
         ZEL_REPORT(E_RCBadValue, "CZelRecord::ROMDecode: the reader changed its packet.");
-    int taken = RRInitFromVarList(values);
-    if (taken != E_RCOk)
-        ZEL_REPORT(taken, "CZelRecord::ROMDecode can't take the values.");
     if (status != E_RCOk)
         discardDamaged(status);
     return status;

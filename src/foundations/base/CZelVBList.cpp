@@ -29,6 +29,18 @@ CZelVarBind *CZelVBList::findText(std::string_view name) const {
     return binding;
 }
 
+CZelVarBind *CZelVBList::RVBLTakeHead() {
+    CZelVarBind *head = m_head;
+    if (head == nullptr)
+        return nullptr;
+    m_head = head->m_next;
+    if (m_head == nullptr)
+        m_tail = nullptr;
+    --m_length;
+    head->m_next = nullptr;
+    return head;
+}
+
 int CZelVBList::RVBLRemove(const CZelVarBind *binding) {
     CZelVarBind *before = nullptr;
     CZelVarBind *found = m_head;

@@ -51,6 +51,7 @@ public:
             binding->m_value.RAPrefetch();
     }
 
+    CZelVarBind *RVBLTakeHead();                 // unlinks it: the caller owns it; null when there is none
     int RVBLRemove(const CZelVarBind *binding);  // unlinks and deletes; 1 or E_RCNotFound
     void RVBLEmptyList();
     void RVBLMoveFrom(CZelVBList &other);  // appends all bindings of `other`, which is empty afterwards

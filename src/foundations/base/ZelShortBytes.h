@@ -82,8 +82,11 @@ inline bool ZelSameBytes(const char *left, const char *right, std::size_t length
 
 inline bool ZelHoldsNul(const char *bytes, std::size_t length) {
     using namespace ZelShortBytes;
-    if (length > 2 * WORD)
+    if (length > 4 * WORD)
         return std::memchr(bytes, 0, length) != nullptr;
+    if (length > 2 * WORD)
+        return HoldsNulAtEnds<std::uint64_t>(bytes, 2 * WORD) ||
+               HoldsNulAtEnds<std::uint64_t>(bytes + length - 2 * WORD, 2 * WORD);
     if (length >= WORD)
         return HoldsNulAtEnds<std::uint64_t>(bytes, length);
     if (length >= HALF)
