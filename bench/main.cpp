@@ -11,6 +11,7 @@ int main(int argc, char **argv) {
     addJoinWorks();
     addDuckWorks();
     addCacheWorks();
+    addLmdbWorks();
     addVendorWork();
     addRompWorks();
     addClauseWorks();

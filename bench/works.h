@@ -9,6 +9,7 @@ void addThreadWorks();
 void addJoinWorks();
 void addDuckWorks();  // further peers of works added before
 void addCacheWorks();
+void addLmdbWorks();  // a further peer of these
 void addClauseWorks();
 void addRompWorks();
 void addLimits();

@@ -20,6 +20,14 @@ target_link_libraries(quintor_bench PRIVATE bench_sides)
 add_executable(quintor_growth ${bench}/growth/main.cpp ${bench}/growth/GrowthSide.cpp)
 target_link_libraries(quintor_growth PRIVATE bench_sides)
 
+pkg_check_modules(LMDB IMPORTED_TARGET lmdb)
+if(LMDB_FOUND)
+    target_link_libraries(bench_sides PUBLIC PkgConfig::LMDB)
+    target_compile_definitions(bench_sides PRIVATE QUINTOR_BENCH_LMDB)
+else()
+    set_source_files_properties(${bench}/Lmdb.cpp PROPERTIES HEADER_FILE_ONLY ON)
+endif()
+
 # The library is headers only; of Boost, which it can use, nothing is needed.
 find_path(MSGPACK_INCLUDE msgpack.hpp)
 if(MSGPACK_INCLUDE)

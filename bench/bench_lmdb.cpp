@@ -1,0 +1,132 @@
+// LMDB beside the tables with a cache: the same works on the same rows, in a scratch folder that is removed.
+#include "bench/PairTable.h"
+#include "bench/works.h"
+
+#ifdef QUINTOR_BENCH_LMDB
+
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+
+#include "bench/Lmdb.h"
+
+namespace {
+
+constexpr int READS = 20000;
+constexpr int UPDATED_TYPES = 10;
+constexpr long long SLOW = 25000000000;                            // a quarter of the rows is below
+constexpr int UPDATES = BENCH_ROWS / BENCH_TYPES * UPDATED_TYPES;  // about, as types are random
+
+// The database, filled when it is first asked for.
+class Folder {
+public:
+    Folder() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "quintor-lmdb-XXXXXX").string();
+        m_path = mkdtemp(pattern.data());
+    }
+    Folder(const Folder &) = delete;
+    Folder &operator=(const Folder &) = delete;
+    ~Folder() {
+        m_database.reset();
+        std::filesystem::remove_all(m_path);
+    }
+
+    Lmdb &database() {
+        if (m_database == nullptr)
+            m_database = std::make_unique<Lmdb>(m_path.string());
+        if (!m_isFilled)
+            m_database->insertAll(benchRows());
+        m_isFilled = true;
+        return *m_database;
+    }
+    void close() { m_database.reset(); }
+    void clear() {
+        close();
+        std::filesystem::remove_all(m_path);
+        std::filesystem::create_directory(m_path);
+        m_isFilled = false;
+    }
+
+private:
+    std::filesystem::path m_path;
+    std::unique_ptr<Lmdb> m_database;
+    bool m_isFilled = false;
+};
+
+Folder &folder() {
+    static Folder only;
+    return only;
+}
+
+const std::vector<std::string> &readKeys() {
+    static const std::vector<std::string> keys = keysAt(randomPositions(READS, BENCH_ROWS, 23));
+    return keys;
+}
+
+BenchRun load() {
+    folder().clear();
+    return {BENCH_ROWS, secondsOf([] { folder().database(); })};
+}
+
+BenchRun readKeyed() {
+    Lmdb &database = folder().database();
+    BenchRow row;
+    return {READS, secondsOf([&] {
+                for (const std::string &key : readKeys())
+                    database.read(key, row);
+            })};
+}
+
+BenchRun scan() {
+    Lmdb &database = folder().database();
+    return {BENCH_ROWS, secondsOf([&] { database.rowsBelowSpeed(SLOW); })};
+}
+
+BenchRun update() {
+    Lmdb &database = folder().database();
+    return {UPDATES, secondsOf([&] { database.setLoadBelowType(UPDATED_TYPES, 1.5F); })};
+}
+
+BenchRun updateKeyed() {
+    Lmdb &database = folder().database();
+    return {READS, secondsOf([&] {
+                for (const std::string &key : readKeys())
+                    database.update(key, 1.5F, 2);
+            })};
+}
+
+BenchRun restart() {
+    folder().database();
+    folder().close();
+    BenchRow row;
+    return {BENCH_ROWS, secondsOf([&] { folder().database().read(readKeys().front(), row); })};
+}
+
+BenchRun restartScan() {
+    folder().database();
+    folder().close();
+    return {BENCH_ROWS, secondsOf([&] { folder().database().rowsBelowSpeed(SLOW); })};
+}
+
+}  // namespace
+
+#else
+
+namespace {
+
+const BenchWork load, readKeyed, scan, update, updateKeyed, restart, restartScan;
+
+}  // namespace
+
+#endif
+
+void addLmdbWorks() {
+    const BenchPeer lmdb = {"lmdb"};
+    addPeer("cache: load", lmdb, load);
+    addPeer("cache: random point reads", lmdb, readKeyed);
+    addPeer("cache: scan", lmdb, scan);
+    addPeer("cache: update of 20,000 rows", lmdb, update);
+    addPeer("cache: update by key, compiled once", lmdb, updateKeyed);
+    addPeer("cache: restart to first answer", lmdb, restart);
+    addPeer("cache: restart and scan", lmdb, restartScan);
+}
