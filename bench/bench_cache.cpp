@@ -205,16 +205,26 @@ BenchRun updateKeyedTheirs() {
             })};
 }
 
+// The answer is one number, for which each row is looked at.
+void countOurs(OurStore &store) {
+    store.select("select count(*) from b.t where Status = 3;");
+}
+
+void countTheirs(Sqlite &database) {
+    SqliteStatement statement(database.get(), "select count(*) from t where Status = 3");
+    statement.step();
+}
+
 BenchRun restartOurs() {
     stores().ours();
     stores().close();
-    return {BENCH_ROWS, secondsOf([] { readOurs(stores().ours(), 1); })};
+    return {BENCH_ROWS, secondsOf([] { countOurs(stores().ours()); })};
 }
 
 BenchRun restartTheirs() {
     stores().theirs();
     stores().close();
-    return {BENCH_ROWS, secondsOf([] { readTheirs(stores().theirs(), 1); })};
+    return {BENCH_ROWS, secondsOf([] { countTheirs(stores().theirs()); })};
 }
 
 // Who reads little at the start has it still to read.

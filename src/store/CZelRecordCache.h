@@ -83,7 +83,7 @@ public:
     CZelRecord *RRCCopyRecord(CZelAtom *handle);  // the caller's; null where RRCLookAt fails or the row is damaged
     static CZelRecord *RRCCopyOf(const SZelCachedRow &row);  // null where it is damaged (reported)
 
-    // Brings in what a walk that retrieves every row would leave in memory. Requires: no row is in memory.
+    // Brings in what a walk that retrieves every row would leave in memory; nothing when a row is in memory already.
     void RRCFillMemory();
 
     CZelDoubleList *RRCHandleIterator();  // of CZelPointer to handle atoms, in order; null before creation

@@ -71,7 +71,7 @@ int CZelRecordCache::evict(CZelCachedRecord &entry) {
 }
 
 void CZelRecordCache::RRCFillMemory() {
-    if (!isBounded())
+    if (!isBounded() || m_inCore.length() > 0)
         return;
     for (const CZelPointer *node = firstToStay(); node != nullptr; node = CZelBag::RBNext(node)) {
         CZelCachedRecord &entry = *m_handles.find(*handleIn(node));

@@ -309,6 +309,8 @@ private:
     void putBack(CZelRecord &row, CZelAtom *handle, const CachedUpdate &update);
     CZelBag *copiesOf(const CZelBag &handles) const;
     void rebuildIndexes();
+    bool loadIndexes();  // false: with the trees empty
+    void enterRowByRow();
     void removeBreaking(const CZelRecord &record, CZelAtom *handle);
     void cacheIsMade(int status, const char *failure);
 

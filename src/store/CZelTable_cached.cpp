@@ -14,6 +14,7 @@
 #include "oql/CZelDelete.h"
 #include "oql/CZelUpdate.h"
 #include "store/CZelCacheWalk.h"
+#include "store/CZelIndexLoader.h"
 #include "store/CZelRecordCache.h"
 #include "store/CZelStoreGuard.h"
 #include "store/CZelTable.h"
@@ -173,9 +174,25 @@ void CZelTable::putBack(CZelRecord &row, CZelAtom *handle, const CachedUpdate &u
     }
 }
 
-// A key that the table has got since, or that was broken on disk, keeps the first row only.
 void CZelTable::rebuildIndexes() {
     const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
+    if (!loadIndexes())
+        enterRowByRow();
+    m_cache->RRCFillMemory();
+}
+
+bool CZelTable::loadIndexes() {
+    if (CZelIndexLoader(plan().indexes()).load(*m_cache) != 1)
+        return false;
+    if (plan().isKeyInTrees())
+        return true;
+    for (const SZelIndexValue &index : plan().indexes())
+        index.m_tree->RBPTEmpty();
+    return false;
+}
+
+// A key that the table has got since, or that was broken on disk, keeps the first row only.
+void CZelTable::enterRowByRow() {
     for (CZelCacheWalk walk(*m_cache, nullptr); walk.hasRow(); walk.advance()) {
         int status = plan().checkKey(walk.record());
         if (status != E_RCKeyExists)
@@ -185,7 +202,6 @@ void CZelTable::rebuildIndexes() {
         else if (status != 1)
             fail(E_RCBadArgument, "CZelTable::RDOInitialise: a row does not enter the indexes of ", m_identifier);
     }
-    m_cache->RRCFillMemory();
 }
 
 void CZelTable::removeBreaking(const CZelRecord &record, CZelAtom *handle) {

@@ -13,6 +13,7 @@
 #include "oql/CZelIndex.h"
 #include "store/CZelCacheWalk.h"
 #include "store/CZelColDef.h"
+#include "store/CZelIndexLoader.h"
 #include "store/CZelObjectStore.h"
 #include "store/CZelStoreGuard.h"
 #include "store/CZelTable.h"
@@ -129,6 +130,8 @@ void CZelTable::moveRows(const CZelColDef &column, bool add) {
     SZelIndexValue place{m_objectStore->ROSTreeFor(*name), nullptr, name};
     if (m_cache != nullptr) {
         const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
+        if (add && CZelIndexLoader({place}).load(*m_cache) == 1)
+            return;
         for (CZelCacheWalk walk(*m_cache, nullptr); walk.hasRow(); walk.advance())
             moveRow(walk.record(), walk.handle(), place, add);
         return;

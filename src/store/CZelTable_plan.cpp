@@ -75,6 +75,14 @@ int CZelTablePlan::checkKey(const CZelRecord &row) {
     return isTaken ? E_RCKeyExists : 1;
 }
 
+// As in checkKey, a single key column may be without a value in one row.
+bool CZelTablePlan::isKeyInTrees() const {
+    if (!m_isKeyLeftToTree)
+        return m_keys.empty() && m_store.ROSKeyCount() == 0;
+    const CZelBTreeNode *nulls = m_keys[0].m_tree->RBPTGetNodeForKey(nullptr);
+    return nulls == nullptr || nulls->RBTNCount() == 1;
+}
+
 int CZelTablePlan::checkUniques(const CZelRecord &row) const {
     const bool isTaken = std::any_of(m_indexes.begin(), m_indexes.end(), [&row](const SZelIndexValue &index) {
         if (index.m_tree->RBPTIsDegenerate() == E_RBTrue)

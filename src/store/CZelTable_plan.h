@@ -38,6 +38,11 @@ public:
     // Would `enter` be refused by a unique tree? 1 or E_RCKeyExists. Asked where a refusal after the fact is dear.
     int checkUniques(const CZelRecord &row) const;
 
+    // The trees of the indexed columns. Filled all at once from no two equal keys, they hold what `checkKey` and
+    // `enter` would have let in one by one, unless a key needs more than its tree; asked afterwards.
+    const std::vector<SZelIndexValue> &indexes() const { return m_indexes; }
+    bool isKeyInTrees() const;
+
     // What the trees hold of a row is its identity. Into all of them, or into none: 1 or the code of the tree that
     // refused.
     int enter(const CZelRecord &row, void *identity);

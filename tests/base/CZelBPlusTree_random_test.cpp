@@ -178,6 +178,41 @@ TEST_P(BPlusTreeRandomTest, KeysInRisingAndFallingOrderAreAllFound) {
     }
 }
 
+// A tree that was filled at once is one that was filled pair by pair, and goes on as such.
+TEST_P(BPlusTreeRandomTest, AFilledTreeIsTheOneThatAdditionsMake) {
+    TestRandom random;
+    TreeKeys keys(random, 8000);
+    for (const unsigned size : {0U, 1U, 2U, 63U, 64U, 65U, 129U, 4096U, 4097U, 5000U, 5000U, 5000U}) {
+        const bool takesTwins = isDegenerate() || random.oneIn(3);
+        std::vector<SZelKeyedObject> pairs;
+        bool isRefused = false;
+        for (unsigned i = 0; i < size; ++i) {
+            const CZelAtom key = random.oneIn(40) ? CZelAtom() : keys.key();
+            const bool isTaken = addToModel(key, &m_objects[i]) != E_RCOk;
+            isRefused = isRefused || (isTaken && takesTwins);
+            if (!isTaken || takesTwins)
+                pairs.push_back({key, &m_objects[i]});
+        }
+        ASSERT_EQ(isRefused ? E_RCKeyExists : E_RCOk, m_tree.RBPTLoad(pairs)) << size;
+        if (isRefused) {
+            ASSERT_EQ(E_RBTrue, m_tree.RBPTIsEmpty());
+            m_model.clear();
+            m_length = 0;
+            continue;
+        }
+        ASSERT_EQ(m_length, m_tree.RBPTLength());
+        compareKeys();
+        for (int i = 0; i < 20; ++i)
+            compareAnswers(keys.key());
+        for (const auto &entry : m_model)
+            compareNode(entry.first);
+        for (int i = 0; i < 3000 && !HasFatalFailure(); ++i)
+            step(random, keys.key(), true);
+        compareKeys();
+        removeAll(random);
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Kinds, BPlusTreeRandomTest, testing::Bool(),
                          [](const auto &kind) { return kind.param ? "Degenerate" : "Unique"; });
 

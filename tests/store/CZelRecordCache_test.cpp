@@ -7,6 +7,7 @@
 #include "port/FailingFiles.h"
 #include "store/CZelCachedRecord.h"
 #include "store/CacheTest.h"
+#include "support/TestRandom.h"
 
 namespace {
 
@@ -426,6 +427,38 @@ TEST_F(RecordCacheTest, ARowThatCannotLeaveTheFileStays) {
     EXPECT_EQ(textOfSize(1, 90), read(*cache, handle));
     EXPECT_EQ(1, cache->RRCDeleteRecord(handle));
     EXPECT_EQ(0, cache->RRCLength());
+}
+
+// Which rows are in memory after a start is what it would be if each row had been asked for in turn.
+TEST_F(RecordCacheTest, FilledMemoryHoldsWhatAWalkOfRetrievalsLeaves) {
+    TestRandom random;
+    for (const bool isBySize : {true, false}) {
+        for (int round = 0; round < 40; ++round) {
+            const unsigned long long bytes = 1 + random.below(4000);
+            const float share = static_cast<float>(1 + random.below(98)) / 100;
+            const auto make = [&] { return isBySize ? bySize(bytes, E_RBTrue) : byShare(share, E_RBTrue); };
+            auto cache = make();
+            for (int i = 0, count = static_cast<int>(random.below(40)); i < count; ++i)
+                add(*cache, i, ROW_FRAME + 2 + static_cast<int>(random.below(400)));
+            std::vector<std::string> found[2];
+            for (const bool isFilled : {false, true}) {
+                cache.reset();
+                cache = make();
+                if (isFilled)
+                    cache->RRCFillMemory();
+                else
+                    forEachHandle(*cache, [&](CZelAtom *handle) { read(*cache, handle); });
+                found[isFilled].push_back(std::to_string(cache->RRCUse().m_inCoreBytes));
+                forEachHandle(*cache, [&](CZelAtom *handle) {
+                    SZelCachedRow row;
+                    if (cache->RRCLookAt(handle, row) && row.m_record != nullptr)
+                        found[isFilled].push_back(textOf(row.m_record));
+                });
+            }
+            ASSERT_EQ(found[0], found[1]) << bytes << " bytes or " << share;
+            cache->RRCDeleteCacheFile();
+        }
+    }
 }
 
 }  // namespace

@@ -47,6 +47,11 @@ protected:
     }
     Texts rows() { return select(nullptr); }
 
+    static Texts sorted(Texts texts) {
+        std::sort(texts.begin(), texts.end());
+        return texts;
+    }
+    static CZelFilter *isNull(const char *column) { return leaf(col(column), E_ROIsNull, none()); }
     static CZelFilter *above(const char *column, int value) { return leaf(col(column), E_ROGreater, val(value)); }
 
     CacheHome m_home;
@@ -292,6 +297,34 @@ TEST_F(CachedTableTest, RowsComeBackAndTheirIndexesToo) {
         EXPECT_EQ(ZelBool(kind.isPersistent), m_table->RTGetInitialisedFromDisk());
         EXPECT_EQ(kind.isPersistent ? 1U : 0U, select(where("k", 20)).size());
         EXPECT_EQ(kind.isPersistent ? E_RCKeyExists : 1, insert({{"k", 3}}));
+        m_table->RTDropTable();
+    }
+}
+
+// Rows that came, changed and went in random order over several lives, found again by each of the indexes.
+TEST_F(CachedTableTest, IndexesAreThoseOfTheRowsInEveryLife) {
+    for (const CacheKind &kind : CACHE_KINDS) {
+        if (!kind.isPersistent)
+            continue;
+        TestRandom random;
+        const auto name = [&random] { return "name" + std::to_string(random.below(60)); };
+        for (int life = 0; life < 6; ++life) {
+            open({column("k", E_RDTInt, KEY), column("u", E_RDTText, UNIQUE), column("g", E_RDTInt)}, kind);
+            addIndex(*m_table, "g");
+            const Texts all = rows();
+            for (const Texts &part : {select(leaf(col("k"), E_ROGreaterEqual, val(0))),
+                                      select(either(leaf(col("u"), E_ROGreater, val("")), isNull("u"))),
+                                      select(leaf(col("g"), E_ROLess, val(9)))})
+                EXPECT_EQ(sorted(all), sorted(part)) << kind.name << " in life " << life;
+            for (int step = 0; step < 150; ++step) {
+                const int k = static_cast<int>(random.below(60)), g = static_cast<int>(random.below(9));
+                const int status = random.oneIn(4)   ? erase(where("k", k))
+                                   : random.oneIn(2) ? update({{"g", g}, {"u", name().c_str()}}, where("k", k))
+                                   : random.oneIn(3) ? insert({{"k", k}, {"g", g}})
+                                                     : insert({{"k", k}, {"g", g}, {"u", name().c_str()}});
+                static_cast<void>(status);  // of a taken key or a row that is not there
+            }
+        }
         m_table->RTDropTable();
     }
 }

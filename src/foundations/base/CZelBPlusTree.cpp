@@ -30,6 +30,18 @@ int CZelBPlusTree::RBPTAddObjectToTree(const CZelAtom *key, void *object, bool) 
     return E_RCOk;
 }
 
+int CZelBPlusTree::RBPTLoad(std::vector<SZelKeyedObject> &pairs) {
+    if (!m_tree.RKTLoad(pairs, !m_degenerate))
+        return E_RCKeyExists;
+    m_length = static_cast<int>(pairs.size());
+    return E_RCOk;
+}
+
+void CZelBPlusTree::RBPTEmpty() {
+    m_tree.RKTEmpty();
+    m_length = 0;
+}
+
 int CZelBPlusTree::RBPTLiteralDeleteObjectInTree(const CZelAtom *key, void *object) {
     if (!m_tree.RKTRemove(keyOrNull(key), object))
         return E_RCNotInTree;

@@ -10,6 +10,7 @@
 #pragma once
 
 #include <climits>
+#include <vector>
 
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelBTreeNode.h"
@@ -26,6 +27,11 @@ public:
 
     // 1, or E_RCKeyExists when a unique tree has another object under this non-null key. `flag` has no effect.
     int RBPTAddObjectToTree(const CZelAtom *key, void *object, bool flag);
+
+    // Fills an empty tree with pairs of different objects, as if they were added one by one; takes their keys.
+    // E_RCKeyExists: two of them can't both stand in this tree, which stays empty.
+    int RBPTLoad(std::vector<SZelKeyedObject> &pairs);
+    void RBPTEmpty();
 
     // Removes exactly this object under this key; 1 or E_RCNotInTree.
     int RBPTLiteralDeleteObjectInTree(const CZelAtom *key, void *object);

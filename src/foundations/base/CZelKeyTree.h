@@ -12,10 +12,16 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <vector>
 
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelBTreeNode.h"
 #include "foundations/port/ZelExport.h"
+
+struct SZelKeyedObject {
+    CZelAtom m_key;  // undefined: the null key
+    void *m_object;
+};
 
 class QUINTOR_API CZelKeyTree {
     struct Item;
@@ -70,6 +76,10 @@ public:
     // The entry of a key, made for `object` alone when there was none.
     Place RKTAdd(const CZelAtom &key, void *object, bool *isNew);
 
+    // Fills an empty tree with pairs in any order, as if they were added one by one; takes their keys. False, and the
+    // tree stays empty, when `isUnique` and a key that is not null comes twice.
+    bool RKTLoad(std::vector<SZelKeyedObject> &pairs, bool isUnique);
+
     // Takes the object from the entry of the key, and the entry out when it was the only one; false when it does
     // not stand there.
     bool RKTRemove(const CZelAtom &key, void *object);
@@ -96,6 +106,14 @@ private:
     static std::uint64_t headOf(const CZelAtom &key);
     static std::uint64_t headOfText(std::string_view text);
     static std::uint64_t headOfNumber(double number);
+
+    // Loading: the places of the pairs in key order, with the heads of their keys.
+    struct Ranked;
+    static std::vector<Ranked> rank(const std::vector<SZelKeyedObject> &pairs);
+    static void sortByHead(std::vector<Ranked> &ranked);
+    static void settleTies(std::vector<Ranked> &ranked, const std::vector<SZelKeyedObject> &pairs);
+    std::vector<Node *> makeLeaves(std::vector<SZelKeyedObject> &pairs, const std::vector<Ranked> &ranked);
+    static std::vector<Node *> makeParents(const std::vector<Node *> &children, bool areLeaves);
     template <class Number>
     static Number loadBigEndian(const char *bytes);
     static const Item *findByAddress(const Node *node, const CZelAtom &name, bool *isDecided);

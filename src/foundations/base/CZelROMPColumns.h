@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "foundations/base/CZelAtom.h"
@@ -25,6 +26,8 @@ public:
         const CZelAtom &value = m_columns[column].m_value;
         return value.RAIsUndefined() ? nullptr : &value;
     }
+
+    CZelAtom take(std::size_t column) { return std::move(m_columns[column].m_value); }  // undefined for null
 
 private:
     struct Column {

@@ -1,0 +1,36 @@
+// Fills empty index trees with all rows of a cached table at once: one walk that decodes no row, then each tree from
+// its sorted keys. That takes a fraction of the time that entering row by row takes.
+//
+// It refers to the trees and the names of the columns. Requires: the table lock is held as writer.
+#pragma once
+
+#include <vector>
+
+#include "foundations/base/CZelBPlusTree.h"
+#include "foundations/base/CZelROMPColumns.h"
+#include "store/CZelObjectStore.h"
+
+class CZelCacheWalk;
+class CZelRecordCache;
+
+class CZelIndexLoader {
+public:
+    explicit CZelIndexLoader(const std::vector<SZelIndexValue> &indexes);
+
+    // 1; E_RCKeyExists: two rows have one key, or a tree was not empty. Then all trees are as they were, and who keeps
+    // which row is to be decided row by row.
+    int load(CZelRecordCache &cache);
+
+private:
+    struct Index {
+        CZelBPlusTree *m_tree;
+        const CZelAtom *m_column;
+        std::vector<SZelKeyedObject> m_pairs;
+    };
+
+    void collect(CZelRecordCache &cache);
+    CZelAtom valueIn(const CZelCacheWalk &walk, std::size_t number);
+
+    std::vector<Index> m_indexes;
+    CZelROMPColumns m_columns;
+};
