@@ -24,18 +24,23 @@ public:
     Scratch() {
         std::string pattern = (std::filesystem::temp_directory_path() / "quintor-bench-XXXXXX").string();
         m_path = mkdtemp(pattern.data());
-        empty();
+        emptyOurs();
+        emptyTheirs();
         setenv("QMTHOME", m_path.c_str(), 1);
     }
     Scratch(const Scratch &) = delete;
     Scratch &operator=(const Scratch &) = delete;
     ~Scratch() { std::filesystem::remove_all(m_path); }
 
-    void empty() const {
+    void emptyOurs() const {
         std::filesystem::remove_all(m_path / "var");
         std::filesystem::create_directories(m_path / "var" / "solvantis");
     }
-    std::string database() const { return (m_path / "var" / "sqlite.db").string(); }
+    void emptyTheirs() const {
+        std::filesystem::remove_all(m_path / "sqlite");
+        std::filesystem::create_directory(m_path / "sqlite");
+    }
+    std::string database() const { return (m_path / "sqlite" / "t.db").string(); }
 
 private:
     std::filesystem::path m_path;
@@ -80,10 +85,15 @@ public:
         m_ours.reset();
         m_theirs.reset();
     }
-    void clear() {
-        close();
-        m_scratch.empty();
-        m_isOursFilled = m_areTheirsFilled = false;
+    void clearOurs() {
+        m_ours.reset();
+        m_scratch.emptyOurs();
+        m_isOursFilled = false;
+    }
+    void clearTheirs() {
+        m_theirs.reset();
+        m_scratch.emptyTheirs();
+        m_areTheirsFilled = false;
         bytesInMemory();
     }
 
@@ -130,12 +140,12 @@ void readTheirs(Sqlite &database, int count) {
 }
 
 BenchRun loadOurs() {
-    stores().clear();
+    stores().clearOurs();
     return {BENCH_ROWS, secondsOf([] { stores().ours(); })};
 }
 
 BenchRun loadTheirs() {
-    stores().clear();
+    stores().clearTheirs();
     return {BENCH_ROWS, secondsOf([] { stores().theirs(); })};
 }
 
