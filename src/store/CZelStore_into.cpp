@@ -14,6 +14,7 @@
 #include "oql/CZelQryInsert.h"
 #include "oql/CZelQuery.h"
 #include "store/CZelDatabase.h"
+#include "store/CZelRowsAhead.h"
 #include "store/CZelStore.h"
 #include "store/CZelStoreGuard.h"
 #include "store/CZelTable.h"
@@ -85,8 +86,10 @@ int CZelStore::RSSimpleQueryInsert(CZelQryInsert *statement, CZelTable *table, _
     const std::unique_ptr<CZelBag> rows(RSExecSimpleQuery(query, &status, E_RBFalse, E_RBFalse));
     reportMissing(status);
     const bool owned = storeKeepsROMP == E_RBTrue && RSOwnResultsOfSimpleQry(query);
+    CZelRowsAhead ahead(*rows);
     for (const CZelPointer *node = rows->RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
         auto *row = static_cast<CZelRecord *>(node->RPData());
+        ahead.advance();
         insertInto(*table, statement->RQICreateRecord(row, sourceColumns, targetColumns));
         if (owned)
             delete row;
