@@ -2,8 +2,9 @@
 //
 // Keys are ordered as RALex orders them and copied in; two keys that it calls equal are one. It is a B+ tree:
 // the entries lie in leaves of up to 64, linked in key order, and nodes of the same shape lead down to them.
-// A leaf has memory for little more than it holds; keys that come in rising or falling order fill leaves
-// wholly, and a node that has become small joins its neighbour. A tree of a few keys is one small block.
+// A leaf that is full gives to its neighbours before it splits, so that leaves are four fifths full on the average;
+// keys that come in rising or falling order fill them wholly, and a node that has become small joins its neighbour. A
+// tree of a few keys is one small block.
 // A key that is looked for by itself is found in its leaf by a byte of its hash.
 //
 // Threads: no lock; several readers may look up and walk while nobody changes.
@@ -126,6 +127,9 @@ private:
     static void setMark(Node *node, unsigned int index);
     static Node *resize(Node *node, unsigned int capacity);
     static void moveItemsTo(Node *node, std::uint16_t offset);
+    static void makeGap(Node *node, unsigned int index, unsigned int count);
+    static void closeGap(Node *node, unsigned int index, unsigned int count);
+    static void copyItems(Node *from, unsigned int index, Node *to, unsigned int place, unsigned int count);
     static void insertItem(Node *node, unsigned int index, Item &item);
     static void removeItem(Node *node, unsigned int index);
     static void moveItems(Node *from, unsigned int index, Node *to);
@@ -136,8 +140,10 @@ private:
     // Changes along a way.
     Node *&slot(Way &way, unsigned int level);
     Place insert(Way &way, Item &item);
+    Place insertWithNeighbour(Way &way, Item &item);
+    static void evenOut(Node *left, Node *right);
     Place put(Way &way, unsigned int level, unsigned int index, Item &item, Node **right);
-    Node *split(Way &way, unsigned int level, unsigned int index);
+    Node *split(const Way &way, unsigned int level, unsigned int index) const;
     static CZelAtom separator(const CZelAtom &left, const CZelAtom &right);
     static CZelAtom lowKey(const Node *left, Node *right, bool areLeaves);
     void growRoot(Item &right);

@@ -1,6 +1,7 @@
-// Adding to and removing from a key tree. A full node splits: in the middle, or at its end when it is the last
-// leaf and the new key comes behind all others, so that rising keys leave full leaves behind; falling keys
-// likewise. The key that tells two leaves apart is cut to the bytes that do so.
+// Adding to and removing from a key tree. A full leaf evens itself out with a neighbour that has room. Otherwise a
+// full node splits: in the middle, or at its end when it is the last leaf and the new key comes behind all others, so
+// that rising keys leave full leaves behind; falling keys likewise. All nodes of a tree of several are of one size,
+// so that what one gives back fits the next. The key that tells two leaves apart is cut to the bytes that do so.
 #include <algorithm>
 #include <cassert>
 #include <cstdlib>
@@ -10,12 +11,9 @@
 #include "foundations/base/CZelKeyTree_nodes.h"
 #include "foundations/base/ZelMalloc.h"
 
-// Space grows in quarters of a full node, and in halves below one.
+// Space doubles up to a full node.
 unsigned int CZelKeyTree::spaceFor(unsigned int count) {
-    constexpr unsigned int QUARTER = Node::MOST / 4;
     constexpr unsigned int FIRST = 4;
-    if (count > QUARTER)
-        return (count + QUARTER - 1) / QUARTER * QUARTER;
     return std::max(std::bit_ceil(count), FIRST);
 }
 
@@ -48,13 +46,33 @@ void CZelKeyTree::moveItemsTo(Node *node, std::uint16_t offset) {
     std::memmove(static_cast<void *>(node->items()), former, node->count * sizeof(Item));
 }
 
+// Items with their marks, as bytes: those from `index` on make room for `count` more, or move up over as many that
+// are gone; or some are copied into a place of another node of the same kind.
+void CZelKeyTree::makeGap(Node *node, unsigned int index, unsigned int count) {
+    const unsigned int behind = node->count - index;
+    Item *place = node->items() + index;
+    std::memmove(static_cast<void *>(place + count), static_cast<void *>(place), behind * sizeof(Item));
+    std::memmove(node->mark(index + count), node->mark(index), std::size_t{behind} * node->width);
+}
+
+void CZelKeyTree::closeGap(Node *node, unsigned int index, unsigned int count) {
+    node->count = static_cast<std::uint16_t>(node->count - count);
+    const unsigned int behind = node->count - index;
+    Item *place = node->items() + index;
+    std::memmove(static_cast<void *>(place), static_cast<void *>(place + count), behind * sizeof(Item));
+    std::memmove(node->mark(index), node->mark(index + count), std::size_t{behind} * node->width);
+}
+
+void CZelKeyTree::copyItems(Node *from, unsigned int index, Node *to, unsigned int place, unsigned int count) {
+    std::memcpy(static_cast<void *>(to->items() + place), static_cast<void *>(from->items() + index),
+                count * sizeof(Item));
+    std::memcpy(to->mark(place), from->mark(index), std::size_t{count} * to->width);
+}
+
 // Moves the item in: the caller's is no longer an object.
 void CZelKeyTree::insertItem(Node *node, unsigned int index, Item &item) {
-    Item *place = node->items() + index;
-    const unsigned int behind = node->count - index;
-    std::memmove(static_cast<void *>(place + 1), static_cast<void *>(place), behind * sizeof(Item));
-    std::memcpy(static_cast<void *>(place), static_cast<void *>(&item), sizeof(Item));
-    std::memmove(node->mark(index + 1), node->mark(index), std::size_t{behind} * node->width);
+    makeGap(node, index, 1);
+    std::memcpy(static_cast<void *>(node->items() + index), static_cast<void *>(&item), sizeof(Item));
     setMark(node, index);
     ++node->count;
 }
@@ -70,20 +88,14 @@ void CZelKeyTree::setMark(Node *node, unsigned int index) {
 }
 
 void CZelKeyTree::removeItem(Node *node, unsigned int index) {
-    Item *place = node->items() + index;
-    place->key.~CZelAtom();
-    --node->count;
-    const unsigned int behind = node->count - index;
-    std::memmove(static_cast<void *>(place), static_cast<void *>(place + 1), behind * sizeof(Item));
-    std::memmove(node->mark(index), node->mark(index + 1), std::size_t{behind} * node->width);
+    node->items()[index].key.~CZelAtom();
+    closeGap(node, index, 1);
 }
 
 // Moves the items from `index` on behind those of another node.
 void CZelKeyTree::moveItems(Node *from, unsigned int index, Node *to) {
-    unsigned int moved = from->count - index;
-    std::memcpy(static_cast<void *>(to->items() + to->count), static_cast<void *>(from->items() + index),
-                moved * sizeof(Item));
-    std::memcpy(to->mark(to->count), from->mark(index), std::size_t{moved} * to->width);
+    const unsigned int moved = from->count - index;
+    copyItems(from, index, to, to->count, moved);
     to->count = static_cast<std::uint16_t>(to->count + moved);
     from->count = static_cast<std::uint16_t>(index);
 }
@@ -120,8 +132,52 @@ CZelKeyTree::Place CZelKeyTree::RKTAdd(const CZelAtom &key, void *object, bool *
     return insert(way, loose.item);
 }
 
+// Moves items over the border between two leaves until they hold as many.
+void CZelKeyTree::evenOut(Node *left, Node *right) {
+    const unsigned int half = (left->count + right->count) / 2U;
+    if (left->count > half) {
+        const unsigned int moved = left->count - half;
+        makeGap(right, 0, moved);
+        copyItems(left, half, right, 0, moved);
+        right->count = static_cast<std::uint16_t>(right->count + moved);
+        left->count = static_cast<std::uint16_t>(half);
+    } else {
+        const unsigned int moved = half - left->count;
+        copyItems(right, 0, left, left->count, moved);
+        left->count = static_cast<std::uint16_t>(half);
+        closeGap(right, 0, moved);
+    }
+}
+
+// Puts the item into a full leaf or into its neighbour, if that one has room; else gives the end.
+CZelKeyTree::Place CZelKeyTree::insertWithNeighbour(Way &way, Item &item) {
+    const unsigned int own = way.indexes[m_depth - 1];
+    Node *parent = way.nodes[m_depth - 1];
+    for (unsigned int border = std::max(own, 1U); border <= own + 1 && border < parent->count; ++border) {
+        Node *left = parent->items()[border - 1].child;
+        Node *right = parent->items()[border].child;
+        if (left->count + right->count > static_cast<int>(Node::MOST_EVENED))
+            continue;
+        const unsigned int index = way.indexes[m_depth] + (border == own ? left->count : 0U);
+        evenOut(left, right);
+        const bool goesRight = index > left->count;
+        Node *target = goesRight ? right : left;
+        const unsigned int place = goesRight ? index - left->count : index;
+        insertItem(target, place, item);
+        parent->items()[border].key = separator(left->items()[left->count - 1].key, right->items()[0].key);
+        setMark(parent, border);
+        return {target, place};
+    }
+    return RKTEnd();
+}
+
 // Puts the item where the way ends. While nodes split, their new right parts go into the nodes above.
 CZelKeyTree::Place CZelKeyTree::insert(Way &way, Item &item) {
+    if (m_depth > 0 && way.nodes[m_depth]->count == Node::MOST) {
+        const Place shared = insertWithNeighbour(way, item);
+        if (!shared.isEnd())
+            return shared;
+    }
     unsigned int level = m_depth;
     Node *right = nullptr;
     Place place = put(way, level, way.indexes[level], item, &right);
@@ -155,19 +211,17 @@ CZelKeyTree::Place CZelKeyTree::put(Way &way, unsigned int level, unsigned int i
 }
 
 // Gives the way's node a new right neighbour, both with room for the item that is to stand at `index`.
-CZelKeyTree::Node *CZelKeyTree::split(Way &way, unsigned int level, unsigned int index) {
+CZelKeyTree::Node *CZelKeyTree::split(const Way &way, unsigned int level, unsigned int index) const {
     Node *node = way.nodes[level];
     unsigned int kept = Node::MOST / 2;
     if (index == Node::MOST && node->next == nullptr)
         kept = Node::MOST;
     else if (index == 0 && node->prev == nullptr)
         kept = 0;
-    Node *right = makeNode(spaceFor(Node::MOST - kept + 1), node->width);
+    Node *right = makeNode(Node::MOST, node->width);
     moveItems(node, kept, right);
     if (level == m_depth)
         linkBehind(node, right);
-    if (kept != Node::MOST)
-        way.nodes[level] = slot(way, level) = resize(node, spaceFor(kept + 1));
     return right;
 }
 
