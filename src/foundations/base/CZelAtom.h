@@ -19,6 +19,7 @@
 #include <cstring>
 #include <iosfwd>
 #include <string_view>
+#include <type_traits>
 
 #include "foundations/base/CZelPool.h"
 #include "foundations/base/ZelEnums.h"
@@ -263,12 +264,14 @@ private:
         else
             return static_cast<std::uint64_t>(type) << 56 | std::uint64_t{flags} << 48 | length;
     }
-    template <class Value>
-    static std::uint64_t wordOf(Value value) {
+    template <class Number>
+        requires std::is_arithmetic_v<Number>
+    static std::uint64_t wordOf(Number number) {
         std::uint64_t word = 0;
-        std::memcpy(&word, &value, sizeof(value));
+        std::memcpy(&word, &number, sizeof(number));
         return word;
     }
+    static std::uint64_t wordOf(const void *place) { return wordOf(reinterpret_cast<std::uintptr_t>(place)); }
     void setWords(std::uint64_t head, std::uint64_t word) noexcept {
         const std::uint64_t words[2] = {head, word};
         std::memcpy(static_cast<void *>(this), words, sizeof(words));
