@@ -265,7 +265,7 @@ private:
             return static_cast<std::uint64_t>(type) << 56 | std::uint64_t{flags} << 48 | length;
     }
     template <class Number>
-        requires std::is_arithmetic_v<Number>
+    requires std::is_arithmetic_v<Number>
     static std::uint64_t wordOf(Number number) {
         std::uint64_t word = 0;
         std::memcpy(&word, &number, sizeof(number));
