@@ -62,6 +62,18 @@ std::vector<std::string> keysAt(const std::vector<int> &positions) {
     return keys;
 }
 
+std::string BenchChange::text() const {
+    char text[64];
+    std::snprintf(text, sizeof text, "Load = %.4f, Status = %d", static_cast<double>(load), status);
+    return text;
+}
+
+BenchChange BenchChanges::next() {
+    constexpr int WORKS = 8, LOWEST = 10, STATES = 100;
+    const int number = ++m_repetition * WORKS + m_work;
+    return {static_cast<float>(2 * number + 1) / (2 * WORKS), LOWEST + number % STATES};
+}
+
 std::string insertText(const BenchRow &row, const char *table) {
     char text[512];
     std::snprintf(text, sizeof text,

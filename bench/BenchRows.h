@@ -27,5 +27,25 @@ std::vector<int> randomPositions(int count, int rows, unsigned seed);
 // The EntityName of those rows, in that order: finding the question is no part of what is measured.
 std::vector<std::string> keysAt(const std::vector<int> &positions);
 
+// What an update writes.
+struct BenchChange {
+    float load;
+    int status;  // 10 to 109
+
+    std::string text() const;  // both as assignments that all languages take
+};
+
+// What the repetitions of an update write, on every side the same: each time something else than before, as a store may
+// save itself the trouble where nothing changes. Works on the same rows have different numbers, from 0 to 7.
+class BenchChanges {
+public:
+    explicit BenchChanges(int work) : m_work(work) {}
+    BenchChange next();
+
+private:
+    int m_work;
+    int m_repetition = 0;
+};
+
 // The row as an insert statement that both languages take.
 std::string insertText(const BenchRow &row, const char *table);

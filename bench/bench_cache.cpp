@@ -17,6 +17,7 @@ namespace {
 constexpr float SHARE = 0.1F;
 constexpr int READS = 20000;
 constexpr int UPDATED_TYPES = 10;
+enum Work : int { MANY_ROWS, COMPILED };
 constexpr int UPDATES = BENCH_ROWS / BENCH_TYPES * UPDATED_TYPES;  // about, as types are random
 
 class Scratch {
@@ -178,23 +179,33 @@ BenchRun scanTheirs() {
     return {BENCH_ROWS, secondsOf([&] { scanRows(database); })};
 }
 
-std::string updateText(const char *table) {
-    return std::string("update ") + table + " set Load = 1.5 where EntityType < " + std::to_string(UPDATED_TYPES) + ";";
+std::string updateText(const char *table, const BenchChange &change) {
+    return std::string("update ") + table + " set Load = " + std::to_string(change.load) + " where EntityType < " +
+           std::to_string(UPDATED_TYPES) + ";";
+}
+
+std::string updateKeyedText(const char *table, const BenchChange &change) {
+    return std::string("update ") + table + " set " + change.text() + " where EntityName = ";
 }
 
 BenchRun updateOurs() {
+    static BenchChanges changes(MANY_ROWS);
     OurStore &store = stores().ours();
-    return {UPDATES, secondsOf([&] { store.run(updateText("b.t")); })};
+    const std::string update = updateText("b.t", changes.next());
+    return {UPDATES, secondsOf([&] { store.run(update); })};
 }
 
 BenchRun updateTheirs() {
+    static BenchChanges changes(MANY_ROWS);
     Sqlite &database = stores().theirs();
-    return {UPDATES, secondsOf([&] { database.run(updateText("t")); })};
+    const std::string update = updateText("t", changes.next());
+    return {UPDATES, secondsOf([&] { database.run(update); })};
 }
 
 BenchRun updateKeyedOurs() {
+    static BenchChanges changes(COMPILED);
     OurStore &store = stores().ours();
-    OurStatement statement("update b.t set Load = 1.5, Status = 2 where EntityName = '';");
+    OurStatement statement(updateKeyedText("b.t", changes.next()) + "'';");
     return {READS, secondsOf([&] {
                 for (const int position : readPositions()) {
                     statement.setKey(CZelAtom(keyAt(position).c_str()));
@@ -205,7 +216,8 @@ BenchRun updateKeyedOurs() {
 
 // Each statement is a transaction, as each of ours is in the file when it is done.
 BenchRun updateKeyedTheirs() {
-    SqliteStatement statement(stores().theirs().get(), "update t set Load = 1.5, Status = 2 where EntityName = ?");
+    static BenchChanges changes(COMPILED);
+    SqliteStatement statement(stores().theirs().get(), updateKeyedText("t", changes.next()) + "?");
     return {READS, secondsOf([&] {
                 for (const int position : readPositions()) {
                     statement.bind(1, keyAt(position));

@@ -9,9 +9,14 @@ namespace {
 
 constexpr int UPDATES = 50000;
 constexpr int DELETES = 20000;
+enum Work : int { BY_TEXT, COMPILED, ALL_ROWS };
 
-std::string updateText(const char *table, const std::string &key) {
-    return std::string("update ") + table + " set Load = 1.5, Status = 2 where EntityName = '" + key + "';";
+std::string updateText(const char *table, const BenchChange &change) {
+    return std::string("update ") + table + " set " + change.text() + " where EntityName = ";
+}
+
+std::string updateAllText(const char *table, const BenchChange &change) {
+    return std::string("update ") + table + " set Status = " + std::to_string(change.status) + ";";
 }
 
 std::string deleteText(const char *table, const std::string &key) {
@@ -49,26 +54,31 @@ void runTheirs(const std::string &text) {
 }
 
 BenchRun updateOurs() {
+    static BenchChanges changes(BY_TEXT);
     OurStore::loaded();
-    return {UPDATES, secondsOf([] {
+    const std::string update = updateText("b.t", changes.next());
+    return {UPDATES, secondsOf([&] {
                 for (const std::string &key : updated())
-                    runOurs(updateText("b.t", key));
+                    runOurs(update + "'" + key + "';");
             })};
 }
 
 BenchRun updateTheirs() {
+    static BenchChanges changes(BY_TEXT);
     Sqlite::loaded();
-    return {UPDATES, secondsOf([] {
+    const std::string update = updateText("t", changes.next());
+    return {UPDATES, secondsOf([&] {
                 Sqlite::loaded().run("begin");
                 for (const std::string &key : updated())
-                    runTheirs(updateText("t", key));
+                    runTheirs(update + "'" + key + "';");
                 Sqlite::loaded().run("commit");
             })};
 }
 
 BenchRun updateCompiledOurs() {
+    static BenchChanges changes(COMPILED);
     OurStore &store = OurStore::loaded();
-    OurStatement statement("update b.t set Load = 1.5, Status = 2 where EntityName = '';");
+    OurStatement statement(updateText("b.t", changes.next()) + "'';");
     return {UPDATES, secondsOf([&] {
                 for (const std::string &key : updated()) {
                     statement.setKey(CZelAtom(key.c_str()));
@@ -78,8 +88,9 @@ BenchRun updateCompiledOurs() {
 }
 
 BenchRun updateCompiledTheirs() {
+    static BenchChanges changes(COMPILED);
     Sqlite &database = Sqlite::loaded();
-    SqliteStatement statement(database.get(), "update t set Load = 1.5, Status = 2 where EntityName = ?");
+    SqliteStatement statement(database.get(), updateText("t", changes.next()) + "?");
     return {UPDATES, secondsOf([&] {
                 database.run("begin");
                 for (const std::string &key : updated()) {
@@ -92,13 +103,17 @@ BenchRun updateCompiledTheirs() {
 }
 
 BenchRun updateAllOurs() {
+    static BenchChanges changes(ALL_ROWS);
     OurStore::loaded();
-    return {BENCH_ROWS, secondsOf([] { runOurs("update b.t set Status = 1;"); })};
+    const std::string update = updateAllText("b.t", changes.next());
+    return {BENCH_ROWS, secondsOf([&] { runOurs(update); })};
 }
 
 BenchRun updateAllTheirs() {
+    static BenchChanges changes(ALL_ROWS);
     Sqlite::loaded();
-    return {BENCH_ROWS, secondsOf([] { runTheirs("update t set Status = 1;"); })};
+    const std::string update = updateAllText("t", changes.next());
+    return {BENCH_ROWS, secondsOf([&] { runTheirs(update); })};
 }
 
 BenchRun deleteOurs() {

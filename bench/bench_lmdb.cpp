@@ -14,6 +14,7 @@ namespace {
 
 constexpr int READS = 20000;
 constexpr int UPDATED_TYPES = 10;
+enum Work : int { MANY_ROWS, KEYED };
 constexpr long long SLOW = 25000000000;                            // a quarter of the rows is below
 constexpr int UPDATES = BENCH_ROWS / BENCH_TYPES * UPDATED_TYPES;  // about, as types are random
 
@@ -83,15 +84,19 @@ BenchRun scan() {
 }
 
 BenchRun update() {
+    static BenchChanges changes(MANY_ROWS);
     Lmdb &database = folder().database();
-    return {UPDATES, secondsOf([&] { database.setLoadBelowType(UPDATED_TYPES, 1.5F); })};
+    const BenchChange change = changes.next();
+    return {UPDATES, secondsOf([&] { database.setLoadBelowType(UPDATED_TYPES, change.load); })};
 }
 
 BenchRun updateKeyed() {
+    static BenchChanges changes(KEYED);
     Lmdb &database = folder().database();
+    const BenchChange change = changes.next();
     return {READS, secondsOf([&] {
                 for (const std::string &key : readKeys())
-                    database.update(key, 1.5F, 2);
+                    database.update(key, change.load, change.status);
             })};
 }
 

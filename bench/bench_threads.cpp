@@ -23,6 +23,7 @@ using Step = std::function<void(const std::string &key)>;  // one statement
 
 constexpr auto TIME = std::chrono::milliseconds(150);  // of one run
 constexpr int KEYED = 50000;
+constexpr int WORK = 7;  // no other one that updates the same rows
 constexpr long CACHE_BYTES = 256L * 1024 * 1024;
 
 // What one thread got through.
@@ -63,7 +64,7 @@ std::vector<Share> race(const std::vector<Step> &steps) {
     return shares;
 }
 
-Step ours(const char *text) {
+Step ours(const std::string &text) {
     OurStore::loaded();
     const auto statement = std::make_shared<OurStatement>(text);
     return [statement](const std::string &key) {
@@ -77,7 +78,8 @@ Step ourSelect() {
 }
 
 Step ourUpdate() {
-    return ours("update b.t set Load = 1.5, Status = 2 where EntityName = '';");
+    static BenchChanges changes(WORK);
+    return ours("update b.t set " + changes.next().text() + " where EntityName = '';");
 }
 
 // A file with the rows; it goes with the program.
@@ -105,7 +107,7 @@ private:
     std::filesystem::path m_directory;
 };
 
-Step theirs(const std::shared_ptr<Sqlite> &connection, const char *text) {
+Step theirs(const std::shared_ptr<Sqlite> &connection, const std::string &text) {
     const auto statement = std::make_shared<SqliteStatement>(connection->get(), text);
     return [connection, statement, row = BenchRow()](const std::string &key) mutable {
         statement->bind(1, key);
@@ -122,7 +124,8 @@ Step theirSelect(std::size_t reader) {
 
 Step theirUpdate() {
     static const std::shared_ptr<Sqlite> connection = SqliteFile::connect();
-    return theirs(connection, "update t set Load = 1.5, Status = 2 where EntityName = ?");
+    static BenchChanges changes(WORK);
+    return theirs(connection, "update t set " + changes.next().text() + " where EntityName = ?");
 }
 
 std::vector<Step> ourMixed() {

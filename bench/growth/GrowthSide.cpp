@@ -76,9 +76,10 @@ BenchRun GrowthSide::scan() {
 }
 
 BenchRun GrowthSide::update() {
+    const std::string update = "update " + table("t") + " set " + m_changes.next().text() + " where EntityName = '";
     std::vector<std::string> statements;
     for (const std::string &key : m_keys)
-        statements.push_back("update " + table("t") + " set Load = 1.5, Status = 2 where EntityName = '" + key + "';");
+        statements.push_back(update + key + "';");
     return runAll(statements);
 }
 

@@ -43,4 +43,5 @@ private:
     const std::vector<BenchRow> &m_rows;
     std::size_t m_size;
     std::vector<std::string> m_keys;  // of rows in the table, at random
+    BenchChanges m_changes{0};
 };
