@@ -1,6 +1,7 @@
 #include "foundations/base/CZelROMPer_format.h"
 
 #include "foundations/base/ZelCrc32c.h"
+#include "foundations/base/ZelCrc32c_instruction.h"
 #include "foundations/base/ZelShortBytes.h"
 
 namespace {
@@ -10,12 +11,6 @@ struct ByTables {
 };
 
 #if defined(__x86_64__)
-
-// The instruction by itself, so that code for any processor can hold it; it runs only where the processor has it.
-inline std::uint64_t step(std::uint64_t check, std::uint64_t word) {
-    __asm__("crc32q %1, %0" : "+r"(check) : "rm"(word));
-    return check;
-}
 
 // For a body that stands behind its head, so that the bytes before it can be read too. What is left of it behind the
 // whole words, one to eight bytes, is laid into the top of a word: zeros before it change nothing when the check
@@ -28,19 +23,16 @@ struct ByProcessor {
         std::uint64_t check = 0xFFFFFFFFU;
         const unsigned char *last = body + length - WORD;
         for (; body < last; body += WORD)
-            check = step(check, ZelLoadWord<std::uint64_t>(body));
+            check = ZelCrc32cStep(check, ZelLoadWord<std::uint64_t>(body));
         const std::ptrdiff_t known =
             8 * (body - last);  // bits of the last word that are checked already, or the head's
         const std::uint64_t word = (ZelLoadWord<std::uint64_t>(last) >> known ^ check) << known;
-        return ~static_cast<std::uint32_t>(step(0, word) ^ check >> 1 >> (BITS - 1 - known));
+        return ~static_cast<std::uint32_t>(ZelCrc32cStep(0, word) ^ check >> 1 >> (BITS - 1 - known));
     }
 };
 
-const bool g_hasInstruction = __builtin_cpu_supports("sse4.2") != 0;
-
 #else
 using ByProcessor = ByTables;
-constexpr bool g_hasInstruction = false;
 #endif
 
 template <class Check>
@@ -74,9 +66,9 @@ std::uint32_t RompCheck(const unsigned char *data, std::size_t length) {
 }
 
 std::size_t RompIntact(const unsigned char *data, std::size_t length) {
-    return g_hasInstruction ? intact<ByProcessor>(data, length) : intact<ByTables>(data, length);
+    return g_hasCrc32c ? intact<ByProcessor>(data, length) : intact<ByTables>(data, length);
 }
 
 void RompSeal(unsigned char *data, std::size_t length) {
-    return g_hasInstruction ? seal<ByProcessor>(data, length) : seal<ByTables>(data, length);
+    return g_hasCrc32c ? seal<ByProcessor>(data, length) : seal<ByTables>(data, length);
 }

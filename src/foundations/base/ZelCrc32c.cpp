@@ -1,7 +1,9 @@
 #include "foundations/base/ZelCrc32c.h"
 
 #include <array>
-#include <cstring>
+
+#include "foundations/base/ZelCrc32c_instruction.h"
+#include "foundations/base/ZelShortBytes.h"
 
 namespace {
 
@@ -70,35 +72,26 @@ std::uint32_t shifted(std::uint64_t crc) {
            STREAM_SHIFT[3][crc >> 24 & 0xFFU];
 }
 
-std::uint64_t wordAt(const unsigned char *bytes) {
-    std::uint64_t word;
-    std::memcpy(&word, bytes, sizeof word);
-    return word;
-}
-
 // The instruction takes three cycles but can begin in every one, so three runs side by side keep it busy; see Gopal
 // et al., "Fast CRC Computation for iSCSI Polynomial Using CRC32 Instruction", 2011.
-__attribute__((target("sse4.2"))) std::uint64_t threeStreams(std::uint64_t crc, const unsigned char *bytes) {
+std::uint64_t threeStreams(std::uint64_t crc, const unsigned char *bytes) {
     std::uint64_t second = 0, third = 0;
     for (std::size_t i = 0; i < STREAM; i += 8) {
-        crc = __builtin_ia32_crc32di(crc, wordAt(bytes + i));
-        second = __builtin_ia32_crc32di(second, wordAt(bytes + STREAM + i));
-        third = __builtin_ia32_crc32di(third, wordAt(bytes + 2 * STREAM + i));
+        crc = ZelCrc32cStep(crc, ZelLoadWord<std::uint64_t>(bytes + i));
+        second = ZelCrc32cStep(second, ZelLoadWord<std::uint64_t>(bytes + STREAM + i));
+        third = ZelCrc32cStep(third, ZelLoadWord<std::uint64_t>(bytes + 2 * STREAM + i));
     }
     return shifted(shifted(crc) ^ second) ^ third;
 }
 
-__attribute__((target("sse4.2"))) std::uint32_t byInstruction(std::uint32_t start, const unsigned char *bytes,
-                                                              std::size_t length) {
-    std::uint64_t crc = start;
+std::uint32_t byInstruction(std::uint64_t crc, const unsigned char *bytes, std::size_t length) {
     for (; length >= 3 * STREAM; bytes += 3 * STREAM, length -= 3 * STREAM)
         crc = threeStreams(crc, bytes);
     for (; length >= 8; bytes += 8, length -= 8)
-        crc = __builtin_ia32_crc32di(crc, wordAt(bytes));
-    auto rest = static_cast<std::uint32_t>(crc);
+        crc = ZelCrc32cStep(crc, ZelLoadWord<std::uint64_t>(bytes));
     for (; length > 0; ++bytes, --length)
-        rest = __builtin_ia32_crc32qi(rest, *bytes);
-    return rest;
+        crc = ZelCrc32cStep(crc, *bytes);
+    return static_cast<std::uint32_t>(crc);
 }
 #endif
 
@@ -123,8 +116,7 @@ std::uint32_t ZelCrc32c(const void *bytes, std::size_t length) {
 std::uint32_t ZelCrc32cBehind(std::uint32_t former, const void *data, std::size_t length) {
     const auto *bytes = static_cast<const unsigned char *>(data);
 #if defined(__x86_64__)
-    static const bool hasInstruction = __builtin_cpu_supports("sse4.2") != 0;
-    if (hasInstruction)
+    if (g_hasCrc32c)
         return ~byInstruction(~former, bytes, length);
 #endif
     return ~byTable(~former, bytes, length);
