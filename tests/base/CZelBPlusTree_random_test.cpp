@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -209,6 +210,32 @@ TEST_P(BPlusTreeRandomTest, AFilledTreeIsTheOneThatAdditionsMake) {
         for (int i = 0; i < 3000 && !HasFatalFailure(); ++i)
             step(random, keys.key(), true);
         compareKeys();
+        removeAll(random);
+    }
+}
+
+// Texts that begin alike, all of them or in large groups, and go on for a few bytes or for many; some end where others
+// go on.
+TEST_P(BPlusTreeRandomTest, ATreeIsFilledWithTextsThatBeginAlikeForAnyLength) {
+    TestRandom random;
+    for (unsigned known = 0; known < 28 && !HasFatalFailure(); ++known) {
+        const std::string front(known, random.oneIn(2) ? 'a' : '\xe9');
+        std::vector<SZelKeyedObject> pairs;
+        for (unsigned i = 0; i < 2500; ++i) {
+            std::string text = front;
+            for (unsigned groups = random.below(4); groups > 0; --groups)
+                text += random.oneIn(2) ? "/interfaces" : "/interface";
+            for (unsigned rest = random.below(3); rest > 0; --rest)
+                text += "\x01-a\xff"[random.below(4)];
+            const CZelAtom key(text.c_str(), text.size());
+            if (addToModel(key, &m_objects[i]) == E_RCOk)
+                pairs.push_back({key, &m_objects[i]});
+        }
+        ASSERT_EQ(E_RCOk, m_tree.RBPTLoad(pairs));
+        compareKeys();
+        for (const auto &entry : m_model)
+            compareNode(entry.first);
+        compareAnswers(std::next(m_model.begin(), random.below(static_cast<unsigned>(m_model.size())))->first);
         removeAll(random);
     }
 }

@@ -13,14 +13,23 @@ bool CZelBTreeNode::RBTNHolds(const void *other) const {
 void CZelBTreeNode::set(void *first) {
     m_word = reinterpret_cast<std::uintptr_t>(first);
     if (hasSet())
-        makeSet(first);
+        makeSet(first, 1);
+}
+
+void CZelBTreeNode::setMany(unsigned count) {
+    if (!hasSet())
+        makeSet(object(), count + 1);
+}
+
+void CZelBTreeNode::addNew(void *object) {
+    objects()->addNew(object);
 }
 
 bool CZelBTreeNode::add(void *more) {
     if (!hasSet()) {
         if (object() == more)
             return false;
-        makeSet(object());
+        makeSet(object(), 2);
     }
     return objects()->add(more);
 }
@@ -47,9 +56,9 @@ void CZelBTreeNode::release() {
     m_word = 0;
 }
 
-void CZelBTreeNode::makeSet(void *object) {
-    CZelObjectSet *objects = new CZelObjectSet;
-    objects->add(object);
+void CZelBTreeNode::makeSet(void *object, unsigned capacity) {
+    CZelObjectSet *objects = new CZelObjectSet(capacity);
+    objects->addNew(object);
     m_word = reinterpret_cast<std::uintptr_t>(objects) | SET;
 }
 

@@ -51,6 +51,8 @@ private:
 
     // The tables that hold entries move them as plain bytes and call `release` for the last time.
     void set(void *object);        // the first object
+    void setMany(unsigned count);  // makes ready for so many more, all different, which addNew then brings
+    void addNew(void *object);
     bool add(void *object);        // false when it is there
     Removal remove(void *object);  // LEFT_NONE: what was the only object is gone, nothing is to be released
     void release();
@@ -62,7 +64,7 @@ private:
     void *oldestOfSet() const;
     unsigned int countOfSet() const;
     void appendSetTo(CZelBag &bag) const;
-    void makeSet(void *object);
+    void makeSet(void *object, unsigned capacity);
 
     static constexpr std::uintptr_t SET = 1;
     std::uintptr_t m_word;

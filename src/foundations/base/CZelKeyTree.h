@@ -104,16 +104,17 @@ private:
     static unsigned int placeOfPrint(const Node *leaf, std::uint8_t print, unsigned int from);
     static unsigned int branchFor(const Node *node, const Wanted &wanted);
     static std::uint8_t printOf(const CZelAtom &key);
+    static constexpr unsigned int HEAD_BITS = 62;  // below the type
     static std::uint64_t headOf(const CZelAtom &key);
     static std::uint64_t headOfText(std::string_view text);
     static std::uint64_t headOfNumber(double number);
 
-    // Loading: the places of the pairs in key order, with the heads of their keys.
+    // Loading.
     struct Ranked;
-    static std::vector<Ranked> rank(const std::vector<SZelKeyedObject> &pairs);
-    static void sortByHead(std::vector<Ranked> &ranked);
-    static void settleTies(std::vector<Ranked> &ranked, const std::vector<SZelKeyedObject> &pairs);
+    class Ranking;
+    using RankedPlace = std::vector<Ranked>::const_iterator;
     std::vector<Node *> makeLeaves(std::vector<SZelKeyedObject> &pairs, const std::vector<Ranked> &ranked);
+    static RankedPlace addToLeaf(Node *leaf, std::vector<SZelKeyedObject> &pairs, RankedPlace next, RankedPlace end);
     static std::vector<Node *> makeParents(const std::vector<Node *> &children, bool areLeaves);
     template <class Number>
     static Number loadBigEndian(const char *bytes);

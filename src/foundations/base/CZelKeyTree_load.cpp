@@ -1,16 +1,9 @@
-// Filling a tree at once. The pairs are sorted by the heads of their keys, digit by digit, and within one head by
-// comparing; then the nodes are laid out level by level.
+// Filling a tree at once: the pairs are ranked by their keys, then the nodes are laid out level by level.
 #include <algorithm>
-#include <array>
 
 #include "foundations/base/CZelKeyTree.h"
 #include "foundations/base/CZelKeyTree_nodes.h"
-
-struct CZelKeyTree::Ranked {
-    std::uint64_t head;
-    std::uint32_t place;  // among the pairs
-    bool isTwin = false;  // has the key of the one before
-};
+#include "foundations/base/CZelKeyTree_rank.h"
 
 namespace {
 
@@ -29,85 +22,54 @@ private:
 }  // namespace
 
 bool CZelKeyTree::RKTLoad(std::vector<SZelKeyedObject> &pairs, bool isUnique) {
-    const std::vector<Ranked> ranked = rank(pairs);
-    const bool hasTwins = std::any_of(ranked.begin(), ranked.end(), [&](const Ranked &one) {
-        return one.isTwin && !pairs[one.place].m_key.RAIsUndefined();
-    });
-    if (isUnique && hasTwins)
+    const Ranking ranking(pairs);
+    if (isUnique && ranking.hasTwins())
         return false;
     if (pairs.empty())
         return true;
-    std::vector<Node *> level = makeLeaves(pairs, ranked);
+    m_length = ranking.keys();
+    std::vector<Node *> level = makeLeaves(pairs, ranking.ranked());
     for (m_depth = 0; level.size() > 1; ++m_depth)
         level = makeParents(level, m_depth == 0);
     m_root = level.front();
     return true;
 }
 
-std::vector<CZelKeyTree::Ranked> CZelKeyTree::rank(const std::vector<SZelKeyedObject> &pairs) {
-    std::vector<Ranked> ranked;
-    ranked.reserve(pairs.size());
-    for (const SZelKeyedObject &pair : pairs)
-        ranked.push_back({headOf(pair.m_key), static_cast<std::uint32_t>(ranked.size())});
-    sortByHead(ranked);
-    settleTies(ranked, pairs);
-    return ranked;
-}
-
-// Least digit first, and each pass keeps the order of what is equal; a digit that is the same in all needs no pass.
-void CZelKeyTree::sortByHead(std::vector<Ranked> &ranked) {
-    std::vector<Ranked> sorted(ranked.size());
-    for (unsigned int shift = 0; shift < 64; shift += 8) {
-        std::array<std::size_t, 257> begins{};
-        for (const Ranked &one : ranked)
-            ++begins[(one.head >> shift & 0xFFU) + 1];
-        if (std::find(begins.begin(), begins.end(), ranked.size()) != begins.end())
-            continue;
-        for (std::size_t digit = 1; digit < begins.size(); ++digit)
-            begins[digit] += begins[digit - 1];
-        for (const Ranked &one : ranked)
-            sorted[begins[one.head >> shift & 0xFFU]++] = one;
-        ranked.swap(sorted);
-    }
-}
-
-void CZelKeyTree::settleTies(std::vector<Ranked> &ranked, const std::vector<SZelKeyedObject> &pairs) {
-    const auto order = [&pairs](const Ranked &left, const Ranked &right) {
-        return pairs[left.place].m_key.RALex(&pairs[right.place].m_key, nullptr);
-    };
-    for (auto begin = ranked.begin(), end = begin; begin != ranked.end(); begin = end) {
-        end = std::find_if(begin, ranked.end(), [head = begin->head](const Ranked &one) { return one.head != head; });
-        const auto isLess = [&order](const Ranked &left, const Ranked &right) { return order(left, right) < 0; };
-        if (!std::is_sorted(begin, end, isLess))
-            std::stable_sort(begin, end, isLess);
-        for (auto one = begin; one != end && one + 1 != end; ++one)
-            one[1].isTwin = order(one[0], one[1]) == 0;
-    }
-}
-
-// Twins go into one entry.
 std::vector<CZelKeyTree::Node *> CZelKeyTree::makeLeaves(std::vector<SZelKeyedObject> &pairs,
                                                          const std::vector<Ranked> &ranked) {
-    m_length = static_cast<std::size_t>(
-        std::count_if(ranked.begin(), ranked.end(), [](const Ranked &one) { return !one.isTwin; }));
     const Portions portions(m_length, Node::MOST);
     std::vector<Node *> leaves;
+    leaves.reserve(portions.nodes());
     auto next = ranked.begin();
-    for (std::size_t number = 0, key = 0; number < portions.nodes(); ++number) {
-        Node *leaf = makeNode(spaceFor(static_cast<unsigned int>(portions.end(number) - key)), sizeof(Node::Print));
-        for (; key < portions.end(number); ++key) {
-            Loose loose;
-            new (&loose.item.key) CZelAtom(std::move(pairs[next->place].m_key));
-            loose.item.entry.set(pairs[next->place].m_object);
-            for (++next; next != ranked.end() && next->isTwin; ++next)
-                loose.item.entry.add(pairs[next->place].m_object);
-            insertItem(leaf, leaf->count, loose.item);
-        }
+    for (std::size_t number = 0, key = 0; number < portions.nodes(); key = portions.end(number++)) {
+        const auto count = static_cast<unsigned int>(portions.end(number) - key);
+        Node *leaf = makeNode(spaceFor(count), sizeof(Node::Print));
+        for (unsigned int i = 0; i < count; ++i)
+            next = addToLeaf(leaf, pairs, next, ranked.end());
         if (!leaves.empty())
             linkBehind(leaves.back(), leaf);
         leaves.push_back(leaf);
     }
     return leaves;
+}
+
+// The next key behind those that a leaf has; twins go into one entry. Gives the place behind them.
+CZelKeyTree::RankedPlace CZelKeyTree::addToLeaf(Node *leaf, std::vector<SZelKeyedObject> &pairs, RankedPlace next,
+                                                RankedPlace end) {
+    constexpr std::ptrdiff_t AHEAD = 12;
+    if (end - next > AHEAD)
+        __builtin_prefetch(&pairs[next[AHEAD].place], 1);
+    SZelKeyedObject &pair = pairs[next->place];
+    Item *item = leaf->items() + leaf->count;
+    new (&item->key) CZelAtom(std::move(pair.m_key));
+    *leaf->mark(leaf->count++) = static_cast<char>(next->print);
+    item->entry.set(pair.m_object);
+    const RankedPlace behind = std::find_if(++next, end, [](const Ranked &one) { return !one.isTwin; });
+    if (next != behind)
+        item->entry.setMany(static_cast<unsigned int>(behind - next));
+    for (; next != behind; ++next)
+        item->entry.addNew(pairs[next->place].m_object);
+    return next;
 }
 
 // Each child but the first of all brings the key that parts it from the one before, until a level above takes it.

@@ -110,7 +110,7 @@ inline std::uint64_t CZelKeyTree::headOfNumber(double number) {
 // Of two keys the one with the lesser head is less; one head says nothing. The type is in its two highest bits.
 inline std::uint64_t CZelKeyTree::headOf(const CZelAtom &key) {
     constexpr int NUMBER = 1, TEXT = 2, OTHER = 3;
-    const auto ranked = [](std::uint64_t rank, std::uint64_t head) { return rank << 62 | head >> 2; };
+    const auto ranked = [](std::uint64_t rank, std::uint64_t head) { return rank << HEAD_BITS | head >> 2; };
     if (key.RAType() == E_RDTText)
         return ranked(TEXT, headOfText(key.RATextView()));
     if (key.RAIsNumber())

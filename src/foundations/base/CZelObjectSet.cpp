@@ -43,6 +43,11 @@ bool CZelObjectSet::add(void *object) {
     if (holds(object))
         return false;
     dropList();
+    addNew(object);
+    return true;
+}
+
+void CZelObjectSet::addNew(void *object) {
     if (m_used == m_capacity)
         makeSpace();
     m_objects[m_used] = object;
@@ -50,7 +55,6 @@ bool CZelObjectSet::add(void *object) {
         enter(m_used);
     ++m_used;
     ++m_live;
-    return true;
 }
 
 // Closes the gaps if that gives room for a good while, else grows.

@@ -19,12 +19,14 @@ class CZelObjectSet {
 public:
     ZEL_POOLED
 
-    CZelObjectSet() = default;
+    // With room for so many.
+    explicit CZelObjectSet(std::uint32_t capacity) { rebuild(capacity); }
     CZelObjectSet(const CZelObjectSet &) = delete;
     CZelObjectSet &operator=(const CZelObjectSet &) = delete;
     ~CZelObjectSet();
 
     bool add(void *object);     // false when it is there
+    void addNew(void *object);  // Requires: it is not there, and nobody has asked for the list
     bool remove(void *object);  // false when it is not there
     bool holds(const void *object) const { return find(object) != NOWHERE; }
     unsigned int length() const { return m_live; }
