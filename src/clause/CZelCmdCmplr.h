@@ -71,6 +71,7 @@ public:
     void RCCSetCurrentRec(CZelRecord *record, int position);  // records stay the caller's
     void RCCAppendCurrentRec(CZelRecord *record);             // what stood last becomes the enclosing record
     void RCCSetRecordVector(CZelRecordVector *records);       // copies the vector; null for none
+    const CZelRecordVector *RCCRecords() const { return m_RecordVector; }  // null: none was set
     void RCCSetEntityName(const CZelAtom *name, unsigned int level);
     void RCCPurgeVectors();
     void RCCReInitialise();  // ready for a new use; the constants stay

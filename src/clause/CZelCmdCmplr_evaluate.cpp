@@ -68,9 +68,7 @@ CZelRecord *CZelCmdCmplr::recordAt(int level) const {
 }
 
 const CZelAtom *CZelCmdCmplr::RCCField(const CZelFieldName &name) const {
-    const CZelRecord *record = name.IsName() ? recordAt(name.Level()) : nullptr;
-    const CZelVarBind *field = record != nullptr ? record->RRVbIterator()->RVBLFind(name.Name()) : nullptr;
-    return field != nullptr ? field->RVBValue() : nullptr;
+    return name.ValueIn(m_RecordVector);
 }
 
 CZelAtom *CZelCmdCmplr::RCCEvaluateAmpersand(const char *name) {

@@ -11,6 +11,8 @@ CZelCompiledAmpersand::CZelCompiledAmpersand(CZelCompiledClause *name, CZelBag *
     const auto *literal = dynamic_cast<const CZelCompiledLiteral *>(name);
     if (literal != nullptr && literal->RCLAtom() != nullptr)
         m_field = CZelFieldName(literal->RCLAtom()->RAString());
+    if (m_field.IsName() && path == nullptr)
+        setPlain(m_field);
 }
 
 CZelCompiledAmpersand::~CZelCompiledAmpersand() {

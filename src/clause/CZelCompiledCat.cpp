@@ -5,6 +5,17 @@
 #include "foundations/base/CZelBag.h"
 #include "foundations/base/CZelString.h"
 
+namespace {
+
+const CZelAtom *valueOf(const CZelCompiledClause &part, CZelCmdCmplr &compiler, CZelClauseValue &computed) {
+    if (part.RCCIsPlain())
+        return part.RCCPlainValue(compiler.RCCRecords());
+    part.RCCEvaluate(compiler, computed);
+    return computed.Get();
+}
+
+}  // namespace
+
 CZelCompiledCat::CZelCompiledCat(CZelBag *parts) : m_parts(parts) {
     requireOperand(parts);
 }
@@ -23,10 +34,9 @@ void CZelCompiledCat::RCCEvaluate(CZelCmdCmplr &compiler, CZelClauseValue &value
         return;
     CZelString text;
     CZelClauseValue part;
-    for (CZelPointer *node = m_parts->RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
-        static_cast<const CZelCompiledClause *>(node->RPData())->RCCEvaluate(compiler, part);
-        CZelCmdCmplr::RCCCatPart(text, part.Get());
-    }
+    for (CZelPointer *node = m_parts->RBFirst(); node != nullptr; node = CZelBag::RBNext(node))
+        CZelCmdCmplr::RCCCatPart(text,
+                                 valueOf(*static_cast<const CZelCompiledClause *>(node->RPData()), compiler, part));
     value.Set(CZelAtom(text.RSTakeString()));
 }
 

@@ -8,6 +8,7 @@
 // Operands are owned by the node. What an evaluation gives is new and the caller's; null is no value.
 #pragma once
 
+#include "clause/CZelFieldName.h"
 #include "foundations/base/CZelPool.h"
 #include "foundations/port/ZelExport.h"
 
@@ -34,7 +35,16 @@ public:
     // The value into `value`, whatever that held. The base goes by RCCEvaluateToExpr.
     virtual void RCCEvaluate(CZelCmdCmplr &compiler, CZelClauseValue &value) const;
 
+    // Does the value lie there before it is evaluated: in a field of a record, or as a constant?
+    bool RCCIsPlain() const { return m_plainField != nullptr || m_plainAtom != nullptr; }
+    const CZelAtom *RCCPlainValue(const CZelRecordVector *records) const {  // null: no value, or not plain
+        return m_plainField != nullptr ? m_plainField->ValueIn(records) : m_plainAtom;
+    }
+
 protected:
+    void setPlain(const CZelFieldName &field) { m_plainField = &field; }
+    void setPlain(const CZelAtom *constant) { m_plainAtom = constant; }
+
     // Adds the value of each node of the bag, an undefined atom where there is none. A null bag adds nothing.
     void RCCEvaluateClauseBag(CZelCmdCmplr &compiler, CZelAtomVector &out, CZelBag *clauses) const;
     void RCCEmptyClauseBag(CZelBag *clauses) const;     // deletes the nodes, not the bag
@@ -44,4 +54,8 @@ protected:
     static CZelCompiledClause *cloneOf(const CZelCompiledClause *clause);  // null for null
     void deleteClauseBag(CZelBag *clauses) const;
     static void requireOperand(const void *operand);  // a missing one is reported
+
+private:
+    const CZelFieldName *m_plainField = nullptr;  // of the node, as the atom is
+    const CZelAtom *m_plainAtom = nullptr;
 };

@@ -1,15 +1,30 @@
 #include "clause/CZelCompiledExpr.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 #include <vector>
 
 #include "clause/CZelClauseValue.h"
+#include "clause/CZelCmdCmplr.h"
 #include "foundations/port/CZelError.h"
 #include "oql/CZelExpr.h"
 #include "oql/ZelFoldImpl.h"
 
 namespace {
+
+EZelFold foldOf(EZelClauseOpr op) {
+    switch (op) {
+        case E_RCOPlus:
+            return EZelFold::ADD;
+        case E_RCOMinus:
+            return EZelFold::SUBTRACT;
+        case E_RCODivide:
+            return EZelFold::DIVIDE;
+        default:
+            return EZelFold::MULTIPLY;
+    }
+}
 
 void compute(CZelClauseValue &left, EZelFold operation, const CZelAtom &right) {
     CZelAtom &result = left.Place();
@@ -138,6 +153,7 @@ CZelCompiledExpr::CZelCompiledExpr(CZelCompiledClause *left, EZelClauseOpr op, C
     m_unary = false;
     m_rightExpr = dynamic_cast<const CZelCompiledExpr *>(right);
     m_isNested = m_isNested || m_rightExpr != nullptr;
+    m_depth = std::max(m_depth, op >= E_RCOPlus && op <= E_RCOMultiply ? depthOfRight() : NOT_SIMPLE);
     requireOperand(right);
 }
 
@@ -147,6 +163,9 @@ CZelCompiledExpr::CZelCompiledExpr(CZelCompiledClause *operand) : m_left(operand
         spine->m_up = this;
         m_foot = spine->m_foot;
         m_isNested = spine->m_isNested;
+        m_depth = spine->m_depth;
+    } else if (operand == nullptr || !operand->RCCIsPlain()) {
+        m_depth = NOT_SIMPLE;
     }
 }
 
@@ -176,10 +195,45 @@ CZelExpr *CZelCompiledExpr::RCCEvaluateToExpr(CZelCmdCmplr &compiler) const {
 }
 
 void CZelCompiledExpr::RCCEvaluate(CZelCmdCmplr &compiler, CZelClauseValue &value) const {
+    if (m_depth <= MAX_SIMPLE_DEPTH) {
+        const CZelNumber computed = number(compiler.RCCRecords());
+        if (computed.IsNumber())
+            return value.Set(computed.Atom());
+    }
+    evaluateAny(compiler, value);
+}
+
+void CZelCompiledExpr::evaluateAny(CZelCmdCmplr &compiler, CZelClauseValue &value) const {
     Evaluation evaluation(compiler, value);
     if (!m_isNested)
         return climb(this, evaluation);
     walk(this, evaluation);
+}
+
+int CZelCompiledExpr::depthOfRight() const {
+    if (m_rightExpr != nullptr)
+        return std::min(m_rightExpr->m_depth + 1, NOT_SIMPLE);
+    return m_right != nullptr && m_right->RCCIsPlain() ? 0 : NOT_SIMPLE;
+}
+
+CZelNumber CZelCompiledExpr::number(const CZelRecordVector *records) const {
+    const CZelCompiledExpr *node = m_foot;
+    CZelNumber number(node->m_left->RCCPlainValue(records));
+    for (; number.IsNumber(); node = node->m_up) {
+        if (node->m_unary)
+            number.Negate();
+        else if (const CZelNumber right = node->rightNumber(records); right.IsNumber())
+            number.Compute(foldOf(node->m_op), right);  // a division by zero leaves the number
+        else
+            return right;
+        if (node == this)
+            return number;
+    }
+    return number;
+}
+
+CZelNumber CZelCompiledExpr::rightNumber(const CZelRecordVector *records) const {
+    return m_rightExpr != nullptr ? m_rightExpr->number(records) : CZelNumber(m_right->RCCPlainValue(records));
 }
 
 void CZelCompiledExpr::combine(CZelClauseValue &left, CZelClauseValue &right) const {

@@ -4,6 +4,7 @@
 
 CZelCompiledLiteral::CZelCompiledLiteral(CZelAtom *atom) : m_atom(atom) {
     requireOperand(atom);
+    setPlain(atom);
 }
 
 CZelCompiledLiteral::~CZelCompiledLiteral() {

@@ -75,7 +75,8 @@ CZelVarBind *CZelEvalClause::RECEvaluateClause(CZelCmdCmplr &compiler) {
 }
 
 bool CZelEvalClause::RECEvaluateValue(CZelCmdCmplr &compiler, CZelClauseValue &value) {
-    RECCompileClause();
+    if (m_compiled.load(std::memory_order_acquire) == nullptr)
+        RECCompileClause();
     return RECEvaluateCompiled(compiler, value);
 }
 
@@ -102,7 +103,7 @@ bool CZelEvalClause::RECEvaluateCompiled(CZelCmdCmplr &compiler, CZelClauseValue
         return false;
     for (; entry != nullptr; entry = CZelBag::RBNext(entry)) {
         nodeOf(entry)->RCCEvaluate(compiler, value);
-        if (value.HasValue() && !value.IsWhole())
+        if (value.HasValue() && !value.IsWhole() && !isOfType(*value.Get()))
             convert(value);
     }
     return true;
@@ -117,11 +118,17 @@ CZelVarBind *CZelEvalClause::resultOf(CZelClauseValue &value) {
     return namelessList(CZelAtom(list));
 }
 
+// The elements of a list have types too.
+bool CZelEvalClause::isOfType(const CZelAtom &atom) const {
+    const EZelDataType type = m_type != nullptr ? m_type->RCDDataType() : atom.RAType();
+    return type == atom.RAType() && type != E_RDTList;
+}
+
 void CZelEvalClause::convert(CZelClauseValue &value) const {
     const EZelDataType type = m_type != nullptr ? m_type->RCDDataType() : value.Get()->RAType();
     if (type == E_RDTList)
         return convertToList(value.Own());
-    const int status = type == value.Get()->RAType() ? 1 : value.Own().RACoerce(type);
+    const int status = value.Own().RACoerce(type);
     if (status != 1)
         reportClause(status, "Could not convert value for clause:");
 }

@@ -50,6 +50,7 @@ private:
     void parse();
     bool RECEvaluateCompiled(CZelCmdCmplr &compiler, CZelClauseValue &value) const;
     static CZelVarBind *resultOf(CZelClauseValue &value);
+    bool isOfType(const CZelAtom &atom) const;
     void convert(CZelClauseValue &value) const;
     void convertToList(CZelAtom &atom) const;
     void reportClause(int code, const char *text) const;

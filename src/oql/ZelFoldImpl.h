@@ -1,10 +1,7 @@
-// Arithmetic on values: int and long compute as int, long64 as long64, float with anything as float; whole numbers
-// wrap.
+// Arithmetic on the values of atoms.
 #pragma once
 
-#include "foundations/base/CZelAtom.h"
-
-enum class EZelFold { ADD, SUBTRACT, MULTIPLY, DIVIDE };
+#include "oql/CZelNumberImpl.h"
 
 // False, and the result untouched, for a division by zero and for operands that are no numbers. Requires: the result is
 // undefined, or the left operand.

@@ -1,9 +1,12 @@
 #include "clause/CZelEvalClause.h"
 
+#include <regex>
+#include <string>
 #include <thread>
 #include <vector>
 
 #include "tests/clause/ClauseFixture.h"
+#include "tests/support/TestRandom.h"
 
 namespace {
 
@@ -31,6 +34,19 @@ protected:
         compiler.RCCAddToConstStore(new CZelVarBind("ListName", "List"));
         compiler.RCCAddToConstStore(new CZelVarBind("Member", "Deep"));
         compiler.RCCAddToConstStore(new CZelVarBind("Indirect", "Two"));
+    }
+
+    // A sum over fields and constants.
+    static std::string randomSum(TestRandom &random, int depth) {
+        static const char *const fields[] = {"Speed", "Load", "Octets", "Ticks", "Zero", "Name", "Nothing", "Missing"};
+        static const char *const operators[] = {" + ", " - ", " * ", " / "};
+        if (depth == 0 || random.oneIn(4))
+            return random.oneIn(5) ? "3" : "&" + std::string(fields[random.below(random.oneIn(3) ? 8 : 5)]);
+        if (random.oneIn(6))
+            return "-(" + randomSum(random, depth - 1) + ")";
+        const std::string left = randomSum(random, depth - 1);
+        const char *op = operators[random.below(4)];
+        return "(" + left + op + randomSum(random, depth - 1) + ")";
     }
 
     void expect(const std::vector<SExample> &examples) {
@@ -70,6 +86,23 @@ TEST_F(EvalClauseTest, ArithmeticBindsAndGroupsAsUsual) {
             {"&Name + 1", "text eth0"},
             {"1 + &Name", "int 1"}});
     EXPECT_EQ(0U, reports.Count());
+}
+
+// A field whose name a constant gives is no plain operand: such a sum takes the road of any values.
+TEST_F(EvalClauseTest, NumbersInPlainFieldsComputeAsAnyValues) {
+    set(current, "Zero", CZelAtom(4294967296L));
+    for (const char *name : {"Speed", "Load", "Octets", "Ticks", "Zero", "Name", "Nothing", "Missing"})
+        compiler.RCCAddToConstStore(new CZelVarBind(name, name));
+    TestRandom random;
+    for (int i = 0; i < 2000; ++i) {
+        const std::string fields = randomSum(random, i % 100 == 0 ? 10 : 4);
+        const std::string value = evaluate(fields);
+        const std::size_t reported = reports.Count();
+        reports.Clear();
+        EXPECT_EQ(evaluate(std::regex_replace(fields, std::regex("&"), "&$$")), value) << fields;
+        EXPECT_EQ(reports.Count(), reported) << fields;
+        reports.Clear();
+    }
 }
 
 TEST_F(EvalClauseTest, ReferencesReachFieldsMembersElementsAndConstants) {

@@ -22,7 +22,7 @@ CZelVarBind *CZelVBList::findText(std::string_view name) const {
         return nullptr;
     const CZelAtom *interned = CZelName::RNFind(name.data(), name.size());
     if (interned != nullptr)
-        return findInterned(interned);
+        return RVBLFindInterned(interned);
     CZelVarBind *binding = m_head;
     while (binding != nullptr && (binding->m_name->RAIsInterned() || binding->m_name->RATextView() != name))
         binding = binding->m_next;

@@ -34,9 +34,15 @@ public:
     // The first binding of that name, or null. A name that is interned is found by address alone.
     CZelVarBind *RVBLFind(const CZelAtom &name) const {
         const CZelAtom *interned = CZelName::RNAtomOf(name);
-        return interned != nullptr ? findInterned(interned) : findText(name.RATextView());
+        return interned != nullptr ? RVBLFindInterned(interned) : findText(name.RATextView());
     }
     CZelVarBind *RVBLFind(const char *name) const;
+    CZelVarBind *RVBLFindInterned(const CZelAtom *name) const {  // an atom of CZelName
+        CZelVarBind *binding = m_head;
+        while (binding != nullptr && binding->m_name != name)
+            binding = binding->m_next;
+        return binding;
+    }
 
     // Asks the memory for the first bindings at once: made together, they mostly follow each other.
     void RVBLPrefetch() const {
@@ -60,12 +66,6 @@ public:
     void RVBLSortList(int (*compare)(const void *, const void *));
 
 private:
-    CZelVarBind *findInterned(const CZelAtom *name) const {
-        CZelVarBind *binding = m_head;
-        while (binding != nullptr && binding->m_name != name)
-            binding = binding->m_next;
-        return binding;
-    }
     CZelVarBind *findText(std::string_view name) const;
 
     CZelVarBind *m_head = nullptr;
