@@ -11,8 +11,8 @@
 // chosen by thread, and then looks at the gate. A writer closes the gate and then looks at the counters.
 // Both do it in the one order of sequentially consistent atomics, so at least one sees the other. While
 // the gate is open, readers touch nothing that another core's readers touch, and only the others use the
-// mutex and the queue. What a thread holds is noted in the thread itself. Who waits looks for its turn for a few
-// microseconds before it sleeps: a statement by key takes less time than waking up.
+// mutex and the queue. What a thread holds is noted in the thread itself. Who waits looks for its turn for about
+// as long as falling asleep and being woken would take: a statement by key is done sooner.
 //
 // Threads: any. Results: 1, or E_RCBadState with nothing changed and no report: upgrade of a reader, or
 // unlocking what this thread does not hold.
