@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -38,6 +39,20 @@ TEST(Crc32c, BothRoadsGiveTheKnownChecksums) {
         byte = static_cast<unsigned char>(random.below(256));
     for (std::size_t length = 0; length < bytes.size(); ++length)
         ASSERT_EQ(ZelCrc32cByTable(bytes.data(), length), ZelCrc32c(bytes.data(), length)) << length;
+}
+
+TEST(Crc32c, APageIsCheckedAsIfItsOwnChecksumWereZeros) {
+    TestRandom random;
+    std::vector<unsigned char> page(512);
+    for (int i = 0; i < 100; ++i) {
+        for (unsigned char &byte : page)
+            byte = static_cast<unsigned char>(random.below(random.below(256) + 1));
+        std::vector<unsigned char> emptied = page;
+        std::fill_n(emptied.begin() + CZelPageView::CHECKSUM, 4, '\0');
+        const std::uint32_t checksum = ZelCrc32cByTable(emptied.data(), emptied.size());
+        ASSERT_EQ(checksum, ZelCrc32cOfPage(page.data()));
+        ASSERT_EQ(checksum, ZelCrc32cOfPageInParts(page.data()));
+    }
 }
 
 TEST(ROMPWrapper, APageReadsBackAsItWasWritten) {

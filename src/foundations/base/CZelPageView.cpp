@@ -4,8 +4,6 @@
 
 namespace {
 
-constexpr std::size_t WORD = 8;
-
 bool isZero(const unsigned char *page) {
     return page[0] == 0 && std::memcmp(page, page + 1, CZelPageView::PAGE_BYTES - 1) == 0;
 }
@@ -25,13 +23,9 @@ CZelPageView::Condition CZelPageView::condition() const {
     return fitsTogether() ? SOUND : DAMAGED;
 }
 
-// Of the page with zeros in the place of its own four bytes.
 std::uint32_t CZelPageView::checksum() const {
-    constexpr std::size_t BEHIND = CHECKSUM + WORD;
-    unsigned char word[WORD] = {};
-    std::memcpy(word + sizeof(std::uint32_t), m_page + HEADER_BYTES, sizeof(std::uint32_t));
-    const std::uint32_t before = ZelCrc32cBehind(ZelCrc32c(m_page, CHECKSUM), word, sizeof word);
-    return ZelCrc32cBehind(before, m_page + BEHIND, PAGE_BYTES - BEHIND);
+    static_assert(PAGE_BYTES == 512 && CHECKSUM == 40);
+    return ZelCrc32cOfPage(m_page);
 }
 
 bool CZelPageView::fitsTogether() const {
