@@ -1,10 +1,14 @@
 #include "store/CZelCacheWalk.h"
 
+#include <bit>
+
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelROMPColumns.h"
 #include "foundations/port/CZelError.h"
 
 namespace {
+
+constexpr int BITS = 64;
 
 const CZelPointer *firstOf(const CZelDoubleList *handles) {
     return handles != nullptr ? static_cast<const CZelPointer *>(handles->RDLHead()) : nullptr;
@@ -12,34 +16,83 @@ const CZelPointer *firstOf(const CZelDoubleList *handles) {
 
 }  // namespace
 
-CZelCacheWalk::CZelCacheWalk(CZelRecordCache &cache, const CZelBag *handles, CZelROMPColumns *columns)
-    : m_cache(cache), m_columns(columns) {
-    find(handles != nullptr ? handles->RBFirst() : firstOf(cache.RRCHandleIterator()));
+CZelCacheWalk::CZelCacheWalk(CZelRecordCache &cache, const CZelBag *handles, CZelROMPColumns *columns, Order order)
+    : m_cache(cache), m_columns(columns), m_isByPlace(order == BY_PLACE && handles == nullptr && cache.RRCHasPlaces()) {
+    if (m_isByPlace)
+        m_inMemory = cache.RRCInMemory();
+    else
+        m_next = handles != nullptr ? handles->RBFirst() : firstOf(cache.RRCHandleIterator());
+    advance();
 }
 
 void CZelCacheWalk::advance() {
-    find(m_next);
+    m_hasRow = false;
+    if (m_isByPlace)
+        findPlaced();
+    else
+        find(m_next);
 }
 
 // Goes to the first row from `node` on that can be read.
 void CZelCacheWalk::find(const CZelPointer *node) {
-    m_handle = nullptr;
-    for (; node != nullptr && m_handle == nullptr; node = m_next) {
+    for (; node != nullptr && !m_hasRow; node = m_next) {
         m_next = CZelBag::RBNext(node);
-        auto *handle = static_cast<CZelAtom *>(node->RPData());
-        if (lookAt(handle))
-            m_handle = handle;
-        else
-            ZEL_REPORT(E_RCBadArgument, "CZelCacheWalk: a row that its cache can't give is passed over");
+        m_handle = static_cast<CZelAtom *>(node->RPData());
+        m_hasRow = take(m_cache.RRCLookAt(m_handle, m_row));
     }
 }
 
-bool CZelCacheWalk::lookAt(CZelAtom *handle) {
-    if (!m_cache.RRCLookAt(handle, m_row))
-        return false;
-    if (m_row.m_record != nullptr || (m_columns != nullptr && m_columns->pick(m_row.m_encoding, m_row.m_length)))
-        return true;
-    m_decoded.reset(CZelRecordCache::RRCCopyOf(m_row));
-    m_row = {m_decoded.get(), nullptr, 0};
-    return m_decoded != nullptr;
+void CZelCacheWalk::findPlaced() {
+    while (!m_hasRow && m_nextInMemory < m_inMemory.size()) {
+        m_number = m_inMemory[m_nextInMemory++];
+        m_hasRow = take(m_cache.RRCLookAt(handle(), m_row));
+    }
+    const std::vector<int> &atPages = m_cache.RRCAtPages();
+    while (!m_hasRow && m_nextPage < atPages.size()) {
+        m_number = atPages[m_nextPage++];
+        m_hasRow = m_number != CZelRecordCache::NO_ROW && take(m_cache.RRCLookAtPage(m_nextPage - 1, m_row));
+    }
+}
+
+// Makes the row that was looked at the present one. One whose columns can't be picked is decoded.
+bool CZelCacheWalk::take(bool isFound) {
+    if (isFound && m_row.m_record == nullptr &&
+        (m_columns == nullptr || !m_columns->pick(m_row.m_encoding, m_row.m_length))) {
+        m_decoded.reset(CZelRecordCache::RRCCopyOf(m_row));
+        m_row = {m_decoded.get(), nullptr, 0};
+        isFound = m_decoded != nullptr;
+    }
+    if (!isFound)
+        ZEL_REPORT(E_RCBadArgument, "CZelCacheWalk: a row that its cache can't give is passed over");
+    return isFound;
+}
+
+void CZelCacheWalk::keepHandle() {
+    if (!m_isByPlace) {
+        m_kept.push_back(m_handle);
+        return;
+    }
+    if (m_keptBits.empty())
+        m_keptBits.resize(m_cache.RRCNumbers() / BITS + 1);
+    m_keptBits[static_cast<std::size_t>(m_number / BITS)] |= std::uint64_t{1} << m_number % BITS;
+}
+
+void CZelCacheWalk::keepCopy() {
+    CZelRecord *copy = CZelRecordCache::RRCCopyOf(m_row);
+    if (!m_isByPlace) {
+        m_kept.push_back(copy);
+        return;
+    }
+    if (m_kept.empty())
+        m_kept.resize(m_cache.RRCNumbers());
+    m_kept[static_cast<std::size_t>(m_number)] = copy;
+}
+
+void CZelCacheWalk::appendKept(CZelBag &rows) const {
+    for (void *row : m_kept)
+        if (row != nullptr)
+            rows.RBAdd(row);
+    for (std::size_t i = 0; i < m_keptBits.size(); ++i)
+        for (std::uint64_t bits = m_keptBits[i]; bits != 0; bits &= bits - 1)
+            rows.RBAdd(static_cast<void *>(m_cache.RRCHandle(static_cast<int>(i) * BITS + std::countr_zero(bits))));
 }

@@ -86,10 +86,6 @@ __boolean CZelCachedRecord::RCRIsRecordOnDisk() const {
     return ZelBool(m_type == E_CRTPersistent ? m_startPos >= 0 : m_type == E_CRTOnDisk);
 }
 
-__boolean CZelCachedRecord::RCRIsRecordInCore() const {
-    return ZelBool(m_type == E_CRTPersistent ? m_record != nullptr : m_type == E_CRTInCore);
-}
-
 void CZelCachedRecord::RCRRecordAccess() {
     if (m_record == nullptr)
         return;

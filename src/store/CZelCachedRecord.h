@@ -34,7 +34,9 @@ public:
     void RCRSetPersistant();  // drops the record; without a position E_RCBadArgument is reported
 
     __boolean RCRIsRecordOnDisk() const;
-    __boolean RCRIsRecordInCore() const;
+    __boolean RCRIsRecordInCore() const {
+        return ZelBool(m_type == E_CRTPersistent ? m_record != nullptr : m_type == E_CRTInCore);
+    }
     void RCRRecordAccess();  // of a held record: one more access, now
 
     CZelRecord *RCRGetRecord() const { return m_record; }
@@ -45,6 +47,10 @@ public:
     long RCRGetRefCount() const { return m_refCount; }
     long RCRGetLastAccess() const { return m_lastAccess; }  // seconds
     long RCRGetStartPos() const { return m_startPos; }      // -1: no chain
+
+    // The number of its handle, set when it comes under it.
+    int RCRNumber() const { return m_number; }
+    void RCRSetNumber(int number) { m_number = number; }
 
     // Bytes of the record's encoding, kept by the cache; and the order in which records came.
     int RCRSize() const { return m_size; }
@@ -73,4 +79,5 @@ private:
     long m_startPos = -1;
     unsigned long long m_arrival = 0;
     unsigned int m_heapPlace = NO_PLACE;
+    int m_number = -1;
 };

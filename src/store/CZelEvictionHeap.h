@@ -22,6 +22,7 @@ public:
     void leavesEarlier(CZelCachedRecord *record);
     CZelCachedRecord *first();  // stays here; null when there is none
     std::size_t length() const { return m_entries.size(); }
+    const CZelCachedRecord &at(std::size_t place) const { return *m_entries[place].m_record; }  // in no order
 
 private:
     struct Entry {

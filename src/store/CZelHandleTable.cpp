@@ -53,12 +53,14 @@ void CZelHandleTable::add(CZelAtom *handle, CZelCachedRecord *entry) {
     CZelPointer *node = new CZelPointer(handle);
     m_order.RDLInsertBefore(node, nextInOrder(number));
     makeSlot(number) = {entry, node};
+    entry->RCRSetNumber(static_cast<int>(number));
 }
 
 void CZelHandleTable::replace(CZelAtom *handle, CZelCachedRecord *entry) {
     Slot *slot = slotOf(handle->RALong());
     delete slot->m_entry;
     slot->m_entry = entry;
+    entry->RCRSetNumber(static_cast<int>(handle->RALong()));
 }
 
 void CZelHandleTable::remove(const CZelAtom &handle) {
@@ -79,11 +81,12 @@ CZelCachedRecord *CZelHandleTable::find(const CZelAtom &handle) const {
     return slot != nullptr ? slot->m_entry : nullptr;
 }
 
+CZelAtom *CZelHandleTable::handleAt(long number) const {
+    return handleOf(slotAt(number).m_node);
+}
+
 CZelHandleTable::Slot *CZelHandleTable::slotOf(long number) const {
-    const std::size_t block = static_cast<std::size_t>(number) / BLOCK;
-    if (number < 0 || block >= m_blocks.size())
-        return nullptr;
-    return &m_blocks[block]->m_slots[number % BLOCK];
+    return number >= 0 && number < end() ? &slotAt(number) : nullptr;
 }
 
 CZelHandleTable::Slot &CZelHandleTable::makeSlot(long number) {

@@ -36,6 +36,9 @@ public:
     void remove(const CZelAtom &handle);                      // deletes the entry, gives the handle back
     CZelCachedRecord *find(const CZelAtom &handle) const;     // null for a number that is not in use
 
+    long end() const { return static_cast<long>(m_blocks.size()) * BLOCK; }  // every number in use is below it
+    CZelAtom *handleAt(long number) const;                                   // Requires: in use
+
     CZelDoubleList *inOrder() { return &m_order; }  // of CZelPointer to the atoms
     const CZelDoubleList *inOrder() const { return &m_order; }
     int length() const { return m_order.RDLLength(); }
@@ -54,6 +57,9 @@ private:
 
     bool issue();
     Slot *slotOf(long number) const;
+    Slot &slotAt(long number) const {
+        return m_blocks[static_cast<std::size_t>(number / BLOCK)]->m_slots[number % BLOCK];
+    }
     Slot &makeSlot(long number);
     CZelListable *nextInOrder(long number) const;
     CZelPointer *lastBefore(long number) const;

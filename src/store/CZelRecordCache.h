@@ -9,6 +9,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "foundations/base/ZelEnums.h"
 #include "foundations/port/ZelExport.h"
@@ -86,6 +87,16 @@ public:
     // Brings in what a walk that retrieves every row would leave in memory; nothing when a row is in memory already.
     void RRCFillMemory();
 
+    // For walks that read the file from front to back: all rows by the numbers of their handles, those in memory and
+    // the others by the pages that they begin at. Not of a cache that keeps all in memory.
+    static constexpr int NO_ROW = -1;
+    bool RRCHasPlaces() const { return m_type != E_RCTAllInCore; }
+    std::vector<int> RRCInMemory() const;
+    const std::vector<int> &RRCAtPages() const { return m_atPage; }  // by page; NO_ROW: none begins here
+    bool RRCLookAtPage(std::size_t page, SZelCachedRow &row);        // as RRCLookAt. Requires: a row begins here
+    CZelAtom *RRCHandle(int number) const { return m_handles.handleAt(number); }          // Requires: a row has it
+    std::size_t RRCNumbers() const { return static_cast<std::size_t>(m_handles.end()); }  // all numbers are below it
+
     CZelDoubleList *RRCHandleIterator();  // of CZelPointer to handle atoms, in order; null before creation
     int RRCLength() const { return m_handles.length(); }  // rows
     __boolean RRCInitialisedFromDisk() const { return m_initialisedFromDisk; }
@@ -115,7 +126,9 @@ private:
     CZelCachedRecord *newEntry(CZelRecord *record, __boolean copy, long start, int size);
     void enter(CZelCachedRecord &entry);
     void leave(CZelCachedRecord &entry);
+    void setAtPage(long start, int number);
 
+    bool lookAtFile(long start, SZelCachedRow &row);
     CZelRecord *readFromDisk(const CZelCachedRecord &entry);
     CZelRecord *fetch(CZelCachedRecord &entry, bool &copy);
     void bringIn(CZelCachedRecord &entry, CZelRecord *record, bool copy);
@@ -138,6 +151,7 @@ private:
     unsigned long long m_inCoreBytes = 0;
     CZelHandleTable m_handles;          // and the entries
     CZelEvictionHeap m_inCore;          // entries in memory, of a cache that evicts
+    std::vector<int> m_atPage;          // for each page the number of the row that begins there and is not in memory
     unsigned long long m_arrivals = 0;  // counted, so that entries know their order
     __boolean m_initialisedFromDisk = E_RBFalse;
     __boolean m_deleteFile = E_RBFalse;

@@ -66,6 +66,7 @@ int CZelRecordCache::evict(CZelCachedRecord &entry) {
     }
     m_inCore.remove(&entry);
     entry.RCRSetOnDisk(start);
+    setAtPage(start, entry.RCRNumber());
     m_inCoreBytes -= static_cast<unsigned long long>(entry.RCRSize());
     return E_RCOk;
 }

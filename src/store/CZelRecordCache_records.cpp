@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "foundations/base/CZelAtom.h"
+#include "foundations/base/CZelPageView.h"
 #include "foundations/base/CZelROMPer.h"
 #include "foundations/base/CZelRecord.h"
 #include "foundations/port/CZelError.h"
@@ -120,8 +121,10 @@ CZelCachedRecord *CZelRecordCache::newEntry(CZelRecord *record, __boolean copy, 
 void CZelRecordCache::enter(CZelCachedRecord &entry) {
     const unsigned long long size = static_cast<unsigned long long>(entry.RCRSize());
     m_totalBytes += size;
-    if (entry.RCRIsRecordInCore() != E_RBTrue)
+    if (entry.RCRIsRecordInCore() != E_RBTrue) {
+        setAtPage(entry.RCRGetStartPos(), entry.RCRNumber());
         return;
+    }
     m_inCoreBytes += size;
     if (isBounded())
         m_inCore.add(&entry);
@@ -130,8 +133,17 @@ void CZelRecordCache::enter(CZelCachedRecord &entry) {
 void CZelRecordCache::leave(CZelCachedRecord &entry) {
     const unsigned long long size = static_cast<unsigned long long>(entry.RCRSize());
     m_totalBytes -= size;
-    if (entry.RCRIsRecordInCore() != E_RBTrue)
+    if (entry.RCRIsRecordInCore() != E_RBTrue) {
+        setAtPage(entry.RCRGetStartPos(), NO_ROW);
         return;
+    }
     m_inCoreBytes -= size;
     m_inCore.remove(&entry);
+}
+
+void CZelRecordCache::setAtPage(long start, int number) {
+    const auto page = static_cast<std::size_t>(start / CZelPageView::PAGE_BYTES);
+    if (page >= m_atPage.size())
+        m_atPage.resize(page + 1, NO_ROW);
+    m_atPage[page] = number;
 }

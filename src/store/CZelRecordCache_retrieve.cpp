@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "foundations/base/CZelAtom.h"
+#include "foundations/base/CZelPageView.h"
 #include "foundations/base/CZelROMPer.h"
 #include "foundations/base/CZelRecord.h"
 #include "foundations/port/CZelError.h"
@@ -74,7 +75,24 @@ bool CZelRecordCache::RRCLookAt(CZelAtom *handle, SZelCachedRow &row) {
         row.m_record = entry->RCRGetRecord();
         return true;
     }
-    if (m_file.look(entry->RCRGetStartPos(), &row.m_encoding, &row.m_length) == E_RCOk)
+    return lookAtFile(entry->RCRGetStartPos(), row);
+}
+
+std::vector<int> CZelRecordCache::RRCInMemory() const {
+    std::vector<int> numbers;
+    numbers.reserve(m_inCore.length());
+    for (std::size_t place = 0; place < m_inCore.length(); ++place)
+        numbers.push_back(m_inCore.at(place).RCRNumber());
+    return numbers;
+}
+
+bool CZelRecordCache::RRCLookAtPage(std::size_t page, SZelCachedRow &row) {
+    row = {};
+    return lookAtFile(static_cast<long>(page) * CZelPageView::PAGE_BYTES, row);
+}
+
+bool CZelRecordCache::lookAtFile(long start, SZelCachedRow &row) {
+    if (m_file.look(start, &row.m_encoding, &row.m_length) == E_RCOk)
         return true;
     ZEL_REPORT(E_RCBadArgument, UNREADABLE);
     return false;
@@ -107,6 +125,7 @@ CZelRecord *CZelRecordCache::readFromDisk(const CZelCachedRecord &entry) {
 // The row is safe in memory before its pages are freed, so a failure of that only costs the pages.
 void CZelRecordCache::bringIn(CZelCachedRecord &entry, CZelRecord *record, bool copy) {
     const long place = entry.RCRGetStartPos();
+    setAtPage(place, NO_ROW);
     if (m_persistent == E_RBTrue) {
         entry.RCRSetPersistant(record, ZelBool(copy));
     } else {

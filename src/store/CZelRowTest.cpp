@@ -43,10 +43,11 @@ struct CachedRows {
     const CZelAtom *value(const CZelColumnReader &column) const {
         return walk.isPicked() ? columns.value(0) : column.value(walk.record());
     }
-    void addTo(CZelBag &passed) const {
-        void *found = form == CZelRowTest::HANDLES ? static_cast<void *>(walk.handle()) : walk.copy();
-        if (found != nullptr)
-            passed.RBAdd(found);
+    void addTo(CZelBag & /*passed*/) const {
+        if (form == CZelRowTest::HANDLES)
+            walk.keepHandle();
+        else
+            walk.keepCopy();
     }
     void advance() { walk.advance(); }
 };
@@ -175,8 +176,9 @@ void CZelRowTest::select(CZelRecordCache &cache, const CZelBag *handles, Form fo
     const bool isPicked = m_column.isPlain() && m_column.hasName();
     if (isPicked)
         columns.add(*m_column.name());
-    CZelCacheWalk walk(cache, handles, isPicked ? &columns : nullptr);
+    CZelCacheWalk walk(cache, handles, isPicked ? &columns : nullptr, CZelCacheWalk::BY_PLACE);
     dispatch(CachedRows{walk, columns, form}, passed);
+    walk.appendKept(passed);
 }
 
 // The test gets present values only.

@@ -194,9 +194,10 @@ CZelBag *CZelTable::copiesOfAll() const {
         return copies;
     const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
     CZelROMPColumns none;
-    for (CZelCacheWalk walk(*m_cache, nullptr, &none); walk.hasRow(); walk.advance())
-        if (CZelRecord *copy = walk.copy())
-            copies->RBAdd(static_cast<void *>(copy));
+    CZelCacheWalk walk(*m_cache, nullptr, &none, CZelCacheWalk::BY_PLACE);
+    for (; walk.hasRow(); walk.advance())
+        walk.keepCopy();
+    walk.appendKept(*copies);
     return copies;
 }
 
@@ -215,11 +216,13 @@ void CZelTable::selectCachedMembers(const CZelColumnReader &column, const CZelAt
     CZelROMPColumns columns;
     if (column.isPlain() && column.hasName())
         columns.add(*column.name());
-    for (CZelCacheWalk walk(*m_cache, input, columns.isEmpty() ? nullptr : &columns); walk.hasRow(); walk.advance()) {
+    CZelCacheWalk walk(*m_cache, input, columns.isEmpty() ? nullptr : &columns, CZelCacheWalk::BY_PLACE);
+    for (; walk.hasRow(); walk.advance()) {
         const CZelAtom *value = walk.isPicked() ? columns.value(0) : column.value(walk.record());
         if (!CZelAtom::RAIsNull(value) && (set.placeOf(*value) >= 0) != negated)
-            result.RBAdd(static_cast<void *>(walk.handle()));
+            walk.keepHandle();
     }
+    walk.appendKept(result);
 }
 
 // A tree with one row per value holds the rows of each value in the order in which a walk finds them.

@@ -5,7 +5,9 @@
 #include <tuple>
 #include <vector>
 
+#include "foundations/base/CZelBag.h"
 #include "port/FailingFiles.h"
+#include "store/CZelCacheWalk.h"
 #include "store/CZelCachedRecord.h"
 #include "store/CacheTest.h"
 #include "support/TestRandom.h"
@@ -62,6 +64,11 @@ public:
             return;
         ++row.m_refCount;
         row.m_lastAccess = present;
+    }
+    void lookAtAll() {
+        for (auto &[handle, row] : m_rows)
+            if (row.m_isInCore)
+                read(handle);
     }
     // Rows under new handles, as a restart finds them.
     void found(CZelAtom *handle, const std::string &text) {
@@ -164,6 +171,25 @@ protected:
             delete row;
         model.read(handle);
     }
+    // A walk as the rows lie in the file, which gives what it keeps in the order of the handles.
+    void walk(CZelRecordCache &cache, Model &model) {
+        const bool asHandles = random.oneIn(2);
+        std::vector<std::string> expected, found;
+        forEachHandle(cache, [&](CZelAtom *handle) { expected.push_back(model.m_rows[handle].m_text); });
+        CZelBag rows;
+        CZelCacheWalk walk(cache, nullptr, nullptr, CZelCacheWalk::BY_PLACE);
+        for (; walk.hasRow(); walk.advance()) {
+            ASSERT_EQ(model.m_rows[walk.handle()].m_text, textOf(&walk.record()));
+            asHandles ? walk.keepHandle() : walk.keepCopy();
+        }
+        walk.appendKept(rows);
+        model.lookAtAll();
+        for (const CZelPointer *node = rows.RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
+            const std::unique_ptr<CZelRecord> copy(asHandles ? nullptr : static_cast<CZelRecord *>(node->RPData()));
+            found.push_back(asHandles ? peek(cache, static_cast<CZelAtom *>(node->RPData())) : textOf(copy.get()));
+        }
+        ASSERT_EQ(expected, found);
+    }
     bool agrees(const std::string &found, const std::string &expected) const {
         return found == expected || (m_mayFail && found == "<none>");
     }
@@ -214,6 +240,8 @@ TEST_F(RandomCacheTest, RowsAndWhatIsInMemoryAreThoseOfTheModel) {
         for (int i = 0; i < 3000 && !HasFatalFailure(); ++i) {
             step(*cache, model);
             compare(*cache, model);
+            if (random.oneIn(30))
+                walk(*cache, model);
             if (random.oneIn(300))
                 reopen(cache, model, kind);
         }
@@ -238,6 +266,8 @@ TEST_F(RandomCacheTest, WithFilesThatFailNoRowIsLostDoubledOrMixed) {
             ASSERT_EQ(model.bytes(false), cache->RRCUse().m_bytes);
             if (random.oneIn(300))
                 reopen(cache, model, kind);
+            if (random.oneIn(60))
+                walk(*cache, model);
             if (random.oneIn(30))
                 forEachHandle(*cache,
                               [&](CZelAtom *handle) { ASSERT_EQ(model.m_rows[handle].m_text, read(*cache, handle)); });

@@ -138,6 +138,7 @@ TEST_P(CachedTableTest, AConditionFindsInTheFileWhatItFindsInRecords) {
         }
         ASSERT_EQ(1, m_table->RTAddRow(row, E_RBFalse));
     }
+    update({{"f", 1}}, where("i", 2));  // which moves rows in the file
     const CZelBagGuard<CZelRecord> records(m_table->RTReturnRows(nullptr));
     const char *const patterns[] = {"%a", "b%", "%ab%", "a_", "%a%b"};
     constexpr EZelOper OPERATORS[] = {E_ROEqual,        E_RONotEqual, E_ROLess,    E_ROLessEqual, E_ROGreater,
