@@ -6,6 +6,7 @@
 #include "foundations/port/ZelCodes.h"
 #include "store/CZelCacheWalk.h"
 #include "store/CZelRecordCache.h"
+#include "store/CZelRowKeys.h"
 
 CZelIndexLoader::CZelIndexLoader(const std::vector<SZelIndexValue> &indexes) {
     for (const SZelIndexValue &index : indexes) {
@@ -15,10 +16,36 @@ CZelIndexLoader::CZelIndexLoader(const std::vector<SZelIndexValue> &indexes) {
 }
 
 int CZelIndexLoader::load(CZelRecordCache &cache) {
-    const auto isEmpty = [](const Index &index) { return index.m_tree->RBPTIsEmpty() == E_RBTrue; };
-    if (!std::all_of(m_indexes.begin(), m_indexes.end(), isEmpty))
+    if (!areEmpty())
         return E_RCKeyExists;
     collect(cache);
+    return fillTrees();
+}
+
+int CZelIndexLoader::load(CZelRecordCache &cache, CZelRowKeys &keys) {
+    if (!takeFrom(keys, static_cast<std::size_t>(cache.RRCLength())))
+        return load(cache);
+    return areEmpty() ? fillTrees() : E_RCKeyExists;
+}
+
+bool CZelIndexLoader::areEmpty() const {
+    return std::all_of(m_indexes.begin(), m_indexes.end(),
+                       [](const Index &index) { return index.m_tree->RBPTIsEmpty() == E_RBTrue; });
+}
+
+bool CZelIndexLoader::takeFrom(CZelRowKeys &keys, std::size_t rows) {
+    const bool isWhole = std::all_of(m_indexes.begin(), m_indexes.end(), [&keys, rows](const Index &index) {
+        const std::vector<SZelKeyedObject> *pairs = keys.find(*index.m_column);
+        return pairs != nullptr && pairs->size() == rows;
+    });
+    for (Index &index : m_indexes)
+        if (isWhole)
+            index.m_pairs = std::move(*keys.find(*index.m_column));
+    return isWhole;
+}
+
+// All of them, or none.
+int CZelIndexLoader::fillTrees() {
     for (auto index = m_indexes.begin(); index != m_indexes.end(); ++index) {
         if (index->m_tree->RBPTLoad(index->m_pairs) == 1)
             continue;

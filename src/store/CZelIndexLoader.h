@@ -12,6 +12,7 @@
 
 class CZelCacheWalk;
 class CZelRecordCache;
+class CZelRowKeys;
 
 class CZelIndexLoader {
 public:
@@ -21,6 +22,9 @@ public:
     // which row is to be decided row by row.
     int load(CZelRecordCache &cache);
 
+    // The same from what the rows have been found to have, where that is at hand for all indexes.
+    int load(CZelRecordCache &cache, CZelRowKeys &keys);
+
 private:
     struct Index {
         CZelBPlusTree *m_tree;
@@ -28,7 +32,10 @@ private:
         std::vector<SZelKeyedObject> m_pairs;
     };
 
+    bool areEmpty() const;
+    bool takeFrom(CZelRowKeys &keys, std::size_t rows);
     void collect(CZelRecordCache &cache);
+    int fillTrees();
     CZelAtom valueIn(const CZelCacheWalk &walk, std::size_t number);
 
     std::vector<Index> m_indexes;

@@ -48,6 +48,13 @@ public:
         virtual ~Reader();
         // A chain that counts. The bytes are valid during the call. False: no record, its pages go out of use.
         virtual bool takeChain(long start, const unsigned char *encoding, int length) = 0;
+
+        // Most records are of one page and could be read while it is not yet known which chains count. A large file
+        // is looked through in several parts at the same time, each by one thread and in the order of the file.
+        // True: the record is known; if it counts, takeSeen is called, in the place of takeChain.
+        virtual void beginParts(std::size_t parts);
+        virtual bool look(std::size_t part, long start, const unsigned char *encoding, int length);
+        virtual bool takeSeen(long start, int length);
     };
 
     CZelPageFile() = default;
@@ -90,6 +97,7 @@ public:
 
 private:
     struct Window;
+    struct Survey;
 
     // Opening, growing, closing.
     void startAfresh();
@@ -104,9 +112,10 @@ private:
     int reserve(std::size_t pages);
 
     // Recovery.
-    int mapPages(CZelPageMap &map);
+    int mapPages(CZelPageMap &map, Reader *reader);
     void takeChains(CZelPageMap &map, Reader &reader);
     bool takeChain(const CZelPageMap &map, Window &window, long start, Reader &reader);
+    bool takeAgain(const CZelPageMap &map, Window &window, long start, Reader &reader);
     bool takePage(const unsigned char *bytes, int total, long position, Reader &reader);
     bool leaveOut() const;
     void takeFreePages(const CZelPageMap &map);

@@ -8,6 +8,7 @@
 #include "foundations/base/CZelPageView.h"
 #include "foundations/port/CZelError.h"
 #include "foundations/port/ZelDebug.h"
+#include "foundations/port/ZelInParts.h"
 #include "store/CZelPageFile.h"
 #include "store/CZelPageMap.h"
 
@@ -15,21 +16,7 @@ namespace {
 
 constexpr int PAGE = CZelPageView::PAGE_BYTES;
 constexpr unsigned int BLOCK = 262144;
-
-// Adds all pages of an open file. 1, or E_RCPageRead with nothing reported.
-int mapAll(ZelFileHandle file, long pages, CZelPageMap &map) {
-    std::vector<unsigned char> block(static_cast<std::size_t>(std::min<long>(BLOCK, pages * PAGE)));
-    map.reserve(pages);
-    for (long position = 0; position < pages * PAGE; position += BLOCK) {
-        const long wanted = std::min<long>(BLOCK, pages * PAGE - position);
-        if (ZelFilePRead(file, block.data(), static_cast<unsigned int>(wanted), position) != wanted)
-            return E_RCPageRead;
-        for (long offset = 0; offset < wanted; offset += PAGE)
-            map.add(CZelPageView(block.data() + offset));
-    }
-    map.settle();
-    return 1;
-}
+constexpr std::size_t LEAST_PAGES = 4096;  // for a thread of their own
 
 std::vector<long> positionsOf(const CZelPageMap &map, long start) {
     std::vector<long> positions;
@@ -39,6 +26,70 @@ std::vector<long> positionsOf(const CZelPageMap &map, long start) {
 }
 
 }  // namespace
+
+void CZelPageFile::Reader::beginParts(std::size_t) {}
+
+bool CZelPageFile::Reader::look(std::size_t, long, const unsigned char *, int) {
+    return false;
+}
+
+bool CZelPageFile::Reader::takeSeen(long, int) {
+    return false;
+}
+
+// The first reading of all pages, in parts. Whoever takes the records is shown those of one page on the way.
+struct CZelPageFile::Survey {
+    ZelFileHandle file;
+    std::size_t pages;
+    CZelPageMap &map;
+    Reader *reader;  // or null
+
+    // 1, or E_RCPageRead with nothing reported and the errno of the first part that could not be read.
+    int run() {
+        const std::size_t count = ZelPartsFor(pages, LEAST_PAGES);
+        std::vector<CZelPageMap::Part> parts;
+        std::vector<int> errors(count);
+        map.begin(static_cast<long>(pages));
+        for (std::size_t part = 0; part < count; ++part)
+            parts.emplace_back(map, begin(part, count));
+        if (reader != nullptr)
+            reader->beginParts(count);
+        ZelInParts(count, [&](std::size_t part) {
+            errno = 0;
+            if (!readPart(part, begin(part + 1, count), parts[part]))
+                errors[part] = errno != 0 ? errno : EIO;
+        });
+        const auto failed = std::find_if(errors.begin(), errors.end(), [](int error) { return error != 0; });
+        if (failed != errors.end()) {
+            errno = *failed;
+            return E_RCPageRead;
+        }
+        map.settle(parts);
+        return 1;
+    }
+
+private:
+    long begin(std::size_t part, std::size_t parts) const {
+        return static_cast<long>(ZelBeginOfPart(pages, part, parts));
+    }
+    bool readPart(std::size_t number, long end, CZelPageMap::Part &part) const {
+        std::vector<unsigned char> block(static_cast<std::size_t>(std::min<long>(BLOCK, (end - part.next()) * PAGE)));
+        while (part.next() < end) {
+            const long wanted = std::min<long>(BLOCK, (end - part.next()) * PAGE);
+            if (ZelFilePRead(file, block.data(), static_cast<unsigned int>(wanted), part.next() * PAGE) != wanted)
+                return false;
+            for (long offset = 0; offset < wanted; offset += PAGE)
+                addPage(number, CZelPageView(block.data() + offset), part);
+        }
+        return true;
+    }
+    void addPage(std::size_t number, const CZelPageView &page, CZelPageMap::Part &part) const {
+        part.add(page);
+        if (reader != nullptr && part.isWholeRecord() &&
+            reader->look(number, page.position(), page.slice(), page.totalLength()))
+            part.noteSeen();
+    }
+};
 
 // A part of the file in memory, the one that was asked for last.
 struct CZelPageFile::Window {
@@ -68,7 +119,7 @@ struct CZelPageFile::Window {
 
 int CZelPageFile::readAll(Reader &reader) {
     CZelPageMap map;
-    m_isForeign = mapPages(map) != 1;
+    m_isForeign = mapPages(map, &reader) != 1;
     if (m_isForeign)
         return E_RCOpenFailed;
     m_formerMayReturn = m_policy != E_SPOff;  // whoever was stopped before may have emptied a chain and not synced
@@ -84,7 +135,7 @@ int CZelPageFile::readAll(Reader &reader) {
     return 1;
 }
 
-int CZelPageFile::mapPages(CZelPageMap &map) {
+int CZelPageFile::mapPages(CZelPageMap &map, Reader *reader) {
     unsigned int size = 0;
     if (!isOpen() || ZelGetOpenFileSize(m_file, size) != 1)
         return refuse(m_path.c_str(), std::strerror(errno));
@@ -94,7 +145,7 @@ int CZelPageFile::mapPages(CZelPageMap &map) {
         return E_RCMalformed;
     }
     m_pageCount = size / PAGE;
-    if (mapAll(m_file, m_pageCount, map) != 1) {
+    if (Survey{m_file, static_cast<std::size_t>(m_pageCount), map, reader}.run() != 1) {
         m_pageCount = 0;
         return refuse(m_path.c_str(), std::strerror(errno));
     }
@@ -110,6 +161,11 @@ void CZelPageFile::takeChains(CZelPageMap &map, Reader &reader) {
 }
 
 bool CZelPageFile::takeChain(const CZelPageMap &map, Window &window, long start, Reader &reader) {
+    return map.isSeen(start) ? reader.takeSeen(start * PAGE, map.total(start)) : takeAgain(map, window, start, reader);
+}
+
+// A record whose pages are to be read once more.
+bool CZelPageFile::takeAgain(const CZelPageMap &map, Window &window, long start, Reader &reader) {
     m_whole = NO_POSITION;
     if (map.next(start) < 0)
         return takePage(window.page(start * PAGE, true), map.total(start), start * PAGE, reader);
@@ -156,7 +212,7 @@ int CZelPageFile::inspect(const char *path, CZelPageMap &map, long *owner) {
         return file.refuse(path, std::strerror(errno));
     file.m_path = path;
     *owner = ZelFileOwner(file.m_file);
-    const int status = file.mapPages(map);
+    const int status = file.mapPages(map, nullptr);
     return status == E_RCMalformed
                ? ZEL_FAIL(status, (file.m_path + ": the size is no multiple of 512 below 2 GiB").c_str())
                : status;

@@ -15,21 +15,20 @@ std::uint32_t pageAt(long position) {
 
 }  // namespace
 
-void CZelPageMap::reserve(long pages) {
-    m_pages.reserve(static_cast<std::size_t>(pages));
+void CZelPageMap::Part::add(const CZelPageView &view) {
+    const CZelPageView::Condition condition = view.condition();
+    if (condition == CZelPageView::EMPTY)
+        m_map.m_pages[static_cast<std::size_t>(m_next)].use = FREE;
+    else if (condition == CZelPageView::SOUND)
+        addSound(view);
+    ++m_next;
 }
 
-void CZelPageMap::add(const CZelPageView &view) {
-    const long number = length();
-    const CZelPageView::Condition condition = view.condition();
-    Page &page = m_pages.emplace_back();
-    if (condition == CZelPageView::EMPTY)
-        page.use = FREE;
-    if (condition != CZelPageView::SOUND)
-        return;
+void CZelPageMap::Part::addSound(const CZelPageView &view) {
     m_highestStamp = std::max<std::uint64_t>(m_highestStamp, view.stamp());
-    if (view.position() != number * CZelPageView::PAGE_BYTES)
+    if (view.position() != m_next * CZelPageView::PAGE_BYTES)
         return;
+    Page &page = m_map.m_pages[static_cast<std::size_t>(m_next)];
     page.use = OUT_OF_USE;  // until a chain claims it
     page.stamp = view.stamp();
     page.next = pageAt(view.next());
@@ -38,16 +37,30 @@ void CZelPageMap::add(const CZelPageView &view) {
     page.isFirst = view.isFirst();
     if (!page.isFirst)
         return;
-    m_firsts.push_back(number);
+    m_firsts.push_back(m_next);
     if (view.replaced() >= 0 && view.replacedStamp() < page.stamp)
-        m_notes.push_back({number, view.replaced() / CZelPageView::PAGE_BYTES, view.replacedStamp()});
+        m_notes.push_back({m_next, view.replaced() / CZelPageView::PAGE_BYTES, view.replacedStamp()});
 }
 
-void CZelPageMap::settle() {
-    for (const long start : m_firsts)
-        if (walk(start))
-            m_starts.push_back(start);
-    dropReplaced();
+bool CZelPageMap::Part::isWholeRecord() const {
+    const Page &page = m_map.m_pages[static_cast<std::size_t>(m_next - 1)];
+    return page.isFirst && page.next == NO_PAGE && page.length == page.total;
+}
+
+void CZelPageMap::Part::noteSeen() {
+    m_map.m_pages[static_cast<std::size_t>(m_next - 1)].isSeen = true;
+}
+
+void CZelPageMap::settle(const std::vector<Part> &parts) {
+    std::vector<Note> notes;
+    for (const Part &part : parts) {
+        m_highestStamp = std::max(m_highestStamp, part.m_highestStamp);
+        notes.insert(notes.end(), part.m_notes.begin(), part.m_notes.end());
+        for (const long start : part.m_firsts)
+            if (walk(start))
+                m_starts.push_back(start);
+    }
+    dropReplaced(notes);
 }
 
 // Is the chain whole? A page that a walk has passed is out of reach for every other: it belongs to that chain or to
@@ -87,8 +100,8 @@ void CZelPageMap::setUse(long start, Use use) {
 
 // A note counts while its own chain is whole, be that one replaced too. Notes point to older stamps, so there is no
 // circle.
-void CZelPageMap::dropReplaced() {
-    for (const Note &note : m_notes) {
+void CZelPageMap::dropReplaced(const std::vector<Note> &notes) {
+    for (const Note &note : notes) {
         const Use bearer = use(note.start);
         const bool isWhole = bearer == CHAIN_START || bearer == REPLACED;
         if (!isWhole || note.replaced >= length() || use(note.replaced) != CHAIN_START ||

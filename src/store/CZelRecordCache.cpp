@@ -28,48 +28,7 @@ char *defaultLocation() {
     return folder.RSTakeString();
 }
 
-// Does the encoding read as a record? Each pair is built in the place of the one before.
-bool isRecord(const unsigned char *encoding, int length) {
-    CZelROMPer packet(const_cast<unsigned char *>(encoding), length, E_RBTrue);
-    CZelVarBind pair("", static_cast<const CZelAtom *>(nullptr));
-    int status = E_RCOk;
-    while (status == E_RCOk && packet.RRGetNextAttrVal(&status, &pair) != nullptr) {
-    }
-    if (status != E_RCOk)
-        ZEL_REPORT(status, "CZelRecordCache: a row in the cache file is damaged and is passed over");
-    return status == E_RCOk;
-}
-
 }  // namespace
-
-// Makes an entry of each chain that is found at start.
-class CZelRecordCache::FileReader : public CZelPageFile::Reader {
-public:
-    explicit FileReader(CZelRecordCache &cache) : m_cache(cache) {}
-
-    bool takeChain(long start, const unsigned char *encoding, int length) override {
-        std::unique_ptr<CZelRecord> record;
-        if (m_cache.m_type == E_RCTAllInCore)
-            record = std::make_unique<CZelRecord>();
-        if (record != nullptr ? record->ROMDecode(encoding, length) != E_RCOk : !isRecord(encoding, length))
-            return false;
-        CZelAtom *handle = m_cache.m_handles.take();
-        if (handle == nullptr) {
-            m_status = E_RCNoHandle;
-            return false;
-        }
-        CZelCachedRecord *entry = m_cache.newEntry(record.release(), E_RBFalse, start, length);
-        m_cache.m_handles.add(handle, entry);
-        m_cache.enter(*entry);
-        m_cache.m_initialisedFromDisk = E_RBTrue;
-        return true;
-    }
-    int status() const { return m_status; }
-
-private:
-    CZelRecordCache &m_cache;
-    int m_status = E_RCOk;
-};
 
 CZelRecordCache::CZelRecordCache(long rowsAtMost) : m_location(defaultLocation()), m_handles(rowsAtMost) {}
 
@@ -83,19 +42,20 @@ CZelRecordCache::~CZelRecordCache() {
     std::free(m_location);
 }
 
-int CZelRecordCache::RRCCreateByPropn(const char *name, float proportion, __boolean persistent) {
+int CZelRecordCache::RRCCreateByPropn(const char *name, float proportion, __boolean persistent, CZelRowKeys *keys) {
     if (m_type != E_RCTNotCreated)
         return ZEL_FAIL(E_RCBadArgument, "CZelRecordCache::RRCCreateByPropn: the cache has been created before");
     setProportion(proportion);
-    return create(name, persistent);
+    return create(name, persistent, keys);
 }
 
-int CZelRecordCache::RRCCreateBySize(const char *name, unsigned long long bytes, __boolean persistent) {
+int CZelRecordCache::RRCCreateBySize(const char *name, unsigned long long bytes, __boolean persistent,
+                                     CZelRowKeys *keys) {
     if (m_type != E_RCTNotCreated)
         return ZEL_FAIL(E_RCBadArgument, "CZelRecordCache::RRCCreateBySize: the cache has been created before");
     m_byteLimit = bytes;
     m_type = bytes != 0 ? E_RCTBySize : E_RCTAllOnDisk;
-    return create(name, persistent);
+    return create(name, persistent, keys);
 }
 
 void CZelRecordCache::setProportion(float proportion) {
@@ -109,13 +69,13 @@ void CZelRecordCache::setProportion(float proportion) {
         m_type = E_RCTAllOnDisk;
 }
 
-int CZelRecordCache::create(const char *name, __boolean persistent) {
+int CZelRecordCache::create(const char *name, __boolean persistent, CZelRowKeys *keys) {
     setName(name);
     m_persistent = persistent;
     if (m_type == E_RCTAllInCore && m_persistent != E_RBTrue)
         return E_RCOk;
     const int status = openFile();
-    return status == E_RCOk && m_persistent == E_RBTrue ? readFile() : status;
+    return status == E_RCOk && m_persistent == E_RBTrue ? readFile(keys) : status;
 }
 
 void CZelRecordCache::setName(const char *name) {
@@ -139,16 +99,6 @@ int CZelRecordCache::openFile() {
     if (m_name == nullptr || m_location == nullptr)
         return ZEL_FAIL(E_RCBadArgument, "CZelRecordCache::RRCOpenCacheFile: no name or no location");
     return m_file.open(path().c_str(), m_persistent == E_RBTrue);
-}
-
-int CZelRecordCache::readFile() {
-    FileReader reader(*this);
-    const int status = m_file.readAll(reader);
-    if (status == E_RCOpenFailed)
-        return ZEL_FAIL(E_RCMalformed,
-                        "The cache file maybe be corrupt.\n"
-                        "Should be corrected by removing cache file or replacing with a valid cache.\n");
-    return status != E_RCOk ? status : reader.status();
 }
 
 SZelCacheUse CZelRecordCache::RRCUse() const {

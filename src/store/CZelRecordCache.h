@@ -22,6 +22,7 @@ class CZelCachedRecord;
 class CZelDoubleList;
 class CZelROMPer;
 class CZelRecord;
+class CZelRowKeys;
 
 enum EZelRecordCacheType : int {
     E_RCTNotCreated = 1,
@@ -58,9 +59,10 @@ public:
     // Opens the file `name` in the location and, if persistent, reads it. A share of 1 keeps all in memory, of 0 (and
     // no bytes) all on disk. 1; E_RCBadArgument when it has been created before or has no name or location;
     // E_RCOpenFailed; E_RCMalformed for a file that can't be read in: the cache then exists and is empty. After any
-    // other failure it exists and can't write. All reported.
-    int RRCCreateByPropn(const char *name, float proportion, __boolean persistent);
-    int RRCCreateBySize(const char *name, unsigned long long bytes, __boolean persistent);
+    // other failure it exists and can't write. All reported. `keys`, if given, gets what the rows found have in its
+    // columns.
+    int RRCCreateByPropn(const char *name, float proportion, __boolean persistent, CZelRowKeys *keys = nullptr);
+    int RRCCreateBySize(const char *name, unsigned long long bytes, __boolean persistent, CZelRowKeys *keys = nullptr);
 
     // `copy`: the record stays the caller's and the cache makes one of its own. Otherwise the cache takes it over,
     // on failure too. 1; E_RCPageWrite, E_RCNoHandle: nothing is stored, and an updated row keeps what it had. The
@@ -110,13 +112,13 @@ public:
 private:
     class FileReader;
 
-    int create(const char *name, __boolean persistent);
+    int create(const char *name, __boolean persistent, CZelRowKeys *keys);
     void setProportion(float proportion);
     void setBytes(unsigned long long bytes);
     void setName(const char *name);
     std::string path() const;
     int openFile();
-    int readFile();
+    int readFile(CZelRowKeys *keys);
 
     bool isBounded() const { return m_type == E_RCTBySize || m_type == E_RCTByProportion; }
     bool writesThrough() const { return m_type == E_RCTAllOnDisk || m_persistent == E_RBTrue; }

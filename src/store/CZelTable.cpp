@@ -20,6 +20,7 @@
 #include "store/CZelDatabase.h"
 #include "store/CZelObjectStore.h"
 #include "store/CZelRecordCache.h"
+#include "store/CZelRowKeys.h"
 #include "store/CZelStore.h"
 #include "store/CZelStoreGuard.h"
 #include "store/CZelTableProps.h"
@@ -154,6 +155,7 @@ CZelTable::~CZelTable() {
     deleteOwned<CZelColDef>(m_columns);
     delete m_timestamps;
     delete m_counters;
+    delete m_rowKeys;
     delete m_cache;
     delete m_entity;
     delete m_lock;

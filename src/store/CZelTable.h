@@ -40,6 +40,7 @@ class CZelQuery;
 class CZelRWLock;
 class CZelRecord;
 class CZelRecordCache;
+class CZelRowKeys;
 class CZelStack;
 class CZelString;
 class CZelTablePlan;
@@ -90,7 +91,7 @@ public:
 
     void RTAddActive(CZelTblCallback *callback, int argument);
     CZelTblCallback *RTGetActive() const { return m_active; }
-    void RTSetCache(CZelRecordCache *cache) { m_cache = cache; }
+    void RTSetCache(CZelRecordCache *cache);
     __boolean RTIsCacheUsed() const { return ZelBool(m_cache != nullptr); }
     void RTSetInitialisedFromDisk() { m_initialisedFromDisk = E_RBTrue; }
     __boolean RTGetInitialisedFromDisk() const { return m_initialisedFromDisk; }
@@ -312,6 +313,7 @@ private:
     bool loadIndexes();  // false: with the trees empty
     void enterRowByRow();
     void removeBreaking(const CZelRecord &record, CZelAtom *handle);
+    CZelRowKeys *keysToFind();
     void cacheIsMade(int status, const char *failure);
 
     // Steps of created indexes.
@@ -341,6 +343,7 @@ private:
     CZelObjectStore *m_objectStore = nullptr;  // made when the table becomes live
     CZelTablePlan *m_plan = nullptr;           // null until rows need it
     CZelRecordCache *m_cache = nullptr;        // null on a plain table
+    CZelRowKeys *m_rowKeys = nullptr;          // of its rows, from its start until the indexes are filled
     CZelDoubleList *m_rows = nullptr;          // the records themselves, in order of insertion
     CZelBag *m_scratch = nullptr;              // tuples of the join step in progress
     CZelBag *m_garbage = nullptr;              // tuples handed out by joined queries

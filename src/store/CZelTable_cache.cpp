@@ -3,14 +3,19 @@
 #include <cstdio>
 
 #include "foundations/base/CZelAtom.h"
+#include "foundations/base/CZelDoubleList.h"
+#include "foundations/base/CZelPointer.h"
 #include "foundations/base/CZelReadOnlyFile.h"
 #include "foundations/base/CZelString.h"
+#include "foundations/base/CZelTreeList.h"
 #include "foundations/base/ZelMalloc.h"
 #include "foundations/port/CZelError.h"
 #include "foundations/port/CZelRWLock.h"
 #include "foundations/port/ZelDebug.h"
 #include "store/CZelCacheFiles.h"
+#include "store/CZelColDef.h"
 #include "store/CZelRecordCache.h"
+#include "store/CZelRowKeys.h"
 #include "store/CZelStoreGuard.h"
 #include "store/CZelTable.h"
 
@@ -64,10 +69,17 @@ char *CZelTable::RTCreateCache(CZelAtom *name) {
     return ZelStrDup(file.RSString());
 }
 
+void CZelTable::RTSetCache(CZelRecordCache *cache) {
+    m_cache = cache;
+    delete m_rowKeys;
+    m_rowKeys = nullptr;
+}
+
 void CZelTable::RTCacheMe(CZelAtom *name, unsigned long long bytes, __boolean persistent) {
     const CZelMallocText file(RTCreateCache(name));
     if (file != nullptr)
-        cacheIsMade(m_cache->RRCCreateBySize(orNone(file.get()), bytes, persistent), "Failed to create sized cache");
+        cacheIsMade(m_cache->RRCCreateBySize(orNone(file.get()), bytes, persistent, keysToFind()),
+                    "Failed to create sized cache");
     else if (__Zeltronix_Debug_Level >= 4)
         std::puts("Will not initialise cache");
 }
@@ -75,10 +87,23 @@ void CZelTable::RTCacheMe(CZelAtom *name, unsigned long long bytes, __boolean pe
 void CZelTable::RTCacheMe(CZelAtom *name, float proportion, __boolean persistent) {
     const CZelMallocText file(RTCreateCache(name));
     if (file != nullptr)
-        cacheIsMade(m_cache->RRCCreateByPropn(orNone(file.get()), proportion, persistent),
+        cacheIsMade(m_cache->RRCCreateByPropn(orNone(file.get()), proportion, persistent, keysToFind()),
                     "Failed to create proportional cache");
     else if (__Zeltronix_Debug_Level >= 4)
         std::puts("Will not initialise cache");
+}
+
+// Of the columns that will have an index when the table comes to life.
+CZelRowKeys *CZelTable::keysToFind() {
+    delete m_rowKeys;
+    m_rowKeys = new CZelRowKeys;
+    const CZelDoubleList *columns = m_indexedColumns->RTLIterator();
+    for (const CZelListable *node = columns->RDLHead(); node != nullptr; node = columns->RDLGetNext(node)) {
+        const auto *column = static_cast<const CZelColDef *>(static_cast<const CZelPointer *>(node)->RPData());
+        if (column->RCDIndexable() && !isSetBySystem(*column->RCDName()))
+            m_rowKeys->addColumn(*column->RCDName());
+    }
+    return m_rowKeys;
 }
 
 void CZelTable::cacheIsMade(int status, const char *failure) {

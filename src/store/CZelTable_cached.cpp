@@ -16,6 +16,7 @@
 #include "store/CZelCacheWalk.h"
 #include "store/CZelIndexLoader.h"
 #include "store/CZelRecordCache.h"
+#include "store/CZelRowKeys.h"
 #include "store/CZelStoreGuard.h"
 #include "store/CZelTable.h"
 #include "store/CZelTable_change.h"
@@ -181,8 +182,12 @@ void CZelTable::rebuildIndexes() {
     m_cache->RRCFillMemory();
 }
 
+// What the cache found when it read its file serves once: rows change from now on.
 bool CZelTable::loadIndexes() {
-    if (CZelIndexLoader(plan().indexes()).load(*m_cache) != 1)
+    CZelRowKeys keys;
+    if (m_rowKeys != nullptr)
+        std::swap(keys, *m_rowKeys);
+    if (CZelIndexLoader(plan().indexes()).load(*m_cache, keys) != 1)
         return false;
     if (plan().isKeyInTrees())
         return true;

@@ -6,11 +6,16 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "foundations/port/CZelErrorCapture.h"
 #include "foundations/port/ZelCodes.h"
+#include "foundations/port/ZelInParts.h"
 #include "port/ScratchDirectory.h"
 #include "store/PageFiles.h"
 #include "support/TestRandom.h"
@@ -21,9 +26,61 @@ namespace {
 
 class PageFile : public testing::Test {
 protected:
+    std::string pageAt(long position) const {
+        std::string page(512, '\0');
+        std::ifstream(m_path, std::ios::binary).seekg(position).read(page.data(), 512);
+        return page;
+    }
+
     const ScratchDirectory m_scratch;
     const std::string m_path = m_scratch.Path("records");
     CZelPageFile m_file;
+};
+
+// Knows some of the records that it is shown before it is known which of them count.
+class Looker : public Collector {
+public:
+    void beginParts(std::size_t parts) override { m_seen.resize(parts); }
+    bool look(std::size_t part, long start, const unsigned char *encoding, int length) override {
+        if (start % 3 == 0 || (!m_seen[part].empty() && m_seen[part].rbegin()->first >= start))
+            return false;
+        m_seen[part][start] = std::string(reinterpret_cast<const char *>(encoding), static_cast<std::size_t>(length));
+        return true;
+    }
+    bool takeSeen(long start, int length) override {
+        EXPECT_TRUE(m_records.empty() || m_records.rbegin()->first < start);
+        for (const Records &part : m_seen)
+            if (const auto found = part.find(start); found != part.end())
+                m_records[start] = found->second;
+        EXPECT_EQ(static_cast<std::size_t>(length), m_records[start].size());
+        ++m_taken;
+        return true;
+    }
+    bool takeChain(long start, const unsigned char *encoding, int length) override {
+        EXPECT_TRUE(m_records.empty() || m_records.rbegin()->first < start);
+        return Collector::takeChain(start, encoding, length);
+    }
+    std::vector<Records> m_seen;  // by part
+    int m_taken = 0;
+};
+
+// A block of the file that can't be read, whoever asks for it.
+class UnreadableFrom : public CZelFileSystem {
+public:
+    explicit UnreadableFrom(long offset) : m_offset(offset), m_former(ZelSetFileSystem(this)) {}
+    UnreadableFrom(const UnreadableFrom &) = delete;
+    UnreadableFrom &operator=(const UnreadableFrom &) = delete;
+    ~UnreadableFrom() override { ZelSetFileSystem(m_former); }
+    long PRead(ZelFileHandle handle, void *buffer, unsigned int count, long offset) override {
+        if (offset + static_cast<long>(count) <= m_offset)
+            return CZelFileSystem::PRead(handle, buffer, count, offset);
+        errno = EIO;
+        return -1;
+    }
+
+private:
+    long m_offset;
+    CZelFileSystem *m_former;
 };
 
 }  // namespace
@@ -91,6 +148,69 @@ TEST_F(PageFile, FollowsAModelThroughReopening) {
         }
         ASSERT_EQ(1, m_file.close());
     }
+}
+
+// Chains lie scattered over all parts of the file, and the last update was stopped before it emptied what it replaced.
+TEST_F(PageFile, AFileThatIsReadInPartsHoldsTheSameRecords) {
+    TestRandom random;
+    Records model;
+    reopen(m_file, m_path);
+    std::vector<long> starts;
+    for (int i = 0; i < 16000; ++i) {
+        const std::string text = std::to_string(i) + std::string(1 + random.below(random.oneIn(5) ? 2000 : 400), 'x');
+        const std::size_t place = random.below(static_cast<unsigned>(starts.size()) + 1);
+        const bool isNew = place == starts.size() || i % 2 == 0;
+        long start = 0;
+        ASSERT_EQ(1, write(m_file, text, isNew ? CZelPageFile::NO_POSITION : starts[place], &start));
+        if (isNew)
+            starts.push_back(start);
+        else
+            model.erase(std::exchange(starts[place], start));
+        model[start] = text;
+    }
+    const long former = add(m_file, "former");
+    ASSERT_EQ(1, m_file.close());
+    const std::string page = pageAt(former);
+    reopen(m_file, m_path);
+    long start = 0;
+    ASSERT_EQ(1, write(m_file, "latter", former, &start));
+    model[start] = "latter";
+    ASSERT_EQ(1, m_file.close());
+    std::fstream(m_path, std::ios::in | std::ios::out | std::ios::binary).seekp(former) << page;
+
+    Looker looker;
+    ASSERT_EQ(1, m_file.open(m_path.c_str(), true));
+    ASSERT_EQ(1, m_file.readAll(looker));
+    EXPECT_EQ(model, looker.m_records);
+    EXPECT_EQ(ZelPartsFor(std::filesystem::file_size(m_path) / 512, 4096), looker.m_seen.size());
+    EXPECT_GT(looker.m_taken, 1000);
+    EXPECT_EQ(0, m_file.counts().m_outOfUse);
+    ASSERT_EQ(1, m_file.close());
+    EXPECT_EQ(model, reopen(m_file, m_path));
+}
+
+TEST_F(PageFile, AFileOfWhichOnePartCannotBeReadStaysAsItIs) {
+    reopen(m_file, m_path);
+    Records model;
+    for (int i = 0; i < 200; ++i) {
+        const std::string text(40000, static_cast<char>('a' + i % 26));
+        model[add(m_file, text)] = text;
+    }
+    ASSERT_EQ(1, m_file.close());
+    const auto size = static_cast<long>(std::filesystem::file_size(m_path));
+    for (const long offset : {0L, size / 2 - 1, size / 2 + 1, size - 1}) {
+        const CZelErrorCapture reports;
+        Looker looker;
+        ASSERT_EQ(1, m_file.open(m_path.c_str(), true));
+        {
+            const UnreadableFrom unreadable(offset);
+            EXPECT_EQ(E_RCOpenFailed, m_file.readAll(looker));
+        }
+        EXPECT_TRUE(reports.Holds(E_RCOpenFailed, (m_path + " Input/output error").c_str()));
+        EXPECT_TRUE(looker.m_records.empty());
+        ASSERT_EQ(1, m_file.close());
+    }
+    EXPECT_EQ(model, reopen(m_file, m_path));
 }
 
 TEST_F(PageFile, IsOwnedByOneAndThrownAwayOnlyByItsOwner) {

@@ -6,6 +6,7 @@
 #include "foundations/base/CZelAtomVector.h"
 #include "port/FailingFiles.h"
 #include "store/CZelCachedRecord.h"
+#include "store/CZelRowKeys.h"
 #include "store/CacheTest.h"
 #include "support/TestRandom.h"
 
@@ -459,6 +460,49 @@ TEST_F(RecordCacheTest, FilledMemoryHoldsWhatAWalkOfRetrievalsLeaves) {
             cache->RRCDeleteCacheFile();
         }
     }
+}
+
+// Rows of one page and of several, without a value, with a list or with an object in place of a plain one; and rows
+// that were updated, so that they lie elsewhere.
+TEST_F(RecordCacheTest, KeysThatAreFoundAtTheStartAreThoseOfTheRecords) {
+    const CZelAtom names[] = {"v", "k"};
+    TestRandom random;
+    for (const float share : {0.0F, 0.3F, 1.0F}) {
+        {
+            auto cache = byShare(share, E_RBTrue);
+            std::vector<CZelAtom *> handles;
+            for (int i = 0; i < 300; ++i) {
+                CZelRecord *row = rowOfText(textOfSize(i, 40 + static_cast<int>(random.below(1000))));
+                CZelAtom *value = random.oneIn(4) ? new CZelAtom(new CZelAtomVector(1)) : new CZelAtom(i);
+                row->RRAddValue(random.oneIn(3) ? "other" : "k", &value);
+                CZelAtom *handle = nullptr;
+                if (handles.size() > 20 && random.oneIn(3)) {
+                    ASSERT_EQ(1, cache->RRCUpdateRecord(row, handles[random.below(20)], E_RBFalse));
+                } else {
+                    ASSERT_EQ(1, cache->RRCCacheRecord(row, &handle, E_RBFalse));
+                    handles.push_back(handle);
+                }
+            }
+        }
+        CZelRowKeys keys;
+        for (const CZelAtom &name : names)
+            keys.addColumn(name);
+        auto cache = uncreated();
+        ASSERT_EQ(1, cache->RRCCreateByPropn(NAME, share, E_RBTrue, &keys));
+        for (const CZelAtom &name : names) {
+            std::size_t place = 0;
+            forEachHandle(*cache, [&](CZelAtom *handle) {
+                const SZelKeyedObject &pair = keys.find(name)->at(place++);
+                const std::unique_ptr<CZelRecord> row(cache->RRCRetrieveRecord(handle));
+                const CZelAtom *value = row->RRValueOf(&name);
+                EXPECT_EQ(handle, pair.m_object);
+                EXPECT_EQ(0, (value != nullptr ? *value : CZelAtom()).RALex(&pair.m_key, nullptr));
+            });
+            EXPECT_EQ(place, keys.find(name)->size());
+        }
+        cache->RRCDeleteCacheFile();
+    }
+    EXPECT_EQ(0U, reports.Count());
 }
 
 }  // namespace

@@ -4,11 +4,14 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "foundations/base/CZelAtom.h"
+#include "foundations/base/ZelShortBytes.h"
 #include "foundations/port/ZelExport.h"
 
 class QUINTOR_API CZelROMPColumns {
@@ -19,6 +22,14 @@ public:
     // False: the packet is damaged, or a value among those looked for is a list, an object or data. Whoever wants it
     // then decodes the record. The checks of the bodies are left alone: the bytes are known to be as they were written.
     bool pick(const unsigned char *packet, int length);
+
+    // The same for bytes that nobody has vouched for yet.
+    enum Finding {
+        DAMAGED,  // the packet can't be decoded whole
+        SOUND,    // it can, but a value is no plain one
+        PICKED
+    };
+    Finding pickChecked(const unsigned char *packet, int length);
 
     bool isThere(std::size_t column) const { return m_columns[column].m_isFound; }
     // Null where the column is not there or has no value. Of two columns of one name it is the first one's.
@@ -36,9 +47,25 @@ private:
         bool m_isFound = false;
     };
 
+    // An entry's name in the packet before: packets of one table mostly have the same names in the same order.
+    static constexpr std::size_t NOT_YET = SIZE_MAX;
+    struct Known {
+        std::string m_name;
+        std::size_t m_column = NOT_YET;  // their number: none that is looked for
+    };
+    static constexpr std::size_t MOST_KNOWN = 64;
+
+    void forget();
     bool takeBody(const unsigned char *body, std::size_t length);
+    Finding takeChecked(const unsigned char *body, std::size_t length, std::size_t entry);
+    bool isKnown(const Known &known, std::string_view name) const {
+        return known.m_column != NOT_YET && known.m_name.size() == name.size() &&
+               ZelSameBytes(known.m_name.data(), name.data(), name.size());
+    }
+    bool learn(Known &known, std::string_view name) const;
     static bool takeValue(const unsigned char *place, std::size_t length, CZelAtom &value);
 
     std::vector<Column> m_columns;
-    std::size_t m_missing = 0;  // not found yet
+    std::size_t m_missing = 0;   // not found yet
+    std::vector<Known> m_known;  // of entries that were checked
 };

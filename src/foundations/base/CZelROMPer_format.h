@@ -38,6 +38,9 @@ std::uint32_t RompCheck(const unsigned char *data, std::size_t length);
 // bodies alone runs several times as fast as a check between the values of each entry.
 std::size_t RompIntact(const unsigned char *data, std::size_t length);
 
+// Is this one value, its type in front, that can be decoded? A good check does not say so.
+bool RompIsValue(const unsigned char *place, const unsigned char *end);
+
 // Writes the checks into the heads of entries that hold nothing but their lengths yet.
 void RompSeal(unsigned char *data, std::size_t length);
 
