@@ -66,6 +66,8 @@ void CZelPageFile::startAfresh() {
     m_stamp = 0;
     m_free.clear();
     m_pending.clear();
+    m_dead.clear();
+    m_deadPages = 0;
     m_whole = NO_POSITION;
     m_readsInOrder = 0;
     m_endOfRun = 0;
@@ -129,7 +131,8 @@ int CZelPageFile::fail(int code, const char *what) const {
 int CZelPageFile::close() {
     if (!isOpen())
         return 1;
-    emptyPending();
+    if (emptyPending() == 1)
+        (void)emptyDead(0);
     const bool synced = !m_isKept || m_isForeign || ZelFileSync(m_file) == 1;
     errno = synced ? 0 : errno;
     const bool closed = ZelFileClose(m_file) == 1;
@@ -191,10 +194,10 @@ int CZelPageFile::prepareToWrite() {
         return fail(E_RCPageWrite, "nothing is written after a failed sync");
     if (m_isForeign && moveAside() != 1)
         return E_RCPageWrite;
-    return emptyPending();
+    return emptyPending() == 1 ? emptyDead(m_policy == E_SPOff ? DEAD_AT_MOST : 0) : E_RCPageWrite;
 }
 
-// Takes positions into m_chain. The file grows when there are too few.
+// The positions that are next, in m_chain. The file grows when there are too few.
 int CZelPageFile::reserve(std::size_t pages) {
     const long missing = static_cast<long>(pages) - static_cast<long>(m_free.size());
     errno = 0;
@@ -214,9 +217,13 @@ int CZelPageFile::reserve(std::size_t pages) {
     }
     m_whole = NO_POSITION;
     m_chain.assign(m_free.begin(), m_free.begin() + static_cast<std::ptrdiff_t>(pages));
+    return 1;
+}
+
+void CZelPageFile::takeReserved() {
+    const std::size_t pages = m_chain.size();
     m_free.erase(m_free.begin(), m_free.begin() + static_cast<std::ptrdiff_t>(pages));
     m_counts.m_free -= static_cast<long>(pages);
-    return 1;
 }
 
 int CZelPageFile::sync() {

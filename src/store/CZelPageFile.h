@@ -2,8 +2,20 @@
 // of them whatever stops the process.
 //
 // Order of writes. A chain is written from its last page to its first, and the first page makes it count. A chain
-// that replaces another names it on its first page; the other one is emptied after that, first page first. So at any
-// moment every record has one chain that counts: whole, of one stamp, and not replaced by a whole chain.
+// that replaces another names it on its first page; the other one is dead then, and is emptied after that, first page
+// first. So at any moment every record has one chain that counts: whole, of one stamp, and not replaced by a whole
+// chain.
+//
+// Dead chains. Where nothing is synced, emptying them is put off: their pages are free in their turn, and whatever
+// stops the process, the next start finds them replaced. As a dead chain may be all that tells that another one is
+// dead,
+//  - dead chains go in the order in which they died, whether they are emptied or written over;
+//  - all of them go before a chain that counts is released;
+//  - a new chain is written over the oldest dead one when it takes just the pages of that one, which is broken then by
+//    the first of them that is written; other dead chains are emptied before one of their pages is taken;
+//  - a change begins with few of them, and a closed file has none.
+// Where the policy syncs, a power cut could take the death of one chain back and leave that of a later one, so each is
+// emptied at once, behind the sync that made its successor last.
 //
 // The file is owned while it is open: an advisory lock, mode 0600, closed on exec, no links followed. What has not been
 // read in is not written over: a file that was opened to be kept and holds anything must be read first, otherwise it is
@@ -31,7 +43,7 @@ class CZelPageMap;
 // Pages of a file by what they are used for.
 struct SZelPageCounts {
     long m_used = 0;      // of chains that count
-    long m_free = 0;      // empty, and those handed out by growth and not yet written
+    long m_free = 0;      // empty, those of replaced chains, and those handed out by growth and not yet written
     long m_outOfUse = 0;  // of chains that don't count
     long m_damaged = 0;   // of those out of use: the checksum fails
 };
@@ -41,6 +53,7 @@ public:
     static constexpr long NO_POSITION = -1;
     static constexpr long PAGES_AT_ONCE = 50;
     static constexpr long PAGES_AT_MOST = 4194303;
+    static constexpr long DEAD_AT_MOST = 100;  // pages; a table without deletes has hardly more free ones
 
     // Who takes the records of a file that is read at start.
     class QUINTOR_API Reader {
@@ -72,7 +85,8 @@ public:
     int readAll(Reader &reader);
 
     // Writes a chain; `replaced`, if not NO_POSITION, is the start of the one that it takes the place of. 1 and
-    // *start; E_RCPageWrite, E_RCNoHandle: nothing of it stays, the replaced chain stands.
+    // *start; E_RCPageWrite, E_RCNoHandle: nothing of it stays, the replaced chain stands. Nothing is written where the
+    // replaced chain holds the same bytes: it stays, and *start is its own.
     int write(const unsigned char *encoding, int length, long replaced, long *start);
 
     // The encoding of the chain, good until the next call. 1; E_RCBadValue (broken chain), E_RCPageRead.
@@ -110,6 +124,7 @@ private:
     int startAnew();
     int prepareToWrite();
     int reserve(std::size_t pages);
+    void takeReserved();
 
     // Recovery.
     int mapPages(CZelPageMap &map, Reader *reader);
@@ -122,7 +137,9 @@ private:
 
     // Chains.
     void layOut(const unsigned char *encoding, int length, long replaced, unsigned long long replacedStamp);
-    int lookUpFormer(long start, std::vector<long> &former, unsigned long long &stamp);
+    int lookUpFormer(long start);
+    bool holds(const unsigned char *encoding, int length) const;
+    int confirm();
     int writePages(const std::vector<long> &chain, std::size_t from, std::size_t to);
     int writeWhole(bool replaces);
     int writeChain();
@@ -130,8 +147,16 @@ private:
     bool putBack(const unsigned char *first);
     int empty(const std::vector<long> &chain);
     int disown(const std::vector<long> &chain);
+    void emptyRest(const std::vector<long> &chain);
     void giveBack(const std::vector<long> &chain);
     int emptyPending();
+
+    // Dead chains.
+    void bury();
+    int clearReserved();
+    int emptyOldest();
+    int emptyDead(long pagesAtMost);
+    void forgetOldest();
 
     // Reading.
     bool isStart(long position) const;
@@ -159,10 +184,14 @@ private:
     long m_pageCount = 0;                      // of the file, handed out or not
     unsigned long long m_stamp = 0;            // the last one given
     std::deque<long> m_free;                   // positions, in the order in which they are given out
-    std::vector<std::vector<long>> m_pending;  // chains that don't count any more and could not be emptied yet
-    std::vector<long> m_chain;                 // positions of the chain at hand
-    std::vector<unsigned char> m_bytes;        // its pages, one after the other
-    std::vector<unsigned char> m_ahead;        // pages from m_aheadStart on, while chains are read in the file's order
+    std::vector<std::vector<long>> m_pending;  // chains that must go before anything is written
+    std::deque<std::vector<long>> m_dead;      // replaced chains that still stand, in the order in which they died
+    long m_deadPages = 0;                      // of these; they are in m_free too, in the same order
+    std::vector<long> m_former;                // the chain that is being replaced; none: empty
+    unsigned long long m_formerStamp = 0;
+    std::vector<long> m_chain;           // positions of the chain at hand
+    std::vector<unsigned char> m_bytes;  // its pages, one after the other
+    std::vector<unsigned char> m_ahead;  // pages from m_aheadStart on, while chains are read in the file's order
     long m_aheadStart = 0;
     long m_aheadBytes = 0;       // 0: none
     int m_readsInOrder = 0;      // of late

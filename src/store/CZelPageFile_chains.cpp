@@ -24,39 +24,61 @@ std::size_t pagesFor(int length) {
 int CZelPageFile::write(const unsigned char *encoding, int length, long replaced, long *start) {
     if (encoding == nullptr || length <= 0 || start == nullptr)
         return ZEL_FAIL(E_RCBadArgument, "CZelPageFile::write: nothing to write");
-    std::vector<long> former;
-    unsigned long long formerStamp = 0;
     int status = prepareToWrite();
-    if (status == 1 && replaced != NO_POSITION)
-        status = lookUpFormer(replaced, former, formerStamp);
+    if (status == 1)
+        status = lookUpFormer(replaced);
+    if (status == 1 && holds(encoding, length)) {
+        *start = replaced;
+        return confirm();
+    }
     if (status == 1)
         status = reserve(pagesFor(length));
+    if (status == 1)
+        status = clearReserved();
     if (status != 1)
         return status;
-    layOut(encoding, length, former.empty() ? NO_POSITION : replaced, formerStamp);
-    status = writeWhole(!former.empty());
+    takeReserved();
+    layOut(encoding, length, m_former.empty() ? NO_POSITION : replaced, m_formerStamp);
+    status = writeWhole(!m_former.empty());
     if (status != 1)
         return status;
     m_counts.m_used += static_cast<long>(m_chain.size());
     *start = m_chain.front();
-    if (m_policy != E_SPOff && !former.empty())
-        m_formerMayReturn = true;
-    if (!former.empty() && empty(former) != 1)
-        m_pending.push_back(std::move(former));
+    if (m_chain.size() == 1) {
+        m_whole = *start;
+        m_wholeStamp = m_stamp;
+    }
+    if (!m_former.empty())
+        bury();
     return 1;
 }
 
 // The chain that is to be replaced. One that is broken by now is left where it is, and nothing is replaced. One that
 // can't be read now must not stay beside the new one.
-int CZelPageFile::lookUpFormer(long start, std::vector<long> &former, unsigned long long &stamp) {
-    const int status = follow(start);
+int CZelPageFile::lookUpFormer(long start) {
+    m_former.clear();
+    const int status = start != NO_POSITION ? follow(start) : E_RCBadValue;
     if (status == 1) {
-        former = m_chain;
-        stamp = m_wholeStamp;
+        m_former = m_chain;
+        m_formerStamp = m_wholeStamp;
     }
     if (status == E_RCBadValue)
         return 1;
     return status == E_RCPageRead ? E_RCPageWrite : status;
+}
+
+// Is it what the former chain, which has just been followed, encodes?
+bool CZelPageFile::holds(const unsigned char *encoding, int length) const {
+    if (m_former.empty())
+        return false;
+    const CZelPageView first(m_bytes.data());
+    const unsigned char *former = m_former.size() == 1 ? first.slice() : m_encoding.data();
+    return first.totalLength() == length && std::memcmp(former, encoding, static_cast<std::size_t>(length)) == 0;
+}
+
+// Who updates a record may count on what came before, be there anything to write or not.
+int CZelPageFile::confirm() {
+    return m_policy == E_SPOff ? 1 : sync();
 }
 
 // The pages of m_chain in m_bytes.
@@ -128,6 +150,8 @@ void CZelPageFile::undo() {
 // other one is dead. Only the first page goes before all is certain, so that it can be put back.
 int CZelPageFile::release(long start) {
     int status = prepareToWrite();
+    if (status == 1)
+        status = emptyDead(0);
     if (status == 1 && m_formerMayReturn)
         status = sync();
     if (status == 1)
@@ -141,6 +165,7 @@ int CZelPageFile::release(long start) {
         status = sync();
     if (status != 1)
         return putBack(first.data()) ? status : 1;
+    emptyRest(m_chain);
     giveBack(m_chain);
     return 1;
 }
@@ -162,6 +187,7 @@ bool CZelPageFile::putBack(const unsigned char *first) {
 int CZelPageFile::empty(const std::vector<long> &chain) {
     if (disown(chain) != 1)
         return E_RCPageWrite;
+    emptyRest(chain);
     giveBack(chain);
     return 1;
 }
@@ -175,12 +201,15 @@ int CZelPageFile::disown(const std::vector<long> &chain) {
 
 // The other pages of a chain that was disowned. Emptying them only puts them in order: those that can't be emptied are
 // used again all the same.
-void CZelPageFile::giveBack(const std::vector<long> &chain) {
+void CZelPageFile::emptyRest(const std::vector<long> &chain) {
     for (std::size_t from = 1, to = 1; from < chain.size(); from = to) {
         for (to = from + 1; to < chain.size() && chain[to] == chain[to - 1] + PAGE;)
             ++to;
         (void)writePages(chain, from, to);
     }
+}
+
+void CZelPageFile::giveBack(const std::vector<long> &chain) {
     m_free.insert(m_free.end(), chain.begin(), chain.end());
     m_counts.m_free += static_cast<long>(chain.size());
     m_counts.m_used -= static_cast<long>(chain.size());
@@ -194,4 +223,48 @@ int CZelPageFile::emptyPending() {
         m_pending.pop_back();
     }
     return 1;
+}
+
+// The former chain is dead, and its pages are free.
+void CZelPageFile::bury() {
+    giveBack(m_former);
+    m_deadPages += static_cast<long>(m_former.size());
+    m_dead.push_back(std::move(m_former));
+    if (m_policy == E_SPOff)
+        return;
+    m_formerMayReturn = true;
+    (void)emptyDead(0);  // what stays is tried again before anything else is written
+}
+
+// Of the dead chains that have pages among those in m_chain, only one that has just these may still stand.
+int CZelPageFile::clearReserved() {
+    for (const long position : m_chain) {
+        if (m_dead.empty() || m_dead.front().front() != position)
+            continue;
+        if (m_dead.front() == m_chain)
+            forgetOldest();
+        else if (emptyOldest() != 1)
+            return E_RCPageWrite;
+    }
+    return 1;
+}
+
+int CZelPageFile::emptyOldest() {
+    if (disown(m_dead.front()) != 1)
+        return E_RCPageWrite;
+    emptyRest(m_dead.front());
+    forgetOldest();
+    return 1;
+}
+
+int CZelPageFile::emptyDead(long pagesAtMost) {
+    while (m_deadPages > pagesAtMost)
+        if (emptyOldest() != 1)
+            return E_RCPageWrite;
+    return 1;
+}
+
+void CZelPageFile::forgetOldest() {
+    m_deadPages -= static_cast<long>(m_dead.front().size());
+    m_dead.pop_front();
 }

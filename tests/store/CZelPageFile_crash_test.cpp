@@ -28,9 +28,16 @@ Values valuesOf(const Records &records) {
     return values;
 }
 
-// A record of one to nine pages, unlike every other: "row:step:..."
-std::string someText(TestRandom &random, const std::string &row, int step) {
-    const std::size_t length = 1 + random.below(9 * 468);
+// What a script is made of. In a tight file few pages are free, so that new records soon take those of former ones.
+struct Shape {
+    int steps;
+    unsigned mostPages;  // of a record
+    bool isTight;
+};
+
+// A record unlike every other: "row:step:..."
+std::string someText(TestRandom &random, const std::string &row, int step, unsigned mostPages) {
+    const std::size_t length = 1 + random.below(mostPages * 468);
     std::string text = row + ':' + std::to_string(step) + ':';
     while (text.size() < length)
         text += static_cast<char>(random.below(256));
@@ -52,12 +59,15 @@ std::set<std::string> rowsOf(const Values &values) {
 // changes that had been made to the disk by then.
 class Script {
 public:
-    Script(MemoryFiles &files, TestRandom &random, int steps) : m_files(files), m_random(random) {
+    Script(MemoryFiles &files, TestRandom &random, const Shape &shape)
+        : m_files(files), m_random(random), m_shape(shape) {
         CZelPageFile file;
         m_model = reopen(file, PATH);
         remember();
         const std::string life = std::to_string(random.bits());
-        for (int i = 0; i < steps; ++i) {
+        if (shape.isTight)
+            fill(file, life);
+        for (int i = 0; i < shape.steps; ++i) {
             step(file, life + '-' + std::to_string(i), i);
             remember();
         }
@@ -76,18 +86,29 @@ public:
     }
 
 private:
+    // A record that stays, on all but some of the pages that there are.
+    void fill(CZelPageFile &file, const std::string &life) {
+        const std::string text = life + ':' + std::string((45 - m_random.below(5)) * 468, 'f');
+        m_filling = add(file, text);
+        m_model.emplace(m_filling, text);
+        remember();
+    }
     void step(CZelPageFile &file, const std::string &row, int number) {
         const unsigned kind = m_random.below(10);
         auto place = m_model.begin();
         if (!m_model.empty())
             std::advance(place, static_cast<long>(m_random.below(static_cast<unsigned>(m_model.size()))));
+        if (place != m_model.end() && place->first == m_filling)
+            return;
         if (kind >= 8 && !m_model.empty()) {
             ASSERT_EQ(1, file.release(place->first));
             m_model.erase(place);
             return;
         }
-        const bool isNew = kind < 4 || m_model.empty();
-        const std::string text = someText(m_random, isNew ? row : rowOf(place->second), number);
+        const bool isNew = m_model.empty() || (m_shape.isTight ? m_model.size() < 4 : kind < 4);
+        const std::string text = !isNew && m_random.oneIn(8) ? place->second
+                                                             : someText(m_random, isNew ? row : rowOf(place->second),
+                                                                        number, m_shape.mostPages);
         long start = 0;
         ASSERT_EQ(1, write(file, text, isNew ? CZelPageFile::NO_POSITION : place->first, &start));
         if (!isNew)
@@ -98,6 +119,8 @@ private:
 
     MemoryFiles &m_files;
     TestRandom &m_random;
+    const Shape m_shape;
+    long m_filling = CZelPageFile::NO_POSITION;
     Records m_model;
     std::vector<std::pair<std::size_t, Values>> m_states;
 };
@@ -154,7 +177,7 @@ void liveAndCut(MemoryFiles &files, const Disk &before, EZelSyncPolicy policy, T
     if (lives == 0)
         return;
     files.restart(before);
-    const Script script(files, random, 20);
+    const Script script(files, random, {20, random.oneIn(2) ? 9U : 2U, random.oneIn(2)});
     const Changes changes = files.changes();
     for (int i = 0; i < 15; ++i) {
         const std::size_t end = random.below(static_cast<unsigned>(changes.size() + 1));
@@ -169,24 +192,29 @@ void liveAndCut(MemoryFiles &files, const Disk &before, EZelSyncPolicy policy, T
     }
 }
 
+void killEverywhere(MemoryFiles &files, const Script &script) {
+    const Changes changes = files.changes();
+    Disk left;
+    for (std::size_t i = 0; i <= changes.size(); ++i) {
+        const Values found = recovered(files, left);
+        const std::vector<Values> allowed = script.states(i, i);
+        ASSERT_TRUE(std::find(allowed.begin(), allowed.end(), found) != allowed.end()) << "after change " << i;
+        ASSERT_NO_FATAL_FAILURE(expectTheSameAfterKilledRecovery(files, left, found));
+        if (i < changes.size())
+            MemoryFiles::apply(left, changes[i]);
+    }
+}
+
 }  // namespace
 
 // A kill leaves what the last finished step left, or what the step under way would have left.
 TEST(PageFileCrash, AKillAtAnyChangeLosesNothing) {
     TestRandom random;
-    for (int number = 0; number < 20; ++number) {
-        MemoryFiles files;
-        const Script script(files, random, 40);
-        const Changes changes = files.changes();
-        Disk left;
-        for (std::size_t i = 0; i <= changes.size(); ++i) {
-            const Values found = recovered(files, left);
-            const std::vector<Values> allowed = script.states(i, i);
-            ASSERT_TRUE(std::find(allowed.begin(), allowed.end(), found) != allowed.end())
-                << "script " << number << ", after change " << i;
-            ASSERT_NO_FATAL_FAILURE(expectTheSameAfterKilledRecovery(files, left, found));
-            if (i < changes.size())
-                MemoryFiles::apply(left, changes[i]);
+    for (const Shape &shape : {Shape{40, 9, false}, Shape{80, 1, true}, Shape{80, 2, true}, Shape{60, 4, true}}) {
+        for (int number = 0; number < 40; ++number) {
+            MemoryFiles files;
+            const Script script(files, random, shape);
+            ASSERT_NO_FATAL_FAILURE(killEverywhere(files, script)) << "pages " << shape.mostPages;
         }
     }
 }
@@ -211,10 +239,7 @@ TEST(PageFileCrash, AFormerRecordOfAnotherProcessDoesNotComeBackForOneThatIsRele
             reopen(file, PATH);
             long start = 0;
             write(file, "new", add(file, "old"), &start);
-            Disk left;
-            const Changes &changes = files.changes();
-            std::for_each(changes.begin(), changes.end() - 1, [&left](const auto &c) { MemoryFiles::apply(left, c); });
-            return left;  // the former one has not been emptied
+            return files.files();  // the former one has not been emptied
         }();
         const SyncPolicy setting(policy);
         files.restart(replaced);

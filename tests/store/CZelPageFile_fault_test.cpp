@@ -52,12 +52,16 @@ public:
         const FailingFiles failing(fault.kind, number, fault.errnoValue, fault.manner);
         const std::vector<long> starts = {m_model.begin()->first, std::next(m_model.begin())->first,
                                           m_model.rbegin()->first};
-        put(CZelPageFile::NO_POSITION, std::string(40 * 468, 'b'));  // more than there is
+        put(CZelPageFile::NO_POSITION, std::string(82 * 468, 'b'));  // more than there is
         put(starts[1], std::string(1500, 'c'));
         put(starts[0], std::string(800, 'd'));
         take(starts[2]);
-        put(CZelPageFile::NO_POSITION, "e");
+        long start = put(CZelPageFile::NO_POSITION, "e");
+        const std::size_t sizes[] = {300, 300, 300, 900, 900, 900, 300, 1400, 10};
+        for (int i = 0; i < 18 && start != CZelPageFile::NO_POSITION; ++i)  // on pages of former records too
+            start = put(start, std::to_string(i) + std::string(sizes[i / 2], 'e'));
         m_hasFailedSync = fault.kind == FailingFiles::SYNC && failing.Calls(fault.kind) >= number;
+        m_mayBeTorn = fault.manner == FailingFiles::IN_THE_MIDDLE || fault.manner == FailingFiles::FROM_THE_MIDDLE;
         return failing.Calls(fault.kind) >= number;
     }
 
@@ -76,20 +80,34 @@ public:
             m_model[start] = "after";
         }
         expectAllThere();
+        start = m_model.begin()->first;  // there is nothing to write, but what can't be written is refused all the same
+        EXPECT_EQ(status, write(m_file, m_model.begin()->second, start, &start));
+        EXPECT_EQ(m_model.begin()->first, start);
+        expectTheSameAfterAKill();
         EXPECT_EQ(1, m_file.close());
         EXPECT_EQ(m_model, reopen(m_file, m_path));
-        EXPECT_EQ(0, m_file.counts().m_damaged);
+        EXPECT_LE(m_file.counts().m_damaged, m_mayBeTorn ? 1 : 0);
     }
 
 private:
-    void put(long replaced, const std::string &text) {
+    void expectTheSameAfterAKill() {
+        if (m_hasFailedSync)
+            return;
+        const std::string left = m_scratch.Path("left");
+        std::filesystem::copy_file(m_path, left, std::filesystem::copy_options::overwrite_existing);
+        CZelPageFile file;
+        EXPECT_EQ(m_model, reopen(file, left));
+    }
+    // Where the record is now.
+    long put(long replaced, const std::string &text) {
         long start = 0;
         const int status = write(m_file, text, replaced, &start);
         EXPECT_NE(E_RCPageRead, status);
-        if (done(status)) {
-            m_model.erase(replaced);
-            m_model[start] = text;
-        }
+        if (!done(status))
+            return replaced;
+        m_model.erase(replaced);
+        m_model[start] = text;
+        return start;
     }
     void take(long start) {
         if (done(m_file.release(start)))
@@ -108,6 +126,7 @@ private:
     Records m_model;
     CZelPageFile m_file;
     bool m_hasFailedSync = false;
+    bool m_mayBeTorn = false;  // one page of those that are free
 };
 
 // A file that can't be read in, opened and looked at.

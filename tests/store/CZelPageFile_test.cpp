@@ -17,7 +17,9 @@
 #include "foundations/port/ZelCodes.h"
 #include "foundations/port/ZelInParts.h"
 #include "port/ScratchDirectory.h"
+#include "store/CZelPageMap.h"
 #include "store/PageFiles.h"
+#include "support/MemoryFiles.h"
 #include "support/TestRandom.h"
 
 using namespace PageFiles;
@@ -119,6 +121,52 @@ TEST_F(PageFile, PositionsAscendAndThoseGivenBackComeLast) {
     EXPECT_EQ(1, m_file.close());
     EXPECT_EQ(6U, reopen(m_file, m_path).size());
     EXPECT_EQ(53 * 512, add(m_file, "after"));
+}
+
+// Pages of former records are free in their turn, before they have been emptied.
+TEST_F(PageFile, ReplacedRecordsGiveTheirPagesBackInOrder) {
+    reopen(m_file, m_path);
+    add(m_file, std::string(46 * 468, 'x'));
+    long start = add(m_file, "0"), second = add(m_file, std::string(468, 'y') + "0");
+    std::vector<long> pages;
+    for (int i = 1; i < 5; ++i) {
+        ASSERT_EQ(1, write(m_file, std::to_string(i), start, &start));
+        pages.push_back(start / 512);
+    }
+    EXPECT_EQ((std::vector<long>{49, 46, 49, 46}), pages);
+    ASSERT_EQ(1, write(m_file, std::string(468, 'y') + "1", second, &second));
+    EXPECT_EQ(49 * 512, second);  // and one of the next batch
+    EXPECT_EQ("4", read(m_file, start));
+    EXPECT_EQ(49, m_file.counts().m_used);
+    EXPECT_EQ(51, m_file.counts().m_free);
+    EXPECT_EQ(1, m_file.close());
+    CZelPageMap map;
+    long owner = 0;
+    EXPECT_EQ(1, CZelPageFile::inspect(m_path.c_str(), map, &owner));
+    EXPECT_EQ(3U, map.starts().size());
+    EXPECT_EQ(51, map.count(CZelPageMap::FREE));
+}
+
+TEST_F(PageFile, ARecordThatIsReplacedByTheSameBytesStaysWhereItIs) {
+    for (const std::size_t length : {1U, 468U, 1500U}) {
+        for (const EZelSyncPolicy policy : {E_SPOff, E_SPUpdate, E_SPFull}) {
+            const SyncPolicy setting(policy);
+            MemoryFiles files;
+            CZelPageFile file;
+            reopen(file, "/records");
+            const std::string text(length, 's');
+            long start = add(file, text);
+            const long former = start;
+            const std::size_t changes = files.changes().size();
+            ASSERT_EQ(1, write(file, text, start, &start));
+            EXPECT_EQ(former, start);
+            ASSERT_EQ(changes + (policy == E_SPOff ? 0 : 1), files.changes().size());  // what came before is on disk
+            EXPECT_TRUE(policy == E_SPOff || files.changes().back().isSync);
+            ASSERT_EQ(1, write(file, text.substr(1) + "t", start, &start));
+            EXPECT_NE(former, start);
+            EXPECT_EQ(text.substr(1) + "t", read(file, start));
+        }
+    }
 }
 
 TEST_F(PageFile, FollowsAModelThroughReopening) {
