@@ -40,19 +40,29 @@ void *CZelObjectSet::gap() {
 }
 
 bool CZelObjectSet::add(void *object) {
-    if (holds(object))
+    if (m_used == m_capacity) {
+        if (holds(object))
+            return false;
+        makeSpace();
+    }
+    if (!(isIndexed() ? enter(object, m_used) : find(object) == NOWHERE))
         return false;
     dropList();
-    addNew(object);
+    append(object);
     return true;
 }
 
 void CZelObjectSet::addNew(void *object) {
     if (m_used == m_capacity)
         makeSpace();
-    m_objects[m_used] = object;
     if (isIndexed())
-        enter(m_used);
+        enter(object, m_used);
+    append(object);
+}
+
+// Requires: there is room, and the index knows it.
+void CZelObjectSet::append(void *object) {
+    m_objects[m_used] = object;
     ++m_used;
     ++m_live;
 }
@@ -69,7 +79,7 @@ bool CZelObjectSet::remove(void *object) {
         return false;
     dropList();
     if (isIndexed())
-        leave(findPlace(object));
+        leave(findPlace(object, hashOf(object)));
     m_objects[position] = gap();
     --m_live;
     closeGaps();
@@ -116,19 +126,34 @@ CZelDoubleList *CZelObjectSet::list() const {
 }
 
 void CZelObjectSet::dropList() {
-    delete m_list.exchange(nullptr, std::memory_order_relaxed);
+    if (m_list.load(std::memory_order_relaxed) != nullptr)
+        delete m_list.exchange(nullptr, std::memory_order_relaxed);
 }
 
-std::uint32_t CZelObjectSet::home(const void *object) const {
-    std::uint64_t hash = ZelHashWord(reinterpret_cast<std::uintptr_t>(object));
+std::uint64_t CZelObjectSet::hashOf(const void *object) {
+    return ZelHashWord(reinterpret_cast<std::uintptr_t>(object));
+}
+
+std::uint32_t CZelObjectSet::home(std::uint64_t hash) const {
     return static_cast<std::uint32_t>(hash >> 32) >> (std::countl_zero(m_places) + 1);
 }
 
-// The place of an object in the index, or an empty one.
-std::uint32_t CZelObjectSet::findPlace(const void *object) const {
+// The hash bits of an entry, where no position reaches. Those that `home` takes lie above them.
+std::uint32_t CZelObjectSet::tagOf(std::uint64_t hash) const {
+    return static_cast<std::uint32_t>(hash >> 8) & ~(m_places - 1);
+}
+
+std::uint32_t CZelObjectSet::positionIn(std::uint32_t entry) const {
+    return (entry & (m_places - 1)) - 1;
+}
+
+// The place of an object in the index, or an empty one. Objects are looked at only where the bits of the hash agree.
+std::uint32_t CZelObjectSet::findPlace(const void *object, std::uint64_t hash) const {
     const std::uint32_t *places = index();
-    std::uint32_t place = home(object);
-    while (places[place] != 0 && m_objects[places[place] - 1] != object)
+    const std::uint32_t tag = tagOf(hash);
+    std::uint32_t place = home(hash);
+    while (places[place] != 0 &&
+           ((places[place] & ~(m_places - 1)) != tag || m_objects[positionIn(places[place])] != object))
         place = after(place);
     return place;
 }
@@ -136,8 +161,8 @@ std::uint32_t CZelObjectSet::findPlace(const void *object) const {
 // The position of an object in the array.
 std::uint32_t CZelObjectSet::find(const void *object) const {
     if (isIndexed()) {
-        std::uint32_t entry = index()[findPlace(object)];
-        return entry == 0 ? NOWHERE : entry - 1;
+        const std::uint32_t entry = index()[findPlace(object, hashOf(object))];
+        return entry == 0 ? NOWHERE : positionIn(entry);
     }
     for (std::uint32_t i = 0; i < m_used; ++i) {
         if (m_objects[i] == object)
@@ -146,8 +171,19 @@ std::uint32_t CZelObjectSet::find(const void *object) const {
     return NOWHERE;
 }
 
-void CZelObjectSet::enter(std::uint32_t position) {
-    index()[findPlace(m_objects[position])] = position + 1;
+void CZelObjectSet::prefetchPlace(const void *object) const {
+    if (isIndexed())
+        __builtin_prefetch(index() + home(hashOf(object)));
+}
+
+// False when it is there.
+bool CZelObjectSet::enter(const void *object, std::uint32_t position) {
+    const std::uint64_t hash = hashOf(object);
+    std::uint32_t &entry = index()[findPlace(object, hash)];
+    if (entry != 0)
+        return false;
+    entry = tagOf(hash) | (position + 1);
+    return true;
 }
 
 // Takes an entry out of the index and moves up those behind it that may stand there.
@@ -155,7 +191,7 @@ void CZelObjectSet::leave(std::uint32_t hole) {
     std::uint32_t *places = index();
     std::uint32_t mask = m_places - 1;
     for (std::uint32_t next = after(hole); places[next] != 0; next = after(next)) {
-        std::uint32_t own = home(m_objects[places[next] - 1]);
+        std::uint32_t own = home(hashOf(m_objects[positionIn(places[next])]));
         if (((next - own) & mask) < ((next - hole) & mask))
             continue;
         places[hole] = places[next];
@@ -178,5 +214,5 @@ void CZelObjectSet::rebuild(std::uint32_t capacity) {
         return;
     std::memset(index(), 0, m_places * sizeof(std::uint32_t));
     for (std::uint32_t i = 0; i < m_used; ++i)
-        enter(i);
+        enter(m_objects[i], i);
 }

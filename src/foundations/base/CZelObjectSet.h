@@ -2,7 +2,8 @@
 // asking for one take constant time; an object takes some 16 bytes.
 //
 // Objects stand in an array; a removed one leaves a gap, and gaps are closed when they are the greater part.
-// A set of more than a few has behind the array an open-addressing table from object to place.
+// A set of more than a few has behind the array an open-addressing table from object to position. The bits of an entry
+// that no position of this set needs are bits of the object's hash, so that other objects are hardly ever looked at.
 //
 // Threads: no lock; several readers may read while nobody changes, also when they ask for the list.
 #pragma once
@@ -29,6 +30,7 @@ public:
     void addNew(void *object);  // Requires: it is not there, and nobody has asked for the list
     bool remove(void *object);  // false when it is not there
     bool holds(const void *object) const { return find(object) != NOWHERE; }
+    void prefetchPlace(const void *object) const;  // asks the memory for what `add` will read
     unsigned int length() const { return m_live; }
     void *first() const;  // the oldest; null when empty
     void appendTo(CZelBag &bag) const;
@@ -43,18 +45,22 @@ private:
     static void *gap();
     bool isIndexed() const { return m_places != 0; }
     std::uint32_t *index() const { return reinterpret_cast<std::uint32_t *>(m_objects + m_capacity); }
-    std::uint32_t home(const void *object) const;
+    static std::uint64_t hashOf(const void *object);
+    std::uint32_t home(std::uint64_t hash) const;
     std::uint32_t after(std::uint32_t place) const { return (place + 1) & (m_places - 1); }
-    std::uint32_t findPlace(const void *object) const;
+    std::uint32_t tagOf(std::uint64_t hash) const;
+    std::uint32_t positionIn(std::uint32_t entry) const;
+    std::uint32_t findPlace(const void *object, std::uint64_t hash) const;
     std::uint32_t find(const void *object) const;
-    void enter(std::uint32_t position);
+    bool enter(const void *object, std::uint32_t position);
     void leave(std::uint32_t place);
     void rebuild(std::uint32_t capacity);
+    void append(void *object);
     void makeSpace();
     void closeGaps();
     void dropList();
 
-    void **m_objects = nullptr;  // m_capacity objects, then m_places numbers: a position + 1, 0 for none
+    void **m_objects = nullptr;  // m_capacity objects, then m_places entries: hash bits over a position + 1; 0: none
     std::uint32_t m_used = 0;    // objects and gaps
     std::uint32_t m_live = 0;    // objects
     std::uint32_t m_capacity = 0;
