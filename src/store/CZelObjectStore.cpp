@@ -125,13 +125,19 @@ int CZelObjectStore::ROSAdd(void *object, CZelBag *bindings, CZelBag *nulls, boo
 }
 
 int CZelObjectStore::ROSAdd(void *object, const SZelIndexValue *values, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) {
-        const int status =
-            values[i].m_tree->RBPTAddObjectToTree(values[i].m_value, object, values[i].m_value == nullptr);
-        if (status != 1) {
-            ROSRollback(object, values, i);
-            return status;
-        }
+    constexpr std::size_t PART = 8;
+    CZelBPlusTree::SAddition part[PART];
+    for (std::size_t from = 0; from < count; from += PART) {
+        const std::size_t length = std::min(PART, count - from);
+        std::transform(values + from, values + from + length, part, [](const SZelIndexValue &value) {
+            return CZelBPlusTree::SAddition{value.m_tree, value.m_value};
+        });
+        std::size_t added = 0;
+        const int status = CZelBPlusTree::RBPTAddToEach(part, length, object, &added);
+        if (status == 1)
+            continue;
+        ROSRollback(object, values, from + added);
+        return status;
     }
     return 1;
 }

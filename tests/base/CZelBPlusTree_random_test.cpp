@@ -179,6 +179,28 @@ TEST_P(BPlusTreeRandomTest, KeysInRisingAndFallingOrderAreAllFound) {
     }
 }
 
+// Whole leaves go, so that what is left of a tree takes keys that are unlike its own.
+TEST_P(BPlusTreeRandomTest, RunsOfKeysComeAndGo) {
+    TestRandom random;
+    TreeKeys keys(random, 4000);
+    for (int round = 0; round < 400 && !HasFatalFailure(); ++round) {
+        for (int i = 0; i < 300; ++i)
+            step(random, random.oneIn(9) ? keys.key() : keys.text(), true);
+        auto place = m_model.lower_bound(keys.text());
+        for (unsigned left = 20 + random.below(500); left > 0 && place != m_model.end(); --left) {
+            const CZelAtom key(place->first);
+            void *object = place->second.back();
+            ++place;
+            while (removeFromModel(key, object) == E_RCOk) {
+                ASSERT_EQ(E_RCOk, m_tree.RBPTLiteralDeleteObjectInTree(&key, object));
+                const auto rest = m_model.find(key);
+                object = rest != m_model.end() ? rest->second.back() : nullptr;
+            }
+        }
+        compareKeys();
+    }
+}
+
 // A tree that was filled at once is one that was filled pair by pair, and goes on as such.
 TEST_P(BPlusTreeRandomTest, AFilledTreeIsTheOneThatAdditionsMake) {
     TestRandom random;
@@ -237,6 +259,47 @@ TEST_P(BPlusTreeRandomTest, ATreeIsFilledWithTextsThatBeginAlikeForAnyLength) {
             compareNode(entry.first);
         compareAnswers(std::next(m_model.begin(), random.below(static_cast<unsigned>(m_model.size())))->first);
         removeAll(random);
+    }
+}
+
+// Two rows of trees that get the same, one of them side by side: among the trees of one call may be the same again.
+TEST(BPlusTreeTogetherTest, AdditionsToSeveralTreesAreThoseOneByOne) {
+    TestRandom random;
+    TreeKeys keys(random, 2000);
+    CZelBPlusTree together[] = {CZelBPlusTree(false), CZelBPlusTree(true), CZelBPlusTree(true)};
+    CZelBPlusTree single[] = {CZelBPlusTree(false), CZelBPlusTree(true), CZelBPlusTree(true)};
+    long objects[500] = {};
+    for (int step = 0; step < 20000; ++step) {
+        void *object = objects + random.below(500);
+        std::vector<CZelAtom> own;
+        for (unsigned i = random.below(10); i > 0; --i)
+            own.push_back(random.oneIn(30) ? CZelAtom() : keys.key());
+        std::vector<CZelBPlusTree::SAddition> additions;
+        std::size_t expected = 0;
+        int expectedStatus = E_RCOk;
+        for (const CZelAtom &key : own) {
+            const unsigned tree = random.below(3);
+            additions.push_back({together + tree, &key});
+            if (expectedStatus == E_RCOk)
+                expectedStatus = single[tree].RBPTAddObjectToTree(&key, object, false);
+            expected += expectedStatus == E_RCOk ? 1 : 0;
+        }
+        std::size_t added = 77;
+        ASSERT_EQ(expectedStatus, CZelBPlusTree::RBPTAddToEach(additions.data(), additions.size(), object, &added));
+        ASSERT_EQ(expected, added);
+    }
+    for (int tree = 0; tree < 3; ++tree) {
+        CZelBag left, right;
+        for (const EZelOper op : {E_ROEqual, E_RONotEqual}) {
+            together[tree].RBPTAppendQuery(nullptr, op, left);
+            single[tree].RBPTAppendQuery(nullptr, op, right);
+        }
+        ASSERT_EQ(right.RBLength(), left.RBLength());
+        const CZelPointer *other = right.RBFirst();
+        for (const CZelPointer *node = left.RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
+            ASSERT_EQ(other->RPData(), node->RPData());
+            other = CZelBag::RBNext(other);
+        }
     }
 }
 

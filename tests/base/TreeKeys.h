@@ -38,13 +38,21 @@ public:
     }
     CZelAtom text() {
         static const char *const FRONTS[] = {"", "a", "ab", "interface", "interfaces/slot", "a much longer front "};
-        std::string text = FRONTS[m_random.below(6)] + std::to_string(m_random.below(m_variety));
+        const std::string front = m_random.oneIn(3) ? path() : FRONTS[m_random.below(6)];
+        std::string text = front + std::to_string(m_random.below(m_variety));
         if (m_random.oneIn(8))
             text.resize(m_random.below(static_cast<unsigned>(text.size()) + 1));
         return m_random.oneIn(3) ? CZelAtom::RAName(text.c_str()) : CZelAtom(text.c_str(), text.size());
     }
 
 private:
+    // So that neighbours share long fronts, and others only some of it.
+    std::string path() {
+        std::string path;
+        for (unsigned steps = m_random.below(6); steps > 0; --steps)
+            path += m_random.oneIn(2) ? "site/" : "rack/";
+        return path;
+    }
     // Far apart, or so near to each other that no double tells them apart.
     CZelAtom wide() {
         const auto number = static_cast<long long>(m_random.below(m_variety));

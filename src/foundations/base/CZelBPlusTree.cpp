@@ -1,6 +1,7 @@
 #include "foundations/base/CZelBPlusTree.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "foundations/base/CZelAtomVector.h"
 #include "foundations/base/CZelKeyTree_nodes.h"
@@ -19,15 +20,54 @@ const CZelAtom &keyOrNull(const CZelAtom *key) {
 CZelBPlusTree::CZelBPlusTree(bool degenerate) : m_degenerate(degenerate) {}
 
 int CZelBPlusTree::RBPTAddObjectToTree(const CZelAtom *key, void *object, bool) {
+    std::size_t added = 0;
+    const SAddition addition{this, key};
+    return RBPTAddToEach(&addition, 1, object, &added);
+}
+
+int CZelBPlusTree::RBPTAddToEach(const SAddition *additions, std::size_t count, void *object, std::size_t *added) {
+    for (*added = 0; *added < count;) {
+        const std::size_t before = *added;
+        const int status = addTogether(additions + before, std::min(count - before, TOGETHER), object, added);
+        if (status != E_RCOk)
+            return status;
+    }
+    return E_RCOk;
+}
+
+// Ends before a tree that comes again: what is known of its places would not be true any more.
+int CZelBPlusTree::addTogether(const SAddition *additions, std::size_t count, void *object, std::size_t *added) {
+    std::optional<CZelKeyTree::Addition> begun[TOGETHER];
+    std::size_t length = 0;
+    for (; length < count && !isAmong(additions, length, additions[length].m_tree); ++length) {
+        begun[length].emplace(additions[length].m_tree->m_tree, keyOrNull(additions[length].m_key));
+        begun[length]->seek();
+    }
+    for (std::size_t i = 0; i < length; ++i)
+        begun[i]->settle(object);
+    for (std::size_t i = 0; i < length; ++i) {
+        if (!additions[i].m_tree->finish(*begun[i], additions[i].m_key, object))
+            return E_RCKeyExists;
+        ++*added;
+    }
+    return E_RCOk;
+}
+
+bool CZelBPlusTree::isAmong(const SAddition *additions, std::size_t count, const CZelBPlusTree *tree) {
+    return std::any_of(additions, additions + count, [tree](const SAddition &one) { return one.m_tree == tree; });
+}
+
+// False when the tree is unique and has another object under the key.
+bool CZelBPlusTree::finish(CZelKeyTree::Addition &addition, const CZelAtom *key, void *object) {
     bool isNew = false;
-    CZelBTreeNode &entry = m_tree.RKTAdd(keyOrNull(key), object, &isNew).entry();
+    CZelBTreeNode &entry = addition.finish(object, &isNew).entry();
     if (!isNew) {
         if (!m_degenerate && !CZelAtom::RAIsNull(key))
-            return entry.RBTNHolds(object) ? E_RCOk : E_RCKeyExists;
+            return entry.RBTNHolds(object);
         isNew = entry.add(object);
     }
     m_length += isNew ? 1 : 0;
-    return E_RCOk;
+    return true;
 }
 
 int CZelBPlusTree::RBPTLoad(std::vector<SZelKeyedObject> &pairs) {

@@ -28,6 +28,14 @@ public:
     // 1, or E_RCKeyExists when a unique tree has another object under this non-null key. `flag` has no effect.
     int RBPTAddObjectToTree(const CZelAtom *key, void *object, bool flag);
 
+    // Adds an object to several trees, in their order, as if one by one but in less time: the additions wait for memory
+    // together. Stops at the first that is refused; *added counts those before it. 1 or E_RCKeyExists.
+    struct SAddition {
+        CZelBPlusTree *m_tree;
+        const CZelAtom *m_key;
+    };
+    static int RBPTAddToEach(const SAddition *additions, std::size_t count, void *object, std::size_t *added);
+
     // Fills an empty tree with pairs of different objects, as if they were added one by one; takes their keys.
     // E_RCKeyExists: two of them can't both stand in this tree, which stays empty.
     int RBPTLoad(std::vector<SZelKeyedObject> &pairs);
@@ -71,6 +79,10 @@ public:
 private:
     struct Stretch;
     struct Answer;
+    static constexpr std::size_t TOGETHER = 4;
+    static int addTogether(const SAddition *additions, std::size_t count, void *object, std::size_t *added);
+    static bool isAmong(const SAddition *additions, std::size_t count, const CZelBPlusTree *tree);
+    bool finish(CZelKeyTree::Addition &addition, const CZelAtom *key, void *object);
     Stretch range(const CZelAtom &key, EZelOper op) const;
     Answer answer(const CZelAtom *key, EZelOper op) const;
 

@@ -34,6 +34,11 @@ bool CZelBTreeNode::add(void *more) {
     return objects()->add(more);
 }
 
+void CZelBTreeNode::prefetchForAdd(const void *more) const {
+    if (hasSet())
+        objects()->prefetchPlace(more);
+}
+
 CZelBTreeNode::Removal CZelBTreeNode::remove(void *which) {
     if (!hasSet())
         return object() == which ? Removal::LEFT_NONE : Removal::ABSENT;

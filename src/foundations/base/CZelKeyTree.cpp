@@ -7,18 +7,6 @@
 
 namespace {
 
-// How many of the sorted items are `before`. No branch depends on a comparison.
-template <class Item, class Before>
-unsigned int countBefore(const Item *items, unsigned int count, Before before) {
-    const Item *from = items;
-    while (count > 0) {
-        unsigned int half = (count + 1) / 2;
-        from += half & (0U - static_cast<unsigned int>(before(from[half - 1])));
-        count -= half;
-    }
-    return static_cast<unsigned int>(from - items);
-}
-
 std::uint64_t loadLittleEndian(const std::uint8_t *bytes) {
     std::uint64_t word;
     std::memcpy(&word, bytes, sizeof(word));
@@ -73,16 +61,6 @@ unsigned int CZelKeyTree::branchFor(const Node *node, const Wanted &wanted) {
         countBefore(heads + less, count - less, [head](Node::Head other) { return other == head; });
     return less + countBefore(node->items() + 1 + less, alike,
                               [&wanted](const Item &item) { return wanted.compare(item.key) >= 0; });
-}
-
-bool CZelKeyTree::descend(const Wanted &wanted, Way &way) const {
-    return placeIn(leafFor(wanted, way), wanted, &way.indexes[m_depth]);
-}
-
-bool CZelKeyTree::placeIn(const Node *leaf, const Wanted &wanted, unsigned int *index) {
-    auto less = [&wanted](const Item &item) { return wanted.compare(item.key) > 0; };
-    *index = countBefore(leaf->items(), leaf->count, less);
-    return *index < leaf->count && wanted.compare(leaf->items()[*index].key) == 0;
 }
 
 bool CZelKeyTree::find(const Wanted &wanted, Way &way) const {

@@ -5,7 +5,7 @@
 // A leaf that is full gives to its neighbours before it splits, so that leaves are four fifths full on the average;
 // keys that come in rising or falling order fill them wholly, and a node that has become small joins its neighbour. A
 // tree of a few keys is one small block.
-// A key that is looked for by itself is found in its leaf by a byte of its hash.
+// A key that is looked for by itself is found in its leaf by a byte of its hash, the place of a new one by hints.
 //
 // Threads: no lock; several readers may look up and walk while nobody changes.
 #pragma once
@@ -77,6 +77,8 @@ public:
     // The entry of a key, made for `object` alone when there was none.
     Place RKTAdd(const CZelAtom &key, void *object, bool *isNew);
 
+    class Addition;  // the same step by step
+
     // Fills an empty tree with pairs in any order, as if they were added one by one; takes their keys. False, and the
     // tree stays empty, when `isUnique` and a key that is not null comes twice.
     bool RKTLoad(std::vector<SZelKeyedObject> &pairs, bool isUnique);
@@ -88,26 +90,38 @@ public:
     void RKTEmpty();
 
 private:
+    struct Scale;
     struct Way;
     union Loose;
     class Wanted;
     class Crowd;
 
     // Looking up.
-    bool descend(const Wanted &wanted, Way &way) const;  // to the key's place; is it there?
-    bool find(const Wanted &wanted, Way &way) const;     // to the key, if it is there
+    bool find(const Wanted &wanted, Way &way) const;  // to the key, if it is there
     const Node *leafFor(const Wanted &wanted, Way &way) const;
-    static bool placeIn(const Node *leaf, const Wanted &wanted, unsigned int *index);
     // In a leaf, from an index on; the count when it is not there.
     static unsigned int placeOf(const Node *leaf, const Wanted &wanted);
     static unsigned int placeOf(const Node *leaf, const Wanted &wanted, std::uint8_t print, unsigned int from);
     static unsigned int placeOfPrint(const Node *leaf, std::uint8_t print, unsigned int from);
+    template <class Entry, class Before>
+    static unsigned int countBefore(const Entry *items, unsigned int count, Before before);
     static unsigned int branchFor(const Node *node, const Wanted &wanted);
     static std::uint8_t printOf(const CZelAtom &key);
     static constexpr unsigned int HEAD_BITS = 62;  // below the type
     static std::uint64_t headOf(const CZelAtom &key);
     static std::uint64_t headOfText(std::string_view text);
     static std::uint64_t headOfNumber(double number);
+
+    // Places of new keys.
+    static bool placeIn(const Node *leaf, const Wanted &wanted, unsigned int *index);
+    static std::uint16_t hintOf(const Scale &scale, const CZelAtom &key);
+    static std::uint16_t hintOfText(const Scale &scale, std::string_view text);
+    std::size_t sharedBytes(const Way &way) const;
+    static void admit(Node *leaf, unsigned int neighbour, const CZelAtom &key);
+    void sharpen(const Way &way);
+    static bool isBlunt(const Node *leaf);
+    static void rescale(Node *leaf, std::size_t skipped);
+    static void makeBlunt(Node *leaf);
 
     // Loading.
     struct Ranked;
@@ -127,10 +141,10 @@ private:
     static Node *makeNode(unsigned int capacity, std::size_t width);
     static void setMark(Node *node, unsigned int index);
     static Node *resize(Node *node, unsigned int capacity);
-    static void moveItemsTo(Node *node, std::uint16_t offset);
     static void makeGap(Node *node, unsigned int index, unsigned int count);
     static void closeGap(Node *node, unsigned int index, unsigned int count);
     static void copyItems(Node *from, unsigned int index, Node *to, unsigned int place, unsigned int count);
+    static void copyHints(const Node *from, unsigned int index, Node *to, unsigned int place, unsigned int count);
     static void insertItem(Node *node, unsigned int index, Item &item);
     static void removeItem(Node *node, unsigned int index);
     static void moveItems(Node *from, unsigned int index, Node *to);

@@ -21,29 +21,25 @@ CZelKeyTree::Node *CZelKeyTree::makeNode(unsigned int capacity, std::size_t widt
     const std::uint16_t offset = Node::OffsetFor(capacity, width);
     void *block = ZelMalloc(offset + capacity * sizeof(Item));
     return new (block)
-        Node{nullptr, nullptr, 0, static_cast<std::uint16_t>(capacity), offset, static_cast<std::uint16_t>(width)};
+        Node{nullptr, nullptr, 0, static_cast<std::uint16_t>(capacity), offset, static_cast<std::uint16_t>(width), {}};
 }
 
-// Gives the node another capacity. It may move: its neighbours learn that here, its parent through the caller.
+// Gives the node a greater capacity. It may move: its neighbours learn that here, its parent through the caller.
 CZelKeyTree::Node *CZelKeyTree::resize(Node *node, unsigned int capacity) {
     const std::uint16_t offset = Node::OffsetFor(capacity, node->width);
-    if (offset < node->offset)
-        moveItemsTo(node, offset);
     node = static_cast<Node *>(ZelRealloc(node, offset + capacity * sizeof(Item)));
-    if (offset > node->offset)
-        moveItemsTo(node, offset);
+    const void *items = node->items();
+    const void *hints = node->hints();
+    node->offset = offset;
     node->capacity = static_cast<std::uint16_t>(capacity);
+    std::memmove(static_cast<void *>(node->items()), items, node->count * sizeof(Item));
+    if (node->isLeaf())
+        std::memmove(node->hints(), hints, node->count * sizeof(Node::Hint));
     if (node->prev != nullptr)
         node->prev->next = node;
     if (node->next != nullptr)
         node->next->prev = node;
     return node;
-}
-
-void CZelKeyTree::moveItemsTo(Node *node, std::uint16_t offset) {
-    const void *former = node->items();
-    node->offset = offset;
-    std::memmove(static_cast<void *>(node->items()), former, node->count * sizeof(Item));
 }
 
 // Items with their marks, as bytes: those from `index` on make room for `count` more, or move up over as many that
@@ -53,6 +49,8 @@ void CZelKeyTree::makeGap(Node *node, unsigned int index, unsigned int count) {
     Item *place = node->items() + index;
     std::memmove(static_cast<void *>(place + count), static_cast<void *>(place), behind * sizeof(Item));
     std::memmove(node->mark(index + count), node->mark(index), std::size_t{behind} * node->width);
+    if (node->isLeaf())
+        std::memmove(node->hints() + index + count, node->hints() + index, behind * sizeof(Node::Hint));
 }
 
 void CZelKeyTree::closeGap(Node *node, unsigned int index, unsigned int count) {
@@ -61,12 +59,26 @@ void CZelKeyTree::closeGap(Node *node, unsigned int index, unsigned int count) {
     Item *place = node->items() + index;
     std::memmove(static_cast<void *>(place), static_cast<void *>(place + count), behind * sizeof(Item));
     std::memmove(node->mark(index), node->mark(index + count), std::size_t{behind} * node->width);
+    if (node->isLeaf())
+        std::memmove(node->hints() + index, node->hints() + index + count, behind * sizeof(Node::Hint));
 }
 
 void CZelKeyTree::copyItems(Node *from, unsigned int index, Node *to, unsigned int place, unsigned int count) {
     std::memcpy(static_cast<void *>(to->items() + place), static_cast<void *>(from->items() + index),
                 count * sizeof(Item));
     std::memcpy(to->mark(place), from->mark(index), std::size_t{count} * to->width);
+    if (to->isLeaf())
+        copyHints(from, index, to, place, count);
+}
+
+// Requires: the keys have been admitted to the leaf that they come to.
+void CZelKeyTree::copyHints(const Node *from, unsigned int index, Node *to, unsigned int place, unsigned int count) {
+    if (from->scale == to->scale) {
+        std::memcpy(to->hints() + place, from->hints() + index, count * sizeof(Node::Hint));
+        return;
+    }
+    for (unsigned int i = 0; i < count; ++i)
+        to->hints()[place + i] = hintOf(to->scale, from->items()[index + i].key);
 }
 
 // Moves the item in: the caller's is no longer an object.
@@ -79,8 +91,9 @@ void CZelKeyTree::insertItem(Node *node, unsigned int index, Item &item) {
 
 void CZelKeyTree::setMark(Node *node, unsigned int index) {
     const CZelAtom &key = node->items()[index].key;
-    if (node->width == sizeof(Node::Print)) {
+    if (node->isLeaf()) {
         *node->mark(index) = static_cast<char>(printOf(key));
+        node->hints()[index] = hintOf(node->scale, key);
         return;
     }
     const Node::Head head = headOf(key);
@@ -118,38 +131,27 @@ CZelKeyTree::Node *&CZelKeyTree::slot(Way &way, unsigned int level) {
     return way.nodes[level - 1]->items()[way.indexes[level - 1]].child;
 }
 
-CZelKeyTree::Place CZelKeyTree::RKTAdd(const CZelAtom &key, void *object, bool *isNew) {
-    if (m_root == nullptr)
-        m_root = makeNode(spaceFor(1), sizeof(Node::Print));
-    Way way;
-    *isNew = !descend(Wanted(key), way);
-    if (!*isNew)
-        return {way.nodes[m_depth], way.indexes[m_depth]};
-    ++m_length;
-    Loose loose;
-    new (&loose.item.key) CZelAtom(key);
-    loose.item.entry.set(object);
-    return insert(way, loose.item);
-}
-
 // Moves items over the border between two leaves until they hold as many.
 void CZelKeyTree::evenOut(Node *left, Node *right) {
     const unsigned int half = (left->count + right->count) / 2U;
     if (left->count > half) {
         const unsigned int moved = left->count - half;
+        admit(right, 0, left->items()[half].key);
         makeGap(right, 0, moved);
         copyItems(left, half, right, 0, moved);
         right->count = static_cast<std::uint16_t>(right->count + moved);
         left->count = static_cast<std::uint16_t>(half);
     } else {
         const unsigned int moved = half - left->count;
+        admit(left, left->count - 1U, right->items()[moved - 1].key);
         copyItems(right, 0, left, left->count, moved);
         left->count = static_cast<std::uint16_t>(half);
         closeGap(right, 0, moved);
     }
 }
 
-// Puts the item into a full leaf or into its neighbour, if that one has room; else gives the end.
+// Puts the item into a full leaf or into its neighbour, if that one has room; else gives the end. At the border it
+// stays in its own, for whose hints it is known to be fit.
 CZelKeyTree::Place CZelKeyTree::insertWithNeighbour(Way &way, Item &item) {
     const unsigned int own = way.indexes[m_depth - 1];
     Node *parent = way.nodes[m_depth - 1];
@@ -160,7 +162,7 @@ CZelKeyTree::Place CZelKeyTree::insertWithNeighbour(Way &way, Item &item) {
             continue;
         const unsigned int index = way.indexes[m_depth] + (border == own ? left->count : 0U);
         evenOut(left, right);
-        const bool goesRight = index > left->count;
+        const bool goesRight = border == own ? index >= left->count : index > left->count;
         Node *target = goesRight ? right : left;
         const unsigned int place = goesRight ? index - left->count : index;
         insertItem(target, place, item);
@@ -178,6 +180,8 @@ CZelKeyTree::Place CZelKeyTree::insert(Way &way, Item &item) {
         if (!shared.isEnd())
             return shared;
     }
+    if (way.nodes[m_depth]->count == Node::MOST)
+        sharpen(way);
     unsigned int level = m_depth;
     Node *right = nullptr;
     Place place = put(way, level, way.indexes[level], item, &right);
@@ -219,6 +223,7 @@ CZelKeyTree::Node *CZelKeyTree::split(const Way &way, unsigned int level, unsign
     else if (index == 0 && node->prev == nullptr)
         kept = 0;
     Node *right = makeNode(Node::MOST, node->width);
+    right->scale = node->scale;
     moveItems(node, kept, right);
     if (level == m_depth)
         linkBehind(node, right);
@@ -316,6 +321,8 @@ void CZelKeyTree::join(Node *parent, unsigned int index, bool areLeaves) {
     if (!areLeaves) {
         right->items()[0].key = std::move(parent->items()[index].key);
         setMark(right, 0);
+    } else if (left->count > 0 && right->count > 0) {
+        admit(left, left->count - 1U, right->items()[right->count - 1].key);
     }
     moveItems(right, 0, left);
     removeItem(parent, index);

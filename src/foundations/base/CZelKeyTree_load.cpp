@@ -44,6 +44,7 @@ std::vector<CZelKeyTree::Node *> CZelKeyTree::makeLeaves(std::vector<SZelKeyedOb
     for (std::size_t number = 0, key = 0; number < portions.nodes(); key = portions.end(number++)) {
         const auto count = static_cast<unsigned int>(portions.end(number) - key);
         Node *leaf = makeNode(spaceFor(count), sizeof(Node::Print));
+        makeBlunt(leaf);
         for (unsigned int i = 0; i < count; ++i)
             next = addToLeaf(leaf, pairs, next, ranked.end());
         if (!leaves.empty())

@@ -1,6 +1,7 @@
 // What a key tree is built of. Items are moved as plain bytes: neither an atom nor an entry points into itself.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -20,11 +21,28 @@ struct CZelKeyTree::Item {
     };
 };
 
-// Beside its items a node has a mark of each key; the marks lie together behind the node. Those of a leaf are prints,
-// one byte of the key's hash, so that a key is looked for in a leaf without touching the keys that it is not. Those
-// of a node above are heads, numbers that order as the keys do as far as they go.
+// Where a leaf's hints come from: eight bytes of a key as a number, from which the base is taken, and of the rest the
+// low bits are cut off. What lies outside of the range gets the least or the greatest hint. Keys that are all texts and
+// begin alike may leave the bytes out that they share.
+struct CZelKeyTree::Scale {
+    std::uint64_t base = 0;
+    std::uint8_t shift = 48;
+    std::uint8_t skipped = 0;  // bytes
+
+    std::uint16_t hintOf(std::uint64_t head) const {
+        constexpr std::uint64_t GREATEST = UINT16_MAX;
+        return static_cast<std::uint16_t>(head > base ? std::min((head - base) >> shift, GREATEST) : 0);
+    }
+    bool operator==(const Scale &other) const = default;
+};
+
+// Beside its items a node has marks of its keys, which lie together behind the node. A leaf has for each key a print,
+// one byte of the key's hash, so that a key is looked for in a leaf without touching the keys that it is not; behind
+// the prints it has hints, numbers that order as the keys do as far as they go, so that also the place of a new key is
+// found without touching others. A node above has heads, the same as hints with a common scale for all.
 struct CZelKeyTree::Node {
     using Print = std::uint8_t;
+    using Hint = std::uint16_t;
     using Head = std::uint64_t;
 
     Node *prev;  // the neighbours of a leaf
@@ -32,7 +50,8 @@ struct CZelKeyTree::Node {
     std::uint16_t count;
     std::uint16_t capacity;
     std::uint16_t offset;  // of the items
-    std::uint16_t width;   // bytes of a mark
+    std::uint16_t width;   // bytes of a print or head
+    Scale scale;           // of a leaf's hints
 
     static constexpr unsigned int MOST = 64;
     static constexpr unsigned int FEW = MOST / 4;                     // fewer than these look for a neighbour to join
@@ -40,14 +59,22 @@ struct CZelKeyTree::Node {
     static constexpr unsigned int MOST_EVENED = MOST + MOST / 8 * 7;  // of two leaves, for the same reason
     static constexpr unsigned int PRINTS_AT_ONCE = sizeof(std::uint64_t);
 
+    static bool IsLeaf(std::size_t width) { return width == sizeof(Print); }
+    static std::size_t SizeOfMarks(unsigned int capacity, std::size_t width) {
+        return (capacity * width + PRINTS_AT_ONCE - 1) / PRINTS_AT_ONCE * PRINTS_AT_ONCE;
+    }
+    // Capacities are multiples of four: hints fill whole words.
     static std::uint16_t OffsetFor(unsigned int capacity, std::size_t width) {
-        const std::size_t marks = (capacity * width + PRINTS_AT_ONCE - 1) / PRINTS_AT_ONCE * PRINTS_AT_ONCE;
-        return static_cast<std::uint16_t>(sizeof(Node) + marks);
+        const std::size_t hints = IsLeaf(width) ? capacity * sizeof(Hint) : 0;
+        return static_cast<std::uint16_t>(sizeof(Node) + SizeOfMarks(capacity, width) + hints);
     }
 
+    bool isLeaf() const { return IsLeaf(width); }
     char *marks() { return reinterpret_cast<char *>(this + 1); }
     char *mark(unsigned int index) { return marks() + std::size_t{index} * width; }
     const Print *prints() const { return reinterpret_cast<const Print *>(this + 1); }
+    Hint *hints() { return reinterpret_cast<Hint *>(marks() + SizeOfMarks(capacity, width)); }
+    const Hint *hints() const { return const_cast<Node *>(this)->hints(); }
     const Head *heads() const { return reinterpret_cast<const Head *>(this + 1); }
     Item *items() { return reinterpret_cast<Item *>(reinterpret_cast<char *>(this) + offset); }
     const Item *items() const { return reinterpret_cast<const Item *>(reinterpret_cast<const char *>(this) + offset); }
@@ -118,6 +145,11 @@ inline std::uint64_t CZelKeyTree::headOf(const CZelAtom &key) {
     return key.RAIsUndefined() ? 0 : ranked(OTHER, 0);
 }
 
+// Requires: the text has all that the scale leaves out.
+inline std::uint16_t CZelKeyTree::hintOfText(const Scale &scale, std::string_view text) {
+    return scale.hintOf(headOfText({text.data() + scale.skipped, text.size() - scale.skipped}));
+}
+
 // Equal keys have one print.
 inline std::uint8_t CZelKeyTree::printOf(const CZelAtom &key) {
     const std::uint64_t hash =
@@ -149,6 +181,9 @@ public:
 
     const CZelAtom &key() const { return m_key; }
     std::uint64_t head() const { return m_head; }
+    Node::Hint hint(const Scale &scale) const {
+        return scale.skipped == 0 ? scale.hintOf(m_head) : hintOfText(scale, m_text);
+    }
 
     // Negative, 0 or positive as this key is less than, equal to or greater than the other.
     int compare(const CZelAtom &other) const {
@@ -180,3 +215,32 @@ private:
     std::string_view m_text;
     std::uint64_t m_textHead = 0;  // with the two bits that the type takes from the head
 };
+
+// An addition in three steps, each of which ends with a demand for the memory that the next one reads. The tree must
+// not change between them otherwise; what they do to other trees meanwhile makes no difference.
+class CZelKeyTree::Addition {
+public:
+    Addition(CZelKeyTree &tree, const CZelAtom &key) : m_tree(tree), m_wanted(key) {}  // the key stays the caller's
+
+    void seek();                              // to the leaf
+    void settle(const void *object);          // to the place in the leaf
+    Place finish(void *object, bool *isNew);  // as RKTAdd
+
+private:
+    CZelKeyTree &m_tree;
+    Wanted m_wanted;
+    Way m_way;
+    bool m_isThere = false;
+};
+
+// How many of the sorted items are `before`. No branch depends on a comparison.
+template <class Entry, class Before>
+unsigned int CZelKeyTree::countBefore(const Entry *items, unsigned int count, Before before) {
+    const Entry *from = items;
+    while (count > 0) {
+        unsigned int half = (count + 1) / 2;
+        from += half & (0U - static_cast<unsigned int>(before(from[half - 1])));
+        count -= half;
+    }
+    return static_cast<unsigned int>(from - items);
+}
