@@ -1,5 +1,6 @@
-// Fills empty index trees with all rows of a cached table at once: one walk that decodes no row, then each tree from
-// its sorted keys. That takes a fraction of the time that entering row by row takes.
+// Fills empty index trees with all rows of a cached table at once: one reading that decodes no row, then each tree from
+// its sorted keys. That takes a fraction of the time that entering row by row takes. A large file is read by several
+// threads, and trees are filled at the same time.
 //
 // It refers to the trees and the names of the columns. Requires: the table lock is held as writer.
 #pragma once
@@ -32,9 +33,12 @@ private:
         std::vector<SZelKeyedObject> m_pairs;
     };
 
+    class Picker;
+
     bool areEmpty() const;
     bool takeFrom(CZelRowKeys &keys, std::size_t rows);
     void collect(CZelRecordCache &cache);
+    void pickRest(CZelRecordCache &cache, Picker &picker);
     int fillTrees();
     CZelAtom valueIn(const CZelCacheWalk &walk, std::size_t number);
 

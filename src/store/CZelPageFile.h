@@ -70,6 +70,17 @@ public:
         virtual bool takeSeen(long start, int length);
     };
 
+    // Who is shown many records of an open file.
+    class QUINTOR_API Viewer {
+    public:
+        virtual ~Viewer();
+        virtual void beginParts(std::size_t parts) = 0;
+        // From here on by several threads, each for a part of its own.
+        virtual bool wants(std::size_t page) const = 0;
+        // The bytes are valid during the call.
+        virtual void view(std::size_t part, std::size_t page, const unsigned char *encoding, int length) = 0;
+    };
+
     CZelPageFile() = default;
     CZelPageFile(const CZelPageFile &) = delete;
     CZelPageFile &operator=(const CZelPageFile &) = delete;
@@ -93,6 +104,11 @@ public:
     int look(long start, const unsigned char **encoding, int *length);
     // The same as a copy from malloc.
     int read(long start, unsigned char **encoding, int *length);
+
+    // Reads through the file in parts, each from front to back, and shows the records of one page that begin at the
+    // wanted pages. Nothing is reported: what was not shown is longer or can't be read, and is to be looked at by
+    // itself.
+    void lookThrough(Viewer &viewer) const;
 
     // Empties a chain, first page first, and gives its pages back. 1; E_RCPageRead, E_RCPageWrite: the chain stands;
     // E_RCBadValue (broken chain).

@@ -96,6 +96,7 @@ public:
     std::vector<int> RRCInMemory() const;
     const std::vector<int> &RRCAtPages() const { return m_atPage; }  // by page; NO_ROW: none begins here
     bool RRCLookAtPage(std::size_t page, SZelCachedRow &row);        // as RRCLookAt. Requires: a row begins here
+    void RRCLookThrough(CZelPageFile::Viewer &viewer) const { m_file.lookThrough(viewer); }
     CZelAtom *RRCHandle(int number) const { return m_handles.handleAt(number); }          // Requires: a row has it
     std::size_t RRCNumbers() const { return static_cast<std::size_t>(m_handles.end()); }  // all numbers are below it
 

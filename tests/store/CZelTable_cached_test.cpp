@@ -330,6 +330,46 @@ TEST_F(CachedTableTest, IndexesAreThoseOfTheRowsInEveryLife) {
     }
 }
 
+// A file that is read in parts: an index holds the rows of each value in the order of their handles, be it made over
+// rows that have moved, lie in memory or take several pages, or at a start.
+TEST_F(CachedTableTest, IndexesOfALargeTableHoldTheRowsInTheirOrder) {
+    constexpr int ROWS = 9000, GROUPS = 40;
+    const auto define = [this](const CacheKind &kind, int roleOfU) {
+        open({column("k", E_RDTInt, KEY), column("u", E_RDTText, roleOfU), column("g", E_RDTInt),
+              column("s", E_RDTText)},
+             kind);
+    };
+    const auto compare = [this](const CacheKind &kind) {
+        std::map<std::string, Texts> groups;
+        for (const std::string &row : rows())
+            groups[row.substr(row.find(" g="), row.find(" s=") - row.find(" g="))].push_back(row);
+        for (int g = 0; g < GROUPS; ++g)
+            EXPECT_EQ(groups[" g=" + std::to_string(g)], select(where("g", g))) << kind.name;
+    };
+    for (const CacheKind &kind : CACHE_KINDS) {
+        TestRandom random;
+        define(kind, 0);
+        const auto text = [&random] { return std::string(random.below(random.oneIn(6) ? 1500 : 400), 'x'); };
+        for (int i = 0; i < ROWS; ++i)
+            insert({{"k", i},
+                    {"u", std::to_string(i % (ROWS - 1)).c_str()},
+                    {"g", i * 7 % GROUPS},
+                    {"s", text().c_str()}});
+        for (int i = 0; i < ROWS / 8; ++i)
+            update({{"s", text().c_str()}}, where("k", static_cast<int>(random.below(ROWS))));
+        addIndex(*m_table, "g");
+        compare(kind);
+        if (kind.isPersistent) {
+            define(kind, UNIQUE);  // one row too many
+            EXPECT_EQ(ROWS - 1, m_table->RTTotalRecordCount());
+            EXPECT_EQ(1U, select(where("u", "0")).size());
+            addIndex(*m_table, "g");
+            compare(kind);
+        }
+        m_table->RTDropTable();
+    }
+}
+
 TEST_F(CachedTableTest, AKeyOfADefinitionThatHasChangedKeepsTheFirstRow) {
     open({column("a", E_RDTInt), column("b", E_RDTInt)}, IN_MEMORY);
     for (const auto &[a, b] : {std::pair(1, 1), {1, 2}, {1, 1}, {2, 1}, {2, 1}, {2, 2}})
