@@ -1,8 +1,11 @@
 // select ... into: the rows of a query become rows of a table.
 #pragma once
 
+#include <vector>
+
 #include "oql/CZelDbObject.h"
 
+class CZelAtom;
 class CZelAtomVector;
 class CZelDbEntity;
 class CZelDoubleList;
@@ -34,10 +37,23 @@ public:
     CZelInsert *RQICreateRecord(CZelRecord *row, CZelDoubleList *sourceColumns, CZelDoubleList *targetColumns);
     CZelInsert *RQICreateRecord(CZelTuple *row);  // for a joined row
 
+    // The record that such an insert makes, without the way through a statement; null likewise.
+    CZelRecord *RQICreateRow(const CZelRecord &row, const CZelDoubleList &sourceColumns,
+                             const CZelDoubleList &targetColumns);
+    CZelRecord *RQICreateRow(const CZelTuple &row, const CZelDoubleList &targetColumns);
+    // The columns of a source row that are read for this, where a selection names them; else none.
+    std::vector<const CZelAtom *> RQISelectedColumns() const;
+
 private:
     bool appendHead(CZelString &text) const;
     bool appendUniques(CZelString &text) const;
-    CZelInsert *selectedInsert(const CZelRecord &row);
+    template <class Take>
+    static void pairValues(const CZelRecord &row, const CZelDoubleList &sourceColumns,
+                           const CZelDoubleList &targetColumns, Take take);
+    template <class Take>
+    bool selectValues(const CZelRecord &row, Take take) const;
+    template <class Take>
+    bool selectValues(const CZelTuple &row, Take take) const;
     CZelInsert *makeInsert(CZelAtomVector *labels, CZelAtomVector *values) const;
 
     CZelDbEntity *m_target;

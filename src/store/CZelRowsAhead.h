@@ -3,13 +3,18 @@
 // some rows later the texts behind these. It changes nothing and reads only what earlier steps have asked for.
 #pragma once
 
+#include <utility>
+#include <vector>
+
 #include "foundations/base/CZelBag.h"
 #include "foundations/base/CZelRecord.h"
 
 class CZelRowsAhead {
 public:
-    // The bag's pointers must be to records until `advance` has passed them.
-    explicit CZelRowsAhead(const CZelBag &rows) : m_records(rows.RBFirst()), m_bindings(m_records), m_texts(m_records) {
+    // The bag's pointers must be to records until `advance` has passed them. The columns whose values will be read;
+    // none: all.
+    explicit CZelRowsAhead(const CZelBag &rows, std::vector<const CZelAtom *> columns = {})
+        : m_columns(std::move(columns)), m_records(rows.RBFirst()), m_bindings(m_records), m_texts(m_records) {
         for (int i = 0; i < APART; ++i)
             askForRecord();
         for (int i = 0; i < APART; ++i) {
@@ -49,10 +54,17 @@ private:
             record->RRVbIterator()->RVBLPrefetch();
     }
     void askForTexts() {
-        if (const CZelRecord *record = take(m_texts))
+        const CZelRecord *record = take(m_texts);
+        if (record == nullptr)
+            return;
+        if (m_columns.empty())
             record->RRVbIterator()->RVBLPrefetchValues();
+        for (const CZelAtom *column : m_columns)
+            if (const CZelAtom *value = record->RRValueOf(column))
+                value->RAPrefetch();
     }
 
+    std::vector<const CZelAtom *> m_columns;
     const CZelPointer *m_records;
     const CZelPointer *m_bindings;
     const CZelPointer *m_texts;

@@ -141,7 +141,7 @@ private:
     bool joinRows(CZelQuery *query, EZelStoreErrorStatus *status, CZelJoinTaker &taker);
     bool joinCopies(CZelQuery *query, EZelStoreErrorStatus *status, __boolean storeKeepsROMP, CZelJoinTaker &taker);
     int countJoined(CZelQuery *query, EZelStoreErrorStatus *status);
-    static void insertInto(CZelTable &table, CZelInsert *statement);
+    static void insertInto(CZelTable &table, CZelRecord *record, const CZelAtomVector *uniques);
     int countRows(CZelQuery *query, EZelStoreErrorStatus *status);
     // *isKept: a callback kept a table, whose cache file then stays too.
     int dropDatabase(CZelDbEntity &target, EZelStoreErrorStatus *status, bool &isKept);

@@ -10,7 +10,6 @@
 #include "foundations/port/CZelError.h"
 #include "foundations/port/ZelDebug.h"
 #include "oql/CZelDbEntity.h"
-#include "oql/CZelInsert.h"
 #include "oql/CZelQryInsert.h"
 #include "oql/CZelQuery.h"
 #include "store/CZelDatabase.h"
@@ -61,14 +60,13 @@ int CZelStore::RSQueryInsert(CZelQryInsert *statement, EZelStoreErrorStatus *sta
     return result;
 }
 
-// Takes the statement over.
-void CZelStore::insertInto(CZelTable &table, CZelInsert *statement) {
-    if (statement == nullptr) {
+// Takes the record over.
+void CZelStore::insertInto(CZelTable &table, CZelRecord *record, const CZelAtomVector *uniques) {
+    if (record == nullptr) {
         ZEL_REPORT(E_RCNull, "Query insert failed to create a valid insert.");
         return;
     }
-    const int result = table.RTAddRow(statement, E_RBFalse);
-    delete statement;
+    const int result = table.RTTakeRow(record, uniques, E_RBFalse);
     if (!isQuiet(result))
         ZEL_REPORT(result, "CZelStore::RSQueryInsert");
 }
@@ -86,11 +84,11 @@ int CZelStore::RSSimpleQueryInsert(CZelQryInsert *statement, CZelTable *table, _
     const std::unique_ptr<CZelBag> rows(RSExecSimpleQuery(query, &status, E_RBFalse, E_RBFalse));
     reportMissing(status);
     const bool owned = storeKeepsROMP == E_RBTrue && RSOwnResultsOfSimpleQry(query);
-    CZelRowsAhead ahead(*rows);
+    CZelRowsAhead ahead(*rows, statement->RQISelectedColumns());
     for (const CZelPointer *node = rows->RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
         auto *row = static_cast<CZelRecord *>(node->RPData());
         ahead.advance();
-        insertInto(*table, statement->RQICreateRecord(row, sourceColumns, targetColumns));
+        insertInto(*table, statement->RQICreateRow(*row, *sourceColumns, *targetColumns), statement->RQIUniques());
         if (owned)
             delete row;
     }
@@ -108,9 +106,11 @@ int CZelStore::RSJoinedQueryInsert(CZelQryInsert *statement, CZelTable *table, _
     const std::lock_guard<std::mutex> joinLock(first->RTJoinMutex());
     const std::unique_ptr<CZelBag> tuples(RSExecJoinedQuery(query, &status, E_RBFalse));
     reportMissing(status);
+    const CZelDoubleList &targetColumns = *table->RTColumns()->RTLIterator();
     for (const CZelPointer *node = tuples != nullptr ? tuples->RBFirst() : nullptr; node != nullptr;
          node = CZelBag::RBNext(node))
-        insertInto(*table, statement->RQICreateRecord(static_cast<CZelTuple *>(node->RPData())));
+        insertInto(*table, statement->RQICreateRow(*static_cast<const CZelTuple *>(node->RPData()), targetColumns),
+                   statement->RQIUniques());
     if (storeKeepsROMP == E_RBTrue && tuples != nullptr && isJoinCached(query))
         RSTidyAfterJoinedQryFromCache(tuples.get());
     RSPurgeJoinedQuery(query);

@@ -123,6 +123,8 @@ public:
     // caller's after any other result. `flag` is handed to the callback.
     int RTAddRow(CZelInsert *statement, __boolean flag);
     int RTAddRow(CZelRecord *record, __boolean flag);
+    // As the first form: the record is given up when it does not become a row. `uniques` may be null.
+    int RTTakeRow(CZelRecord *record, const CZelAtomVector *uniques, __boolean flag);
     // Is no row equal in these columns? A row that is gets its counters raised and timestamps set.
     __boolean RTCheckUniques(CZelRecord *record, const CZelAtomVector &columns, __boolean flag);
     int RTDeleteRows(CZelDelete *statement, __boolean flag);  // 1, or E_RCNotFound when nothing matched

@@ -118,17 +118,16 @@ int CZelTable::refuse(const char *operation, const void *argument) const {
 }
 
 int CZelTable::RTAddRow(CZelInsert *statement, __boolean flag) {
-    int status = refuse("CZelTable::RTAddRow", statement);
+    const int status = refuse("CZelTable::RTAddRow", statement);
     if (status != 1)
         return status;
     CZelRecord *record = statement->RICreateRecord(m_columns);
-    if (record == nullptr)
-        return 1;
-    const CZelAtomVector *uniques = statement->RIUniques();
-    if (uniques != nullptr && RTCheckUniques(record, *uniques, flag) != E_RBTrue)
-        status = E_RCDuplicate;
-    else
-        status = RTAddRow(record, flag);
+    return record != nullptr ? RTTakeRow(record, statement->RIUniques(), flag) : 1;
+}
+
+int CZelTable::RTTakeRow(CZelRecord *record, const CZelAtomVector *uniques, __boolean flag) {
+    const bool isDuplicate = uniques != nullptr && RTCheckUniques(record, *uniques, flag) != E_RBTrue;
+    const int status = isDuplicate ? E_RCDuplicate : RTAddRow(record, flag);
     if (status != 1)
         record->DroppedFromDatabase();
     return status;

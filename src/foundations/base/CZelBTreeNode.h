@@ -53,7 +53,7 @@ private:
     void set(void *object);        // the first object
     void setMany(unsigned count);  // makes ready for so many more, all different, which addNew then brings
     void addNew(void *object);
-    bool add(void *object);        // false when it is there
+    bool add(void *object);  // false when it is there
     void prefetchForAdd(const void *object) const;
     Removal remove(void *object);  // LEFT_NONE: what was the only object is gone, nothing is to be released
     void release();
