@@ -8,9 +8,9 @@
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelAtomVector.h"
 #include "foundations/base/CZelRecord.h"
-#include "foundations/base/CZelRecordVector.h"
 #include "foundations/base/CZelStack.h"
 #include "foundations/base/CZelString.h"
+#include "foundations/base/CZelTreeList.h"
 #include "foundations/port/CZelError.h"
 #include "oql/CZelDbEntity.h"
 #include "oql/CZelExpr.h"
@@ -56,33 +56,34 @@ bool drainInTextOrder(CZelStack &results, CZelBag &bag) {
 
 }  // namespace
 
-CZelCmdCmplr::CZelCmdCmplr() : m_ConstStore(E_RBFalse) {
+CZelCmdCmplr::CZelCmdCmplr() {
     RCCInitStaticConstStore(0, nullptr);
 }
 
 CZelCmdCmplr::~CZelCmdCmplr() {
     RCCPurge(E_RBFalse);
     RCCDeleteContentsOfConstStore();
-    delete m_RecordVector;
     delete m_EntityNames;
 }
 
+CZelRecordVector &CZelCmdCmplr::recordsForWriting() {
+    return m_RecordVector.has_value() ? *m_RecordVector : m_RecordVector.emplace();
+}
+
 void CZelCmdCmplr::RCCSetCurrentRec(CZelRecord *record, int position) {
-    if (m_RecordVector == nullptr)
-        m_RecordVector = new CZelRecordVector();
-    m_RecordVector->RRVSetValue(position, record);
+    recordsForWriting().RRVSetValue(position, record);
 }
 
 void CZelCmdCmplr::RCCAppendCurrentRec(CZelRecord *record) {
-    if (m_RecordVector == nullptr)
-        m_RecordVector = new CZelRecordVector();
-    m_RecordVector->RRVAddToEnd(record);
+    recordsForWriting().RRVAddToEnd(record);
 }
 
 void CZelCmdCmplr::RCCSetRecordVector(CZelRecordVector *records) {
-    CZelRecordVector *copy = records != nullptr ? new CZelRecordVector(*records) : nullptr;
-    delete m_RecordVector;
-    m_RecordVector = copy;
+    if (records != nullptr && records == RCCRecords())
+        return;
+    m_RecordVector.reset();
+    if (records != nullptr)
+        m_RecordVector.emplace(*records);
 }
 
 void CZelCmdCmplr::RCCSetEntityName(const CZelAtom *name, unsigned int level) {
@@ -94,7 +95,7 @@ void CZelCmdCmplr::RCCSetEntityName(const CZelAtom *name, unsigned int level) {
 }
 
 void CZelCmdCmplr::RCCPurgeVectors() {
-    if (m_RecordVector != nullptr)
+    if (m_RecordVector.has_value())
         m_RecordVector->RRVReset();
     if (m_EntityNames == nullptr)
         return;
@@ -157,12 +158,22 @@ void CZelCmdCmplr::listForDeletion(CZelDbObject *statement) {
 
 void CZelCmdCmplr::RCCAddToSymbols(CZelDbObject *statement) {
     m_Actions.RBAdd(static_cast<void *>(statement));
-    m_Clauses.RBAppend(statement->RDOCompilables());
+    addClauses(statement->RDOCompilables());
 }
 
 void CZelCmdCmplr::RCCAddToQueries(CZelDbObject *statement) {
     m_Queries.RBAdd(static_cast<void *>(statement));
-    m_Clauses.RBAppend(statement->RDOCompilables());
+    addClauses(statement->RDOCompilables());
+}
+
+// Most expressions of a statement are constants, which have nothing to be evaluated.
+void CZelCmdCmplr::addClauses(const CZelBag *expressions) {
+    const CZelPointer *node = expressions != nullptr ? expressions->RBFirst() : nullptr;
+    for (; node != nullptr; node = CZelBag::RBNext(node)) {
+        const EZelExprType type = static_cast<const CZelExpr *>(node->RPData())->REType();
+        if (type == E_RETClause || type == E_RETEntity)
+            m_Clauses.RBAdd(node->RPData());
+    }
 }
 
 void CZelCmdCmplr::RCCSetNewClauseBag(CZelBag &clauses) {

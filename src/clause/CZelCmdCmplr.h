@@ -8,8 +8,11 @@
 // An atom that an evaluation returns is new and the caller's, or null: missing data is no failure.
 #pragma once
 
+#include <memory>
+#include <optional>
+
 #include "foundations/base/CZelBag.h"
-#include "foundations/base/CZelTreeList.h"
+#include "foundations/base/CZelRecordVector.h"
 #include "foundations/base/ZelEnums.h"
 #include "foundations/port/ZelExport.h"
 
@@ -24,9 +27,9 @@ class CZelFilter;
 class CZelFilterParser;
 class CZelGraph;
 class CZelRecord;
-class CZelRecordVector;
 class CZelStore;
 class CZelString;
+class CZelTreeList;
 class CZelVarBind;
 
 // A constant with an int value.
@@ -71,7 +74,9 @@ public:
     void RCCSetCurrentRec(CZelRecord *record, int position);  // records stay the caller's
     void RCCAppendCurrentRec(CZelRecord *record);             // what stood last becomes the enclosing record
     void RCCSetRecordVector(CZelRecordVector *records);       // copies the vector; null for none
-    const CZelRecordVector *RCCRecords() const { return m_RecordVector; }  // null: none was set
+    const CZelRecordVector *RCCRecords() const {              // null: none was set
+        return m_RecordVector.has_value() ? &*m_RecordVector : nullptr;
+    }
     void RCCSetEntityName(const CZelAtom *name, unsigned int level);
     void RCCPurgeVectors();
     void RCCReInitialise();  // ready for a new use; the constants stay
@@ -152,20 +157,22 @@ private:
     static void RCCAddToStaticConstStore(unsigned int count, const SZelCmdCmpConstsRecord *rows);
     static void RCCAddToStaticConstStore(unsigned int count, const SZelSubjectRecord *rows);
     void RCCDeleteContentsOfConstStore();
+    CZelRecordVector &recordsForWriting();
     char *RCCCompileOQLToString();
     CZelRecord *recordAt(int level) const;
     CZelAtom *evaluateBuiltIn(const char *name);
     const char *followIndirections(const char *name);
     void sortStatement(CZelDbObject *statement, bool own);
+    void addClauses(const CZelBag *expressions);
     void listForDeletion(CZelDbObject *statement);
     void compileText(CZelVarBind &field, CZelFilterParser &parser);
     void takeLastClause(CZelVarBind &field);
 
-    CZelBag *m_ActiveSet = nullptr;              // not owned
-    CZelRecordVector *m_RecordVector = nullptr;  // the last is the current record; records not owned
-    CZelGraph *m_Graph = nullptr;                // not owned
-    CZelAtomVector *m_EntityNames = nullptr;     // one per nest level
-    CZelTreeList m_ConstStore;                   // name -> CZelVarBind*, owned
+    CZelBag *m_ActiveSet = nullptr;                  // not owned
+    std::optional<CZelRecordVector> m_RecordVector;  // the last is the current record; records not owned
+    CZelGraph *m_Graph = nullptr;                    // not owned
+    CZelAtomVector *m_EntityNames = nullptr;         // one per nest level
+    std::unique_ptr<CZelTreeList> m_ConstStore;      // name -> CZelVarBind*, owned; null until there is one
     CZelBag m_Actions;
     CZelBag m_Queries;
     CZelBag m_Clauses;     // CZelExpr* of the statements

@@ -8,6 +8,7 @@
 #include "foundations/base/CZelHashStore.h"
 #include "foundations/base/CZelStack.h"
 #include "foundations/base/CZelString.h"
+#include "foundations/base/CZelTreeList.h"
 #include "foundations/base/CZelVarBind.h"
 #include "foundations/port/CZelError.h"
 #include "foundations/port/ZelDebug.h"
@@ -130,7 +131,9 @@ void CZelCmdCmplr::RCCDestroyStaticConstStore() {
 }
 
 void CZelCmdCmplr::RCCDeleteContentsOfConstStore() {
-    CZelDoubleList *constants = m_ConstStore.RTLIterator();
+    if (m_ConstStore == nullptr)
+        return;
+    CZelDoubleList *constants = m_ConstStore->RTLIterator();
     for (CZelListable *node = constants->RDLHead(); node != nullptr; node = constants->RDLGetNext(node))
         delete static_cast<CZelVarBind *>(static_cast<CZelPointer *>(node)->RPData());
 }
@@ -138,7 +141,9 @@ void CZelCmdCmplr::RCCDeleteContentsOfConstStore() {
 int CZelCmdCmplr::RCCAddToConstStore(CZelVarBind *constant) {
     if (constant == nullptr || constant->RVBValue() == nullptr)
         return ZEL_FAIL(E_RCBadArgument, "CZelCmdCmplr::RCCAddToConstStore");
-    const int status = m_ConstStore.RTLAdd(&constant->RVBName(), static_cast<void *>(constant), true);
+    if (m_ConstStore == nullptr)
+        m_ConstStore = std::make_unique<CZelTreeList>(E_RBFalse);
+    const int status = m_ConstStore->RTLAdd(&constant->RVBName(), static_cast<void *>(constant), true);
     return status == 1 ? 1 : ZEL_FAIL(status, constant->RVBName().RAString());
 }
 
@@ -147,12 +152,12 @@ int CZelCmdCmplr::RCCRemoveFromConstStore(CZelVarBind *constant) {
         return ZEL_FAIL(E_RCBadArgument, "CZelCmdCmplr::RCCRemoveFromConstStore");
     if (constant->RVBValue() == nullptr)
         ZEL_REPORT(E_RCBadArgument, "CZelCmdCmplr::RCCRemoveFromConstStore");
-    const int status = m_ConstStore.RTLDelete(&constant->RVBName());
+    const int status = m_ConstStore != nullptr ? m_ConstStore->RTLDelete(&constant->RVBName()) : E_RCNotInTree;
     return status == 1 ? 1 : ZEL_FAIL(status, constant->RVBName().RAString());
 }
 
 __boolean CZelCmdCmplr::RCCDoesConstExist(CZelAtom *name) {
-    return ZelBool(name != nullptr && m_ConstStore.RTLGet(name) != nullptr);
+    return ZelBool(name != nullptr && m_ConstStore != nullptr && m_ConstStore->RTLGet(name) != nullptr);
 }
 
 int CZelCmdCmplr::RCCGetNumFromConst(const char *name, const CZelAtom **value) {
@@ -163,7 +168,7 @@ int CZelCmdCmplr::RCCGetNumFromConst(const char *name, const CZelAtom **value) {
         *value = valueOf(node->RHNGetObject());
         return 1;
     }
-    const CZelPointer *own = m_ConstStore.RTLGet(name);
+    const CZelPointer *own = m_ConstStore != nullptr ? m_ConstStore->RTLGet(name) : nullptr;
     if (own == nullptr)
         return E_RCNotFound;
     *value = valueOf(own->RPData());

@@ -64,11 +64,11 @@ int CZelCmdCmplr::RCCGetNestLevel(const char *name, const char **rest) {
 }
 
 CZelRecord *CZelCmdCmplr::recordAt(int level) const {
-    return m_RecordVector != nullptr ? m_RecordVector->RRVGetValueFromEnd(level) : nullptr;
+    return m_RecordVector.has_value() ? m_RecordVector->RRVGetValueFromEnd(level) : nullptr;
 }
 
 const CZelAtom *CZelCmdCmplr::RCCField(const CZelFieldName &name) const {
-    return name.ValueIn(m_RecordVector);
+    return name.ValueIn(RCCRecords());
 }
 
 CZelAtom *CZelCmdCmplr::RCCEvaluateAmpersand(const char *name) {

@@ -18,6 +18,12 @@ CZelDatabase *databaseOf(const CZelListable *node) {
     return static_cast<CZelDatabase *>(static_cast<const CZelPointer *>(node)->RPData());
 }
 
+// The key is interned where it can be: statements then find the database by an address.
+int addDatabase(CZelTreeList &databases, CZelDatabase *database) {
+    const CZelAtom key = CZelAtom::RAName(database->RDName()->RAString());
+    return databases.RTLAdd(&key, static_cast<void *>(database), true);
+}
+
 }  // namespace
 
 CZelStore::CZelStore() : m_databases(new CZelTreeList(E_RBFalse)), m_indices(new CZelTreeList(E_RBFalse)) {}
@@ -69,7 +75,7 @@ int CZelStore::RSAddDb(CZelDatabase *database) {
         return E_RCNotInitialised;
     }
     const CZelStoreGuard guard(m_lock, CZelStoreGuard::WRITER);
-    const int status = m_databases->RTLAdd(database->RDName(), database, true);
+    const int status = addDatabase(*m_databases, database);
     database->RDSetStoreErrorStatus(status == 1 ? E_RSEOk : E_RSECreateDatabase);
     if (status == 1)
         database->RDOAdopted();
@@ -128,7 +134,7 @@ int CZelStore::RSCopyDatabase(const char *source, CZelAtom *newName, __boolean t
     if (original == nullptr || CZelAtom::RAIsNull(newName) || newName->RAString() == nullptr)
         return ZEL_FAIL(E_RCBadArgument, "CZelStore::RSCopyDatabase: no such database, or no name for the copy");
     auto *copy = new CZelDatabase(original, newName);
-    const int status = m_databases->RTLAdd(copy->RDName(), copy, true);
+    const int status = addDatabase(*m_databases, copy);
     if (status != 1) {
         delete copy;
         return status == E_RCDuplicate ? status : ZEL_FAIL(status, "CZelStore::RSCopyDatabase");

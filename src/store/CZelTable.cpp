@@ -24,6 +24,7 @@
 #include "store/CZelStore.h"
 #include "store/CZelStoreGuard.h"
 #include "store/CZelTableProps.h"
+#include "store/CZelTable_change.h"
 #include "store/CZelTable_plan.h"
 #include "store/CZelTblCallback.h"
 #include "store/CZelTuple.h"
@@ -344,7 +345,13 @@ void CZelTable::RTAddActive(CZelTblCallback *callback, int argument) {
 }
 
 CZelColDef *CZelTable::columnNamed(const CZelAtom *name) const {
-    return name != nullptr && m_columns != nullptr ? static_cast<CZelColDef *>(m_columns->RTLData(name)) : nullptr;
+    if (name == nullptr || m_columns == nullptr)
+        return nullptr;
+    const CZelTablePlan *plan = planForReading();
+    if (plan == nullptr)
+        return static_cast<CZelColDef *>(m_columns->RTLData(name));
+    const CZelTablePlan::Column *column = plan->column(*name);
+    return column != nullptr ? column->m_definition : nullptr;
 }
 
 bool CZelTable::isSetBySystem(const CZelAtom &column) const {
@@ -352,11 +359,15 @@ bool CZelTable::isSetBySystem(const CZelAtom &column) const {
            (m_timestamps != nullptr && m_timestamps->RAVHoldsText(column));
 }
 
+const CZelTablePlan *CZelTable::planForReading() const {
+    return m_plan != nullptr && m_plan->isCurrent() ? m_plan : nullptr;
+}
+
 CZelTablePlan &CZelTable::plan() {
     if (m_plan != nullptr && !m_plan->isCurrent())
         forgetPlan();
     if (m_plan == nullptr)
-        m_plan = new CZelTablePlan(*m_columns, *m_indexedColumns, *m_primaryKeys, *m_objectStore);
+        m_plan = new CZelTablePlan(*m_columns, *m_indexedColumns, *m_uniques, *m_primaryKeys, *m_objectStore);
     return *m_plan;
 }
 

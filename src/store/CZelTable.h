@@ -239,6 +239,7 @@ private:
     void selectMembers(const CZelColumnReader &column, const CZelAtom &list, bool negated, const CZelBag *input,
                        CZelBag &result) const;
     bool isIndexed(const CZelDbEntity &column) const;
+    CZelBag *rowsOfIndex(const CZelAtom &column, const CZelAtom *value, EZelOper op) const;
     CZelBag *copiesByScan(const CZelFilter &filter);
     CZelBag *copiesOfAll() const;
     CZelBag *scanCache(CZelBoolean &boolean, CZelDbEntity &column, const CZelAtom *value, bool swapped,
@@ -270,12 +271,14 @@ private:
     void dropRows();
     int addRole(CZelTreeList &role, CZelColDef *column);
     CZelColDef *columnNamed(const CZelAtom *name) const;
+    bool isKey(const CZelAtom &column) const;          // unique, or of the primary key?
     bool isSetBySystem(const CZelAtom &column) const;  // a counter or a timestamp?
     void appendSystemColumns(CZelString &out) const;
     CZelVarBind *columnSchema(CZelColDef &column) const;
 
     // What rows need, laid out flat; built anew when columns or trees have changed.
     CZelTablePlan &plan();
+    const CZelTablePlan *planForReading() const;  // null when no change has needed it yet
     void forgetPlan();
 
     // Steps of row operations on either kind of table. A row stands in the indexes under its identity.
@@ -290,7 +293,7 @@ private:
     int checkKeysStayApart(CZelBag &rows, const CZelDoubleList &changes) const;
 
     struct Change;  // one assignment of an update (CZelTable_change.h)
-    std::vector<Change> resolveChanges(const CZelDoubleList *changes) const;
+    std::vector<Change> resolveChanges(const CZelDoubleList *changes);
     bool isUpdateAccepted(CZelRecord *row, __boolean flag, CZelUpdate &statement);
     int applyChange(CZelRecord &row, void *identity, const Change &change);
     int updateIndexed(CZelRecord &row, void *identity, const Change &change);
@@ -344,6 +347,7 @@ private:
     CZelAtomVector *m_timestamps = nullptr;
     CZelObjectStore *m_objectStore = nullptr;  // made when the table becomes live
     CZelTablePlan *m_plan = nullptr;           // null until rows need it
+    std::vector<Change> m_formerChanges;       // of an update that is done: memory for the next one
     CZelRecordCache *m_cache = nullptr;        // null on a plain table
     CZelRowKeys *m_rowKeys = nullptr;          // of its rows, from its start until the indexes are filled
     CZelDoubleList *m_rows = nullptr;          // the records themselves, in order of insertion

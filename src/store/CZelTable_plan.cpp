@@ -1,6 +1,8 @@
 #include "store/CZelTable_plan.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 
 #include "foundations/base/CZelBPlusTree.h"
 #include "foundations/base/CZelDoubleList.h"
@@ -13,6 +15,8 @@
 #include "store/CZelColDef.h"
 
 namespace {
+
+constexpr std::uintptr_t ALIGNMENT = 16;  // of names
 
 std::vector<CZelColDef *> columnsOf(const CZelTreeList &dictionary) {
     std::vector<CZelColDef *> columns;
@@ -31,11 +35,14 @@ const CZelAtom *fastName(const CZelColDef &column) {
 
 }  // namespace
 
-CZelTablePlan::CZelTablePlan(const CZelTreeList &columns, const CZelTreeList &indexed, const CZelTreeList &keys,
-                             CZelObjectStore &store)
+CZelTablePlan::CZelTablePlan(const CZelTreeList &columns, const CZelTreeList &indexed, const CZelTreeList &uniques,
+                             const CZelTreeList &keys, CZelObjectStore &store)
     : m_store(store) {
     for (CZelColDef *column : columnsOf(columns))
         m_columns.push_back({column, fastName(*column)});
+    placeColumns();
+    markKeys(uniques);
+    markKeys(keys);
     for (const CZelColDef *column : columnsOf(indexed))
         addIndex(*column);
     for (const CZelColDef *column : columnsOf(keys))
@@ -44,9 +51,20 @@ CZelTablePlan::CZelTablePlan(const CZelTreeList &columns, const CZelTreeList &in
     m_generation = store.ROSGeneration();  // after the trees that were missing have been made
 }
 
+void CZelTablePlan::markKeys(const CZelTreeList &role) {
+    for (const CZelColDef *definition : columnsOf(role))
+        if (Column *column = columnNamed(*definition->RCDName()))
+            column->m_isKey = true;
+}
+
 void CZelTablePlan::addIndex(const CZelColDef &column) {
-    if (column.RCDIndexable())
-        m_indexes.push_back({m_store.ROSTreeFor(*column.RCDName()), nullptr, fastName(column)});
+    CZelBPlusTree *tree = column.RCDIndexable() ? m_store.ROSTreeFor(*column.RCDName()) : nullptr;
+    if (Column *place = columnNamed(*column.RCDName())) {
+        place->m_isIndexed = true;
+        place->m_tree = tree;
+    }
+    if (tree != nullptr)
+        m_indexes.push_back({tree, nullptr, fastName(column)});
 }
 
 void CZelTablePlan::addKey(const CZelColDef &column) {
@@ -58,6 +76,40 @@ bool CZelTablePlan::isLeftToTree(const CZelTreeList &indexed) const {
     return m_keys.size() == 1 && m_store.ROSKeyCount() == 1 && m_store.ROSIsKey(*m_keys[0].m_column) &&
            m_keys[0].m_tree != nullptr && m_keys[0].m_tree->RBPTIsDegenerate() != E_RBTrue &&
            indexed.RTLGet(m_keys[0].m_column) != nullptr;
+}
+
+// A name that is interned is that of a column by its address or of none: columns' names are interned too then.
+const CZelTablePlan::Column *CZelTablePlan::column(const CZelAtom &name) const {
+    const CZelAtom *interned = CZelName::RNAtomOf(name);
+    if (name.RAString() == nullptr)
+        return nullptr;
+    if (interned == nullptr)
+        interned = CZelName::RNFind(name.RAString(), name.RATextLength());
+    if (interned == nullptr)
+        return columnOfText(name);
+    return m_places[placeOf(interned)];
+}
+
+// At most half of the places are taken, so that a search ends soon.
+void CZelTablePlan::placeColumns() {
+    m_places.resize(std::bit_ceil(2 * m_columns.size() + 1));
+    for (const Column &column : m_columns)
+        m_places[placeOf(column.m_name)] = &column;
+}
+
+// The column's place, or the free one where it would be put.
+std::size_t CZelTablePlan::placeOf(const CZelAtom *name) const {
+    const std::size_t last = m_places.size() - 1;
+    std::size_t place = reinterpret_cast<std::uintptr_t>(name) / ALIGNMENT & last;
+    while (m_places[place] != nullptr && m_places[place]->m_name != name)
+        place = (place + 1) & last;
+    return place;
+}
+
+const CZelTablePlan::Column *CZelTablePlan::columnOfText(const CZelAtom &name) const {
+    const auto place = std::find_if(m_columns.begin(), m_columns.end(),
+                                    [&name](const Column &column) { return column.m_name->RASameText(name); });
+    return place != m_columns.end() ? &*place : nullptr;
 }
 
 int CZelTablePlan::checkKey(const CZelRecord &row) {

@@ -3,6 +3,7 @@
 
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelAtomVector.h"
+#include "foundations/base/CZelBPlusTree.h"
 #include "foundations/base/CZelBag.h"
 #include "foundations/base/CZelRecord.h"
 #include "foundations/base/CZelTreeList.h"
@@ -20,6 +21,7 @@
 #include "store/CZelStore.h"
 #include "store/CZelStoreGuard.h"
 #include "store/CZelTable.h"
+#include "store/CZelTable_plan.h"
 
 namespace {
 
@@ -231,7 +233,13 @@ CZelBag *CZelTable::evalColumn(CZelBoolean *boolean, CZelExpr *column, const CZe
 
 bool CZelTable::isIndexed(const CZelDbEntity &column) const {
     const CZelAtom *name = column.RDEColNameAtom();
-    return name != nullptr && m_indexedColumns != nullptr && m_indexedColumns->RTLGet(name) != nullptr;
+    if (name == nullptr || m_indexedColumns == nullptr)
+        return false;
+    const CZelTablePlan *plan = planForReading();
+    if (plan == nullptr)
+        return m_indexedColumns->RTLGet(name) != nullptr;
+    const CZelTablePlan::Column *planned = plan->column(*name);
+    return planned != nullptr && planned->m_isIndexed;
 }
 
 // A name without its table belongs to any table.
@@ -248,10 +256,19 @@ CZelBag *CZelTable::RTEvalIndexed(CZelBoolean *boolean, CZelExpr *column, const 
     const CZelAtom *name = entityOf(column) != nullptr ? entityOf(column)->RDEColNameAtom() : nullptr;
     if (op > E_ROGreaterEqual || name == nullptr || m_objectStore == nullptr)
         return RTEvalUnIndexed(boolean, column, value, reversed, input);
-    CZelBag *rows = m_objectStore->ROSQuery(*name, value, reversed == E_RBTrue ? mirrored(op) : op);
+    CZelBag *rows = rowsOfIndex(*name, value, reversed == E_RBTrue ? mirrored(op) : op);
     if (m_cache == nullptr && rows->RBLength() == 1)  // its values are what comes next
         static_cast<const CZelRecord *>(rows->RBFirst()->RPData())->RRVbIterator()->RVBLPrefetch();
     return rows;
+}
+
+CZelBag *CZelTable::rowsOfIndex(const CZelAtom &column, const CZelAtom *value, EZelOper op) const {
+    const CZelTablePlan *plan = planForReading();
+    const CZelTablePlan::Column *planned = plan != nullptr ? plan->column(column) : nullptr;
+    if (planned == nullptr || planned->m_tree == nullptr)
+        return m_objectStore->ROSQuery(column, value, op);
+    CZelBag *rows = planned->m_tree->RBPTComputeQueryOp(value, op);
+    return rows != nullptr ? rows : new CZelBag;
 }
 
 CZelBag *CZelTable::RTEvalSubQuery(CZelBoolean *boolean, __boolean joined, CZelBag *input) {

@@ -23,6 +23,7 @@
 #include "store/CZelObjectStore.h"
 #include "store/CZelTable.h"
 #include "store/CZelTable_change.h"
+#include "store/CZelTable_plan.h"
 #include "store/CZelTblCallback.h"
 
 namespace {
@@ -186,10 +187,18 @@ __boolean CZelTable::RTIsIndexUpdate(CZelDoubleList *changes) {
         return E_RBFalse;
     for (CZelListable *node = changes->RDLHead(); node != nullptr; node = changes->RDLGetNext(node)) {
         const CZelAtom *column = columnOf(assignIn(node));
-        if (column != nullptr && (m_primaryKeys->RTLGet(column) != nullptr || m_uniques->RTLGet(column) != nullptr))
+        if (column != nullptr && isKey(*column))
             return E_RBTrue;
     }
     return E_RBFalse;
+}
+
+bool CZelTable::isKey(const CZelAtom &column) const {
+    const CZelTablePlan *plan = planForReading();
+    if (plan == nullptr)
+        return m_primaryKeys->RTLGet(&column) != nullptr || m_uniques->RTLGet(&column) != nullptr;
+    const CZelTablePlan::Column *planned = plan->column(column);
+    return planned != nullptr && planned->m_isKey;
 }
 
 int CZelTable::RTCheckUpdateKeys(CZelDoubleList *changes) {
@@ -240,8 +249,8 @@ CZelBag *CZelTable::copiesOf(const CZelBag &handles) const {
 }
 
 int CZelTable::updateRows(CZelBag &rows, CZelUpdate &statement, CZelDoubleList *changes, __boolean flag) {
-    const std::vector<Change> resolved = resolveChanges(changes);
-    const CZelAtom now(static_cast<long>(std::time(nullptr)));
+    std::vector<Change> resolved = resolveChanges(changes);
+    const CZelAtom now(m_timestamps != nullptr ? static_cast<long>(std::time(nullptr)) : 0L);
     int status = 1;
     for (CZelPointer *node = rows.RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
         CZelRecord *row = rowIn(node);
@@ -257,20 +266,22 @@ int CZelTable::updateRows(CZelBag &rows, CZelUpdate &statement, CZelDoubleList *
         if (m_active != nullptr)
             m_active->RTCPostUpdate(this, row, m_activeArgument, flag);
     }
+    m_formerChanges = std::move(resolved);
     return status;
 }
 
-std::vector<CZelTable::Change> CZelTable::resolveChanges(const CZelDoubleList *changes) const {
-    std::vector<Change> resolved;
+std::vector<CZelTable::Change> CZelTable::resolveChanges(const CZelDoubleList *changes) {
+    std::vector<Change> resolved = std::move(m_formerChanges);
+    resolved.clear();
     for (CZelListable *node = changes != nullptr ? changes->RDLHead() : nullptr; node != nullptr;
          node = changes->RDLGetNext(node)) {
         const CZelAssign &change = assignIn(node);
         const CZelAtom *name = columnOf(change);
         if (name == nullptr)
             continue;
-        const auto *column = static_cast<const CZelColDef *>(m_indexedColumns->RTLData(name));
-        CZelBPlusTree *tree = column != nullptr && column->RCDIndexable() ? m_objectStore->ROSTreeFor(*name) : nullptr;
-        resolved.push_back({name, valueOf(change), keysOf(change), column != nullptr, tree});
+        const CZelTablePlan::Column *column = plan().column(*name);
+        const bool isIndexed = column != nullptr && column->m_isIndexed;
+        resolved.push_back({name, valueOf(change), keysOf(change), isIndexed, isIndexed ? column->m_tree : nullptr});
     }
     return resolved;
 }

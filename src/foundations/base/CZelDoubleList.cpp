@@ -14,10 +14,6 @@ CZelDoubleList &CZelDoubleList::operator=(const CZelDoubleList &other) {
     return *this;
 }
 
-CZelDoubleList::~CZelDoubleList() {
-    RDLEmptyList();
-}
-
 void CZelDoubleList::copyFrom(const CZelDoubleList &other) {
     for (const CZelListable *item = other.m_head; item != nullptr; item = item->m_next)
         linkAtEnd(item->RLTargetDeepCopy(item));
@@ -102,9 +98,11 @@ void CZelDoubleList::RDLSetHead(CZelListable *head) {
     linkBackwards();
 }
 
-void CZelDoubleList::RDLEmptyList() {
+// The elements' destructors find the list empty.
+void CZelDoubleList::deleteAll() {
     CZelListable *item = m_head;
-    RDLSetHead(nullptr);
+    m_head = m_tail = nullptr;
+    m_length = 0;
     while (item != nullptr) {
         CZelListable *next = item->m_next;
         delete item;

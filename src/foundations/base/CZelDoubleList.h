@@ -14,7 +14,7 @@ public:
     CZelDoubleList() = default;
     CZelDoubleList(const CZelDoubleList &other);             // deep, by RLTargetDeepCopy
     CZelDoubleList &operator=(const CZelDoubleList &other);  // deletes the old elements
-    virtual ~CZelDoubleList();
+    virtual ~CZelDoubleList() { RDLEmptyList(); }
 
     CZelListable *RDLHead() const { return m_head; }
     CZelListable *RDLTail() const { return m_tail; }
@@ -42,7 +42,10 @@ public:
     // Makes `head` and what follows it the elements; those ahead of it are forgotten, not deleted. With null
     // the list forgets all.
     void RDLSetHead(CZelListable *head);
-    void RDLEmptyList();  // deletes all elements
+    void RDLEmptyList() {  // deletes all elements
+        if (m_head != nullptr)
+            deleteAll();
+    }
 
     // Moves all elements of `other`, which stays, behind the own ones.
     void RDLTakeFrom(CZelDoubleList &other);
@@ -52,6 +55,7 @@ public:
 
 private:
     static int refuseNull();
+    void deleteAll();
     void linkAtEnd(CZelListable *item) {
         item->m_prev = m_tail;
         item->m_next = nullptr;

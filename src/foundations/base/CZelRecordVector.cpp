@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr int FIRST_CAPACITY = 10;
-
 CZelRecord **newArray(int capacity) {
     constexpr std::size_t SLOT = sizeof(void *);
     CZelRecord **records = static_cast<CZelRecord **>(ZelMalloc(static_cast<std::size_t>(capacity) * SLOT));
@@ -30,15 +28,7 @@ CZelRecordVector::CZelRecordVector(const CZelRecordVector &other) {
 }
 
 CZelRecordVector::~CZelRecordVector() {
-    std::free(m_records);
-}
-
-void CZelRecordVector::RRVSetValue(int position, CZelRecord *record) {
-    if (position < 0)
-        return;
-    makeRoomFor(position);
-    m_records[position] = record;
-    m_size = std::max(m_size, position + 1);
+    freeArray();
 }
 
 void CZelRecordVector::RRVSetLast(CZelRecord *record) {
@@ -91,6 +81,11 @@ void CZelRecordVector::RRVPrint() const {
 CZelRecord **CZelRecordVector::RRVAllocateVector(int index) {
     if (index < m_capacity)
         return m_records;
+    if (m_capacity == 0 && index < FIRST_CAPACITY) {
+        m_capacity = FIRST_CAPACITY;
+        std::fill_n(m_first, FIRST_CAPACITY, nullptr);
+        return m_first;
+    }
     long long capacity = m_capacity == 0 ? FIRST_CAPACITY : m_capacity;
     while (capacity <= index)
         capacity *= 2;
@@ -98,11 +93,13 @@ CZelRecord **CZelRecordVector::RRVAllocateVector(int index) {
     return newArray(m_capacity);
 }
 
-void CZelRecordVector::makeRoomFor(int index) {
-    CZelRecord **records = RRVAllocateVector(index);
-    if (records == m_records)
-        return;
+void CZelRecordVector::moveTo(CZelRecord **records) {
     std::copy_n(m_records, m_size, records);
-    std::free(m_records);
+    freeArray();
     m_records = records;
+}
+
+void CZelRecordVector::freeArray() {
+    if (m_records != m_first)
+        std::free(m_records);
 }

@@ -1,4 +1,4 @@
-// A growable array of records that it does not own; gaps hold null.
+// A growable array of records that it does not own; gaps hold null. The first ten places lie in the object.
 #pragma once
 
 #include "foundations/port/ZelExport.h"
@@ -19,8 +19,14 @@ public:
         return distance < 0 ? nullptr : RRVGetValue(m_size - 1 - distance);
     }
     CZelRecord *RRVGetLast() const { return RRVGetValueFromEnd(0); }
-    void RRVSetValue(int position, CZelRecord *record);  // grows as needed; a negative position does nothing
-    void RRVSetLast(CZelRecord *record);                 // nothing when empty
+    void RRVSetValue(int position, CZelRecord *record) {  // grows as needed; a negative position does nothing
+        if (position < 0)
+            return;
+        makeRoomFor(position);
+        m_records[position] = record;
+        m_size = position < m_size ? m_size : position + 1;
+    }
+    void RRVSetLast(CZelRecord *record);  // nothing when empty
     void RRVAddToEnd(CZelRecord *record);
     void RRVAddToBeginning(CZelRecord *record);
     void RRVRemoveLast();
@@ -32,10 +38,18 @@ public:
     void RRVPrint() const;
 
 private:
-    CZelRecord **RRVAllocateVector(int index);  // the array itself, or a larger zeroed one: 0, 10, 20, 40...
-    void makeRoomFor(int index);
+    static constexpr int FIRST_CAPACITY = 10;
 
-    CZelRecord **m_records = nullptr;
+    CZelRecord **RRVAllocateVector(int index);  // the array itself, or a larger zeroed one: 0, 10, 20, 40...
+    void makeRoomFor(int index) {
+        if (index >= m_capacity)
+            moveTo(RRVAllocateVector(index));
+    }
+    void moveTo(CZelRecord **records);
+    void freeArray();
+
+    CZelRecord **m_records = nullptr;  // m_first, or from malloc
     int m_size = 0;
     int m_capacity = 0;
+    CZelRecord *m_first[FIRST_CAPACITY];  // set when it becomes the array
 };
