@@ -54,6 +54,15 @@ bool drainInTextOrder(CZelStack &results, CZelBag &bag) {
     return repeatable;
 }
 
+// As RCCPrecompileOQL.
+bool parse(CZelOQLParser &parser, const char *text, CZelBag &bag) {
+    const int status = parser.ROPParse(text, E_RBFalse);
+    if (status == 1)
+        return drainInTextOrder(*parser.ROPResults(), bag);
+    ZEL_REPORT(status, "CZelCmdCmplr::RCCPrecompileOQL");
+    return true;
+}
+
 }  // namespace
 
 CZelCmdCmplr::CZelCmdCmplr() {
@@ -111,17 +120,15 @@ void CZelCmdCmplr::RCCReInitialise() {
 
 bool CZelCmdCmplr::RCCPrecompileOQL(const char *text, CZelBag &bag) {
     CZelOQLParser parser;
-    const int status = parser.ROPParse(text, E_RBFalse);
-    if (status == 1)
-        return drainInTextOrder(*parser.ROPResults(), bag);
-    ZEL_REPORT(status, "CZelCmdCmplr::RCCPrecompileOQL");
-    return true;
+    return parse(parser, text, bag);
 }
 
 int CZelCmdCmplr::RCCCompileOQL(const char *text) {
+    CZelOQLParser parser;
     CZelBag statements;
-    RCCPrecompileOQL(text, statements);
-    RCCCompileOQL(&statements, true);
+    parse(parser, text, statements);
+    for (CZelPointer *node = statements.RBFirst(); node != nullptr; node = CZelBag::RBNext(node))
+        sortStatement(statementOf(node), true, parser.ROPHasClauses());
     return 1;
 }
 
@@ -129,10 +136,10 @@ void CZelCmdCmplr::RCCCompileOQL(CZelBag *statements, bool own) {
     if (statements == nullptr)
         return;
     for (CZelPointer *node = statements->RBFirst(); node != nullptr; node = CZelBag::RBNext(node))
-        sortStatement(statementOf(node), own);
+        sortStatement(statementOf(node), own, true);
 }
 
-void CZelCmdCmplr::sortStatement(CZelDbObject *statement, bool own) {
+void CZelCmdCmplr::sortStatement(CZelDbObject *statement, bool own, bool mayHoldClauses) {
     if (statement == nullptr) {
         ZEL_REPORT(E_RCNull, nullptr);
         return;
@@ -140,9 +147,9 @@ void CZelCmdCmplr::sortStatement(CZelDbObject *statement, bool own) {
     if (passesToStore(*statement) && !own)
         ZEL_REPORT(E_RCBadValue, "CZelCmdCmplr::RCCCompileOQL");
     if (isQuery(statement->RDOType()))
-        RCCAddToQueries(statement);
+        addTo(m_Queries, statement, mayHoldClauses);
     else if (isAction(statement->RDOType()))
-        RCCAddToSymbols(statement);
+        addTo(m_Actions, statement, mayHoldClauses);
     else if (own)
         return delete statement;
     if (own || passesToStore(*statement))
@@ -157,13 +164,17 @@ void CZelCmdCmplr::listForDeletion(CZelDbObject *statement) {
 }
 
 void CZelCmdCmplr::RCCAddToSymbols(CZelDbObject *statement) {
-    m_Actions.RBAdd(static_cast<void *>(statement));
-    addClauses(statement->RDOCompilables());
+    addTo(m_Actions, statement, true);
 }
 
 void CZelCmdCmplr::RCCAddToQueries(CZelDbObject *statement) {
-    m_Queries.RBAdd(static_cast<void *>(statement));
-    addClauses(statement->RDOCompilables());
+    addTo(m_Queries, statement, true);
+}
+
+void CZelCmdCmplr::addTo(CZelBag &list, CZelDbObject *statement, bool mayHoldClauses) {
+    list.RBAdd(static_cast<void *>(statement));
+    if (mayHoldClauses)
+        addClauses(statement->RDOCompilables());
 }
 
 // Most expressions of a statement are constants, which have nothing to be evaluated.

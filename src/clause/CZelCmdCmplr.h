@@ -162,7 +162,8 @@ private:
     CZelRecord *recordAt(int level) const;
     CZelAtom *evaluateBuiltIn(const char *name);
     const char *followIndirections(const char *name);
-    void sortStatement(CZelDbObject *statement, bool own);
+    void sortStatement(CZelDbObject *statement, bool own, bool mayHoldClauses);
+    void addTo(CZelBag &list, CZelDbObject *statement, bool mayHoldClauses);
     void addClauses(const CZelBag *expressions);
     void listForDeletion(CZelDbObject *statement);
     void compileText(CZelVarBind &field, CZelFilterParser &parser);

@@ -56,7 +56,8 @@ CZelExpr *CZelGrammarActions::EntityValue(CZelDbEntity *entity) {
     return new CZelExpr(entity);
 }
 
-CZelEvalClause *CZelGrammarActions::Clause(CZelColDef *type, SZelSlice text) const {
+CZelEvalClause *CZelGrammarActions::Clause(CZelColDef *type, SZelSlice text) {
+    m_hasClauses = true;
     return new CZelEvalClause(type, m_scanner.SliceCopy(text));
 }
 

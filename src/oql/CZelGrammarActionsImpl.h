@@ -51,7 +51,8 @@ public:
     CZelExpr *QuotedName(SZelSlice name) const;
     static CZelExpr *ClauseValue(CZelEvalClause *clause);
     static CZelExpr *EntityValue(CZelDbEntity *entity);
-    CZelEvalClause *Clause(CZelColDef *type, SZelSlice text) const;
+    CZelEvalClause *Clause(CZelColDef *type, SZelSlice text);
+    bool HasClauses() const { return m_hasClauses; }  // was one made?
     static CZelDbEntity *WithKeys(CZelDbEntity *entity, CZelDoubleList *keys);
     static CZelExpr *Key(int key);  // an index or an EZelListUpdateType
     static CZelDoubleList *AddKey(CZelDoubleList *keys, CZelExpr *key);
@@ -105,4 +106,5 @@ private:
     int m_literalDepth = 0;
     int m_typeDepth = 0;
     int m_queryDepth = 0;
+    bool m_hasClauses = false;
 };

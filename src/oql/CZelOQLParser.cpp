@@ -43,7 +43,9 @@ int CZelOQLParser::ROPParse(const char *text, __boolean strict) {
     CZelOQLScanner scanner(text, static_cast<unsigned int>(length));
     ZelOQLFlexLexer::ResetLineCount();
     CZelStatementActions actions(scanner, *m_results);
-    if (ZelOQLparse(scanner, actions) == 0)
+    const bool isWhole = ZelOQLparse(scanner, actions) == 0;
+    m_hasClauses = m_hasClauses || actions.HasClauses();
+    if (isWhole)
         return 1;
     ZelReportSyntaxError(scanner.Line(), {text, length});
     scanner.TokenPlace(&m_errorLine, &m_errorColumn);

@@ -32,6 +32,8 @@ public:
     CZelStack *ROPParseFailRetObjects() const { return m_failed; }
     CZelStack *ROPTakeParseFailRetObjects();
 
+    bool ROPHasClauses() const { return m_hasClauses; }  // did a parse come to an eval(...)?
+
     // Where the last failed parse stopped: 1-based line and column (bytes) of the token that no rule accepts.
     // 0 when the last parse succeeded.
     int ROPErrorLine() const { return m_errorLine; }
@@ -47,4 +49,5 @@ private:
     CZelStack *m_failed = nullptr;
     int m_errorLine = 0;
     int m_errorColumn = 0;
+    bool m_hasClauses = false;
 };
