@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <fstream>
+#include <sstream>
 #include <utility>
 
 namespace {
@@ -12,6 +13,20 @@ bool beginsWith(const std::string &line, const char *start) {
 
 bool endsWith(const std::string &text, const std::string &end) {
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
+// "plain", "share F" or "bytes N", the latter two with "persistent" behind. False for other words.
+bool readKind(std::istringstream &words, SZelShellCache &cache) {
+    std::string kind, rest;
+    words >> kind;
+    cache.m_isByShare = kind == "share" && words >> cache.m_share;
+    cache.m_isBySize = kind == "bytes" && words >> cache.m_bytes;
+    const bool isCached = cache.m_isByShare || cache.m_isBySize;
+    cache.m_name = isCached ? "script" : "";
+    cache.m_isPersistent = isCached && words >> rest && rest == "persistent";
+    if (cache.m_isPersistent)
+        rest.clear();
+    return (isCached || kind == "plain") && rest.empty() && !(words >> rest);
 }
 
 }  // namespace
@@ -31,6 +46,8 @@ bool CZelScript::Read(const std::string &path) {
         m_problem = path + ":" + std::to_string(i + 1) + ": is no line of a script: " + m_lines[i];
         return false;
     }
+    if (m_stores.empty())
+        m_stores.push_back({"store plain", {}});
     return true;
 }
 
@@ -51,6 +68,8 @@ bool CZelScript::readLine(std::size_t index) {
         m_open = false;
         return true;
     }
+    if (beginsWith(line, "store "))
+        return takeStore(line);
     if (beginsWith(line, "record ") || beginsWith(line, "const ")) {
         m_context.push_back(line);
         m_open = false;
@@ -63,6 +82,16 @@ bool CZelScript::isFenceLine(const std::string &line) {
     if (!beginsWith(line, "```"))
         return false;
     m_inFence = line == "```oqltest";
+    return true;
+}
+
+// All of them stand before the first statement.
+bool CZelScript::takeStore(const std::string &line) {
+    SZelScriptStore store{line, {}};
+    std::istringstream words(line.substr(line.find(' ') + 1));
+    if (!m_steps.empty() || !readKind(words, store.m_cache))
+        return false;
+    m_stores.push_back(store);
     return true;
 }
 

@@ -122,12 +122,32 @@ std::vector<std::string> CZelScriptRunner::answerInContext(const SZelStep &step)
 }
 
 int CZelScriptRunner::Run(const std::string &path, CZelScript &script, bool accept) {
+    const SZelScriptStore &first = script.Stores().front();
+    if (accept)
+        return runIn(first, path, script, true);
+    int differing = 0;
+    for (const SZelScriptStore &kind : script.Stores()) {
+        const int found = runIn(kind, path, script, false);
+        if (found > 0 && &kind != &first)
+            std::printf("%s: the last %d in a \"%s\"\n", path.c_str(), found, kind.m_line.c_str());
+        differing += found;
+    }
+    return differing;
+}
+
+// Files of the former store are not this one's.
+void CZelScriptRunner::openStore(const SZelShellCache &cache) {
+    m_store.reset();
+    m_home.empty();
+    m_store = std::make_unique<CZelStatementStore>(cache);
+    ZelSetEscape(false);
+}
+
+int CZelScriptRunner::runIn(const SZelScriptStore &kind, const std::string &path, CZelScript &script, bool accept) {
     std::vector<std::pair<SZelStep, std::vector<std::string>>> differing;
     for (const SZelStep &step : script.Steps()) {
-        if (m_store == nullptr || step.m_newStore) {
-            m_store = std::make_unique<CZelStatementStore>();
-            ZelSetEscape(false);
-        }
+        if (&step == &script.Steps().front() || step.m_newStore)
+            openStore(kind.m_cache);
         std::vector<std::string> answer = answerInContext(step);
         if (Matches(step, answer))
             continue;
