@@ -48,6 +48,10 @@ public:
     long RCRGetLastAccess() const { return m_lastAccess; }  // seconds
     long RCRGetStartPos() const { return m_startPos; }      // -1: no chain
 
+    // Of the chain, as CZelPageFile::write gave it; 0: not known.
+    unsigned long long RCRStamp() const { return m_stamp; }
+    void RCRSetStamp(unsigned long long stamp) { m_stamp = stamp; }
+
     // The number of its handle, set when it comes under it.
     int RCRNumber() const { return m_number; }
     void RCRSetNumber(int number) { m_number = number; }
@@ -77,6 +81,7 @@ private:
     long m_lastAccess = -1;
     CZelRecord *m_record = nullptr;
     long m_startPos = -1;
+    unsigned long long m_stamp = 0;
     unsigned long long m_arrival = 0;
     unsigned int m_heapPlace = NO_PLACE;
     int m_number = -1;

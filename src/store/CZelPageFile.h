@@ -98,7 +98,12 @@ public:
     // Writes a chain; `replaced`, if not NO_POSITION, is the start of the one that it takes the place of. 1 and
     // *start; E_RCPageWrite, E_RCNoHandle: nothing of it stays, the replaced chain stands. Nothing is written where the
     // replaced chain holds the same bytes: it stays, and *start is its own.
-    int write(const unsigned char *encoding, int length, long replaced, long *start);
+    // `stamp`, if given: that of the replaced chain, which needs not be read then; 0 when it is not known. Becomes that
+    // of the chain at *start, or 0 when it has several pages.
+    int write(const unsigned char *encoding, int length, long replaced, long *start,
+              unsigned long long *stamp = nullptr);
+    // The same for a caller who knows that the replaced chain holds the same bytes.
+    int writeNothing();
 
     // The encoding of the chain, good until the next call. 1; E_RCBadValue (broken chain), E_RCPageRead.
     int look(long start, const unsigned char **encoding, int *length);
@@ -153,7 +158,7 @@ private:
 
     // Chains.
     void layOut(const unsigned char *encoding, int length, long replaced, unsigned long long replacedStamp);
-    int lookUpFormer(long start);
+    int lookUpFormer(long start, unsigned long long stamp);
     bool holds(const unsigned char *encoding, int length) const;
     int confirm();
     int writePages(const std::vector<long> &chain, std::size_t from, std::size_t to);

@@ -21,13 +21,16 @@ std::size_t pagesFor(int length) {
 
 }  // namespace
 
-int CZelPageFile::write(const unsigned char *encoding, int length, long replaced, long *start) {
+int CZelPageFile::write(const unsigned char *encoding, int length, long replaced, long *start,
+                        unsigned long long *stamp) {
     if (encoding == nullptr || length <= 0 || start == nullptr)
         return ZEL_FAIL(E_RCBadArgument, "CZelPageFile::write: nothing to write");
     int status = prepareToWrite();
     if (status == 1)
-        status = lookUpFormer(replaced);
+        status = lookUpFormer(replaced, stamp != nullptr ? *stamp : 0);
     if (status == 1 && holds(encoding, length)) {
+        if (stamp != nullptr)
+            *stamp = m_former.size() == 1 ? m_formerStamp : 0;
         *start = replaced;
         return confirm();
     }
@@ -44,6 +47,8 @@ int CZelPageFile::write(const unsigned char *encoding, int length, long replaced
         return status;
     m_counts.m_used += static_cast<long>(m_chain.size());
     *start = m_chain.front();
+    if (stamp != nullptr)
+        *stamp = m_chain.size() == 1 ? m_stamp : 0;
     if (m_chain.size() == 1) {
         m_whole = *start;
         m_wholeStamp = m_stamp;
@@ -54,10 +59,17 @@ int CZelPageFile::write(const unsigned char *encoding, int length, long replaced
 }
 
 // The chain that is to be replaced. One that is broken by now is left where it is, and nothing is replaced. One that
-// can't be read now must not stay beside the new one.
-int CZelPageFile::lookUpFormer(long start) {
+// can't be read now must not stay beside the new one. The stamp of one of one page may be known.
+int CZelPageFile::lookUpFormer(long start, unsigned long long stamp) {
     m_former.clear();
-    const int status = start != NO_POSITION ? follow(start) : E_RCBadValue;
+    if (start == NO_POSITION)
+        return 1;
+    if (stamp != 0 && start != m_whole && isStart(start)) {
+        m_former.push_back(start);
+        m_formerStamp = stamp;
+        return 1;
+    }
+    const int status = follow(start);
     if (status == 1) {
         m_former = m_chain;
         m_formerStamp = m_wholeStamp;
@@ -67,13 +79,18 @@ int CZelPageFile::lookUpFormer(long start) {
     return status == E_RCPageRead ? E_RCPageWrite : status;
 }
 
-// Is it what the former chain, which has just been followed, encodes?
+// Is it what the former chain, if that one is at hand, encodes?
 bool CZelPageFile::holds(const unsigned char *encoding, int length) const {
-    if (m_former.empty())
+    if (m_former.empty() || m_former.front() != m_whole)
         return false;
     const CZelPageView first(m_bytes.data());
     const unsigned char *former = m_former.size() == 1 ? first.slice() : m_encoding.data();
     return first.totalLength() == length && std::memcmp(former, encoding, static_cast<std::size_t>(length)) == 0;
+}
+
+int CZelPageFile::writeNothing() {
+    const int status = prepareToWrite();
+    return status == 1 ? confirm() : status;
 }
 
 // Who updates a record may count on what came before, be there anything to write or not.

@@ -112,6 +112,10 @@ public:
 
 private:
     class FileReader;
+    struct Place {  // of a chain, as the page file tells it
+        long m_start = CZelPageFile::NO_POSITION;
+        unsigned long long m_stamp = 0;
+    };
 
     int create(const char *name, __boolean persistent, CZelRowKeys *keys);
     void setProportion(float proportion);
@@ -125,8 +129,9 @@ private:
     bool writesThrough() const { return m_type == E_RCTAllOnDisk || m_persistent == E_RBTrue; }
     CZelCachedRecord *entryOf(const CZelAtom *handle, int code) const;
     int pack(const CZelRecord *record, CZelROMPer &packet) const;
-    int prepare(CZelROMPer &packet, long replaced, long *start);
-    CZelCachedRecord *newEntry(CZelRecord *record, __boolean copy, long start, int size);
+    int prepare(const CZelRecord &record, CZelROMPer &packet, const CZelCachedRecord *former, Place &place);
+    bool holds(const CZelCachedRecord &entry, const CZelRecord &record, CZelROMPer &packet) const;
+    CZelCachedRecord *newEntry(CZelRecord *record, __boolean copy, const Place &place, int size);
     void enter(CZelCachedRecord &entry);
     void leave(CZelCachedRecord &entry);
     void setAtPage(long start, int number);

@@ -1,5 +1,6 @@
 // Storing, replacing and removing rows, and the accounts of what is stored.
 
+#include <cstring>
 #include <memory>
 
 #include "foundations/base/CZelAtom.h"
@@ -17,6 +18,16 @@ std::unique_ptr<CZelRecord> handedOver(CZelRecord *record, __boolean copy) {
     return std::unique_ptr<CZelRecord>(copy == E_RBTrue ? nullptr : record);
 }
 
+// Not by the type of numbers: records that are alike may be packed into other bytes.
+bool areAlike(const CZelRecord &left, const CZelRecord &right) {
+    const CZelVarBind *other = right.RRVbIterator()->RVBLHead();
+    for (const CZelVarBind *pair = left.RRVbIterator()->RVBLHead(); pair != nullptr && other != nullptr;
+         pair = left.RRVbIterator()->RVBLGetNext(pair), other = right.RRVbIterator()->RVBLGetNext(other))
+        if (CZelAtom::RACompare(pair->RVBValue(), other->RVBValue()) != 0)
+            return false;
+    return true;
+}
+
 }  // namespace
 
 int CZelRecordCache::RRCCacheRecord(CZelRecord *record, CZelAtom **handle, __boolean copy) {
@@ -28,14 +39,14 @@ int CZelRecordCache::RRCCacheRecord(CZelRecord *record, CZelAtom **handle, __boo
     CZelAtom *taken = m_handles.take();
     if (taken == nullptr)
         return E_RCNoHandle;
-    long start = CZelPageFile::NO_POSITION;
-    status = prepare(packet, CZelPageFile::NO_POSITION, &start);
+    Place place;
+    status = prepare(*record, packet, nullptr, place);
     if (status != E_RCOk) {
         m_handles.giveBack(taken);
         return status;
     }
     static_cast<void>(owned.release());
-    CZelCachedRecord *entry = newEntry(record, copy, start, packet.RRCreatedLength());
+    CZelCachedRecord *entry = newEntry(record, copy, place, packet.RRCreatedLength());
     m_handles.add(taken, entry);
     enter(*entry);
     *handle = taken;
@@ -54,17 +65,16 @@ int CZelRecordCache::RRCUpdateRecord(CZelRecord *record, CZelAtom *handle, __boo
     if (status != E_RCOk)
         return status;
     leave(*former);
-    const long place = former->RCRGetStartPos();
-    long start = CZelPageFile::NO_POSITION;
-    status = prepare(packet, place, &start);
+    Place place;
+    status = prepare(*record, packet, former, place);
     if (status != E_RCOk) {
         enter(*former);
         return status;
     }
-    if (!writesThrough() && place != CZelPageFile::NO_POSITION)
-        static_cast<void>(m_file.release(place));  // reports; pages of a file that nobody reads back may get lost
+    if (!writesThrough() && former->RCRGetStartPos() != CZelPageFile::NO_POSITION)  // reports; pages of a file that
+        static_cast<void>(m_file.release(former->RCRGetStartPos()));                // nobody reads back may get lost
     static_cast<void>(owned.release());
-    CZelCachedRecord *entry = newEntry(record, copy, start, packet.RRCreatedLength());
+    CZelCachedRecord *entry = newEntry(record, copy, place, packet.RRCreatedLength());
     m_handles.replace(handle, entry);
     enter(*entry);
     return E_RCOk;
@@ -93,26 +103,42 @@ int CZelRecordCache::pack(const CZelRecord *record, CZelROMPer &packet) const {
 }
 
 // Room in memory and, where the cache writes through, the new chain: all of a store that can fail.
-int CZelRecordCache::prepare(CZelROMPer &packet, long replaced, long *start) {
+int CZelRecordCache::prepare(const CZelRecord &record, CZelROMPer &packet, const CZelCachedRecord *former,
+                             Place &place) {
     const int size = packet.RRCreatedLength();
     const int status = makeRoom(static_cast<unsigned long long>(size));
     if (status != E_RCOk || !writesThrough())
         return status;
-    return m_file.write(packet.RRPacket(), size, replaced, start);
+    if (former != nullptr)
+        place = {former->RCRGetStartPos(), former->RCRStamp()};
+    if (former != nullptr && holds(*former, record, packet))
+        return m_file.writeNothing();
+    return m_file.write(packet.RRPacket(), size, place.m_start, &place.m_start, &place.m_stamp);
+}
+
+// Is the record's packet that of the entry in memory, which is in the file too?
+bool CZelRecordCache::holds(const CZelCachedRecord &entry, const CZelRecord &record, CZelROMPer &packet) const {
+    const int size = packet.RRCreatedLength();
+    if (entry.RCRIsRecordInCore() != E_RBTrue || entry.RCRSize() != size || !areAlike(*entry.RCRGetRecord(), record))
+        return false;
+    CZelROMPer own(CZelROMPer::INITIAL_SIZE);
+    return pack(entry.RCRGetRecord(), own) == E_RCOk && own.RRCreatedLength() == size &&
+           std::memcmp(own.RRPacket(), packet.RRPacket(), static_cast<std::size_t>(size)) == 0;
 }
 
 // Without a record, or where none is kept, the entry says only where the row lies.
-CZelCachedRecord *CZelRecordCache::newEntry(CZelRecord *record, __boolean copy, long start, int size) {
+CZelCachedRecord *CZelRecordCache::newEntry(CZelRecord *record, __boolean copy, const Place &place, int size) {
     CZelCachedRecord *entry;
     if (record == nullptr || m_type == E_RCTAllOnDisk) {
-        entry = new CZelCachedRecord(start, m_persistent);
+        entry = new CZelCachedRecord(place.m_start, m_persistent);
         if (copy != E_RBTrue)
             delete record;
     } else {
         entry = new CZelCachedRecord(record, copy, m_persistent);
         if (m_persistent == E_RBTrue)
-            entry->RCRSetPersistant(start);
+            entry->RCRSetPersistant(place.m_start);
     }
+    entry->RCRSetStamp(place.m_stamp);
     entry->RCRSetSize(size);
     entry->RCRSetArrival(++m_arrivals);
     return entry;

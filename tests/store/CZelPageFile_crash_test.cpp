@@ -109,11 +109,13 @@ private:
         const std::string text = !isNew && m_random.oneIn(8) ? place->second
                                                              : someText(m_random, isNew ? row : rowOf(place->second),
                                                                         number, m_shape.mostPages);
-        long start = 0;
-        ASSERT_EQ(1, write(file, text, isNew ? CZelPageFile::NO_POSITION : place->first, &start));
+        long start = isNew ? CZelPageFile::NO_POSITION : place->first;
+        unsigned long long stamp = isNew || m_random.oneIn(4) ? 0 : m_stamps[start];
+        ASSERT_EQ(1, write(file, text, start, &start, &stamp));
         if (!isNew)
             m_model.erase(place);
         ASSERT_TRUE(m_model.emplace(start, text).second);
+        m_stamps[start] = stamp;
     }
     void remember() { m_states.emplace_back(m_files.changes().size(), valuesOf(m_model)); }
 
@@ -122,6 +124,7 @@ private:
     const Shape m_shape;
     long m_filling = CZelPageFile::NO_POSITION;
     Records m_model;
+    std::map<long, unsigned long long> m_stamps;  // by start; of a chain that has gone too
     std::vector<std::pair<std::size_t, Values>> m_states;
 };
 

@@ -101,10 +101,12 @@ private:
     // Where the record is now.
     long put(long replaced, const std::string &text) {
         long start = 0;
-        const int status = write(m_file, text, replaced, &start);
+        unsigned long long stamp = m_stamps[replaced];
+        const int status = write(m_file, text, replaced, &start, &stamp);
         EXPECT_NE(E_RCPageRead, status);
         if (!done(status))
             return replaced;
+        m_stamps[start] = stamp;
         m_model.erase(replaced);
         m_model[start] = text;
         return start;
@@ -124,6 +126,7 @@ private:
     const ScratchDirectory m_scratch;
     const std::string m_path = m_scratch.Path("records");
     Records m_model;
+    std::map<long, unsigned long long> m_stamps;
     CZelPageFile m_file;
     bool m_hasFailedSync = false;
     bool m_mayBeTorn = false;  // one page of those that are free

@@ -149,7 +149,7 @@ protected:
             model.store(handle, text);
     }
     void update(CZelRecordCache &cache, Model &model, CZelAtom *handle) {
-        const std::string text = newText();
+        const std::string text = random.oneIn(4) ? model.m_rows[handle].m_text : newText();
         const std::unique_ptr<CZelRecord> row(rowOfText(text));
         if (cache.RRCUpdateRecord(row.get(), handle, E_RBTrue) == 1)
             model.store(handle, text);

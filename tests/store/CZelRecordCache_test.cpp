@@ -176,6 +176,27 @@ TEST_F(RecordCacheTest, ARecordThatIsCopiedInStaysWithTheCaller) {
     }
 }
 
+// What is the same need not be written: values that only compare as equal are not the same.
+TEST_F(RecordCacheTest, OnlyARowThatStaysTheSameIsNotWritten) {
+    const int whole = 1;
+    const CZelAtom name("v");
+    const CZelAtom values[] = {whole, 1.0F, 1L, 1LL, 0.0F, -0.0F, -0.0F, "a", "b"};
+    for (const float share : {1.0F, 0.0F}) {
+        CZelAtom *handle = nullptr;
+        auto cache = byShare(share, E_RBTrue);
+        for (const CZelAtom &value : values) {
+            CZelRecord row;
+            row.RRAddOrSetValue(&name, &value);
+            const std::string before = file();
+            ASSERT_EQ(1, handle != nullptr ? cache->RRCUpdateRecord(&row, handle, E_RBTrue)
+                                           : cache->RRCCacheRecord(&row, &handle, E_RBTrue));
+            EXPECT_EQ(&value == &values[6], before == file());
+            EXPECT_EQ(1, pages(*cache));
+        }
+        cache->RRCDeleteCacheFile();
+    }
+}
+
 TEST_F(RecordCacheTest, AnEncodingIsGivenWithoutMovingItsRow) {
     auto cache = bySize(100, E_RBFalse);
     CZelAtom *evicted = add(*cache, 1, 90);

@@ -22,9 +22,10 @@ public:
     Records m_records;
 };
 
-inline int write(CZelPageFile &file, const std::string &text, long replaced, long *start) {
+inline int write(CZelPageFile &file, const std::string &text, long replaced, long *start,
+                 unsigned long long *stamp = nullptr) {
     return file.write(reinterpret_cast<const unsigned char *>(text.data()), static_cast<int>(text.size()), replaced,
-                      start);
+                      start, stamp);
 }
 
 // A new record that is expected to be taken; its start.
