@@ -22,6 +22,9 @@ public:
     void leavesEarlier(CZelCachedRecord *record);
     CZelCachedRecord *first();  // stays here; null when there is none
     std::size_t length() const { return m_entries.size(); }
+    const CZelCachedRecord *top() const {  // mostly the first; null when there is none
+        return m_entries.empty() ? nullptr : m_entries.front().m_record;
+    }
     const CZelCachedRecord &at(std::size_t place) const { return *m_entries[place].m_record; }  // in no order
 
 private:

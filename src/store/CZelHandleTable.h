@@ -36,6 +36,10 @@ public:
     void remove(const CZelAtom &handle);                      // deletes the entry, gives the handle back
     CZelCachedRecord *find(const CZelAtom &handle) const;     // null for a number that is not in use
 
+    // Ask the memory for where the entry is told, and later for the entry. Require: the number has been in use
+    void askForSlot(long number) const { __builtin_prefetch(&slotAt(number)); }
+    void askForEntry(long number) const { __builtin_prefetch(slotAt(number).m_entry); }
+
     long end() const { return static_cast<long>(m_blocks.size()) * BLOCK; }  // every number in use is below it
     CZelAtom *handleAt(long number) const;                                   // Requires: in use
 

@@ -11,13 +11,13 @@
 #include <string>
 #include <vector>
 
+#include "foundations/base/CZelAtom.h"
 #include "foundations/base/ZelEnums.h"
 #include "foundations/port/ZelExport.h"
 #include "store/CZelEvictionHeap.h"
 #include "store/CZelHandleTable.h"
 #include "store/CZelPageFile.h"
 
-class CZelAtom;
 class CZelCachedRecord;
 class CZelDoubleList;
 class CZelROMPer;
@@ -86,6 +86,11 @@ public:
     CZelRecord *RRCCopyRecord(CZelAtom *handle);  // the caller's; null where RRCLookAt fails or the row is damaged
     static CZelRecord *RRCCopyOf(const SZelCachedRow &row);  // null where it is damaged (reported)
 
+    // For who goes through many rows that lie far apart in memory: asks the memory for what tells of a row some rows
+    // before it is worked on, and for its entry when that has had time to come. Require: a row has, or had, the handle.
+    void RRCAskForPlace(const CZelAtom &handle) const { m_handles.askForSlot(handle.RALong()); }
+    void RRCAskForEntry(const CZelAtom &handle) const { m_handles.askForEntry(handle.RALong()); }
+
     // Brings in what a walk that retrieves every row would leave in memory; nothing when a row is in memory already.
     void RRCFillMemory();
 
@@ -132,6 +137,8 @@ private:
     int prepare(const CZelRecord &record, CZelROMPer &packet, const CZelCachedRecord *former, Place &place);
     bool holds(const CZelCachedRecord &entry, const CZelRecord &record, CZelROMPer &packet) const;
     CZelCachedRecord *newEntry(CZelRecord *record, __boolean copy, const Place &place, int size);
+    void askForOldest() const;
+    void askForItsValues() const;
     void enter(CZelCachedRecord &entry);
     void leave(CZelCachedRecord &entry);
     void setAtPage(long start, int number);

@@ -68,7 +68,20 @@ int CZelRecordCache::evict(CZelCachedRecord &entry) {
     entry.RCRSetOnDisk(start);
     setAtPage(start, entry.RCRNumber());
     m_inCoreBytes -= static_cast<unsigned long long>(entry.RCRSize());
+    __builtin_prefetch(m_inCore.top());
     return E_RCOk;
+}
+
+// A row that comes from the file mostly turns out another one, which has not been touched for long. While the file is
+// read and the row is decoded, the memory has the time to find the pieces that are freed then.
+void CZelRecordCache::askForOldest() const {
+    if (const CZelCachedRecord *oldest = m_inCore.top())
+        __builtin_prefetch(oldest->RCRGetRecord());
+}
+
+void CZelRecordCache::askForItsValues() const {
+    if (const CZelCachedRecord *oldest = m_inCore.top())
+        oldest->RCRGetRecord()->RRVbIterator()->RVBLPrefetch();
 }
 
 void CZelRecordCache::RRCFillMemory() {

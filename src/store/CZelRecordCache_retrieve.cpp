@@ -100,7 +100,11 @@ bool CZelRecordCache::lookAtFile(long start, SZelCachedRow &row) {
 
 CZelRecord *CZelRecordCache::RRCCopyRecord(CZelAtom *handle) {
     SZelCachedRow row;
-    return RRCLookAt(handle, row) ? RRCCopyOf(row) : nullptr;
+    askForOldest();
+    if (!RRCLookAt(handle, row))
+        return nullptr;
+    askForItsValues();
+    return RRCCopyOf(row);
 }
 
 CZelRecord *CZelRecordCache::RRCCopyOf(const SZelCachedRow &row) {
@@ -116,8 +120,10 @@ CZelRecord *CZelRecordCache::RRCCopyOf(const SZelCachedRow &row) {
 CZelRecord *CZelRecordCache::readFromDisk(const CZelCachedRecord &entry) {
     const unsigned char *encoding = nullptr;
     int length = 0;
+    askForOldest();
     if (m_file.look(entry.RCRGetStartPos(), &encoding, &length) != E_RCOk)
         return nullptr;
+    askForItsValues();
     auto record = std::make_unique<CZelRecord>();
     return record->ROMDecode(encoding, length) == E_RCOk ? record.release() : nullptr;
 }

@@ -34,6 +34,54 @@ int latest(int status, int outcome) {
     return outcome != 1 ? outcome : status;
 }
 
+// A look ahead along handles: while one row is at work, the memory finds the handles, the slots and the entries of some
+// that follow.
+class HandlesAhead {
+public:
+    HandlesAhead(const CZelRecordCache &cache, const CZelBag &handles)
+        : m_cache(cache), m_handle(handles.RBFirst()), m_slot(m_handle), m_entry(m_handle) {
+        for (int i = 0; i < APART; ++i)
+            askForHandle();
+        for (int i = 0; i < APART; ++i) {
+            askForHandle();
+            askForSlot();
+        }
+        for (int i = 0; i < APART; ++i)
+            advance();
+    }
+
+    void advance() {
+        askForHandle();
+        askForSlot();
+        askForEntry();
+    }
+
+private:
+    static constexpr int APART = 2;
+
+    static const CZelAtom *take(const CZelPointer *&node) {
+        if (node == nullptr)
+            return nullptr;
+        const CZelAtom *handle = handleIn(node);
+        node = CZelBag::RBNext(node);
+        return handle;
+    }
+    void askForHandle() { __builtin_prefetch(take(m_handle)); }
+    void askForSlot() {
+        if (const CZelAtom *handle = take(m_slot))
+            m_cache.RRCAskForPlace(*handle);
+    }
+    void askForEntry() {
+        if (const CZelAtom *handle = take(m_entry))
+            m_cache.RRCAskForEntry(*handle);
+    }
+
+    const CZelRecordCache &m_cache;
+    const CZelPointer *m_handle;
+    const CZelPointer *m_slot;
+    const CZelPointer *m_entry;
+};
+
 int fail(int code, const char *what, const CZelAtom *table) {
     CZelString text(what);
     text.RSStrCat(table);
@@ -131,7 +179,9 @@ int CZelTable::updateCachedRows(CZelUpdate &statement, CZelDoubleList *changes, 
     if (status != 1)
         return status;
     CachedUpdate update{resolveChanges(changes), CZelAtom(static_cast<long>(std::time(nullptr))), flag, {}};
+    HandlesAhead ahead(*m_cache, *handles);
     for (const CZelPointer *node = handles->RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
+        ahead.advance();
         std::unique_ptr<CZelRecord> row(m_cache->RRCCopyRecord(handleIn(node)));
         if (row == nullptr)
             fail(E_RCBadArgument, "CZelTable::RTUpdateRows: a row is passed over in the cache of ", m_identifier);
