@@ -1,14 +1,10 @@
 #include "store/CZelCacheWalk.h"
 
-#include <bit>
-
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelROMPColumns.h"
 #include "foundations/port/CZelError.h"
 
 namespace {
-
-constexpr int BITS = 64;
 
 const CZelPointer *firstOf(const CZelDoubleList *handles) {
     return handles != nullptr ? static_cast<const CZelPointer *>(handles->RDLHead()) : nullptr;
@@ -67,32 +63,35 @@ bool CZelCacheWalk::take(bool isFound) {
     return isFound;
 }
 
+std::size_t CZelCacheWalk::number() const {
+    return static_cast<std::size_t>(m_isByPlace ? m_number : m_handle->RALong());
+}
+
 void CZelCacheWalk::keepHandle() {
     if (!m_isByPlace) {
         m_kept.push_back(m_handle);
         return;
     }
-    if (m_keptBits.empty())
-        m_keptBits.resize(m_cache.RRCNumbers() / BITS + 1);
-    m_keptBits[static_cast<std::size_t>(m_number / BITS)] |= std::uint64_t{1} << m_number % BITS;
+    if (!m_keepsHandles)
+        m_keptHandles.reset(m_cache.RRCNumbers());
+    m_keepsHandles = true;
+    m_keptHandles.add(number());
 }
 
 void CZelCacheWalk::keepCopy() {
-    CZelRecord *copy = CZelRecordCache::RRCCopyOf(m_row);
     if (!m_isByPlace) {
-        m_kept.push_back(copy);
+        m_kept.push_back(copy());
         return;
     }
     if (m_kept.empty())
         m_kept.resize(m_cache.RRCNumbers());
-    m_kept[static_cast<std::size_t>(m_number)] = copy;
+    m_kept[number()] = copy();
 }
 
 void CZelCacheWalk::appendKept(CZelBag &rows) const {
     for (void *row : m_kept)
         if (row != nullptr)
             rows.RBAdd(row);
-    for (std::size_t i = 0; i < m_keptBits.size(); ++i)
-        for (std::uint64_t bits = m_keptBits[i]; bits != 0; bits &= bits - 1)
-            rows.RBAdd(static_cast<void *>(m_cache.RRCHandle(static_cast<int>(i) * BITS + std::countr_zero(bits))));
+    m_keptHandles.visit(
+        [&](std::size_t number) { rows.RBAdd(static_cast<void *>(m_cache.RRCHandle(static_cast<int>(number)))); });
 }

@@ -12,13 +12,13 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <vector>
 
 #include "foundations/base/CZelBag.h"
 #include "foundations/base/CZelRecord.h"
 #include "store/CZelColumnReader.h"
+#include "store/CZelNumberSet.h"
 #include "store/CZelRecordCache.h"
 
 class CZelAtom;
@@ -36,12 +36,15 @@ public:
 
     bool hasRow() const { return m_hasRow; }
     CZelAtom *handle() const { return m_isByPlace ? m_cache.RRCHandle(m_number) : m_handle; }
+    std::size_t number() const;  // of the handle
     void advance();
 
     bool isPicked() const {
         return m_row.m_record == nullptr;
     }                                                       // the values are in the columns, and no record is there
     CZelRecord &record() const { return *m_row.m_record; }  // Requires: it is there
+
+    CZelRecord *copy() const { return CZelRecordCache::RRCCopyOf(m_row); }  // the caller's; null is reported
 
     // Of the present row, the handle or a copy, which becomes whose the bag is. A copy that can't be made is reported
     // and left out. A walk keeps either handles or copies.
@@ -70,6 +73,7 @@ private:
     std::vector<int> m_inMemory;  // numbers of handles
     std::size_t m_nextInMemory = 0;
     std::size_t m_nextPage = 0;
-    int m_number = 0;                       // of the present row's handle
-    std::vector<std::uint64_t> m_keptBits;  // one for each number
+    int m_number = 0;             // of the present row's handle
+    CZelNumberSet m_keptHandles;  // by their numbers
+    bool m_keepsHandles = false;
 };

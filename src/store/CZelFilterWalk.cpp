@@ -9,6 +9,7 @@
 #include "oql/CZelDbEntity.h"
 #include "oql/CZelExpr.h"
 #include "store/CZelBoolean.h"
+#include "store/CZelCacheCondition.h"
 #include "store/CZelFilter.h"
 #include "store/CZelTable.h"
 
@@ -28,8 +29,8 @@ bool isJoiner(EZelAlgebraic op) {
 
 }  // namespace
 
-CZelFilterWalk::CZelFilterWalk(CZelTable &table, bool partial)
-    : m_table(table), m_partial(partial), m_total(table.RTTotalRecordCount()) {}
+CZelFilterWalk::CZelFilterWalk(CZelTable &table, bool partial, const CZelCacheCondition *known)
+    : m_table(table), m_partial(partial), m_known(known), m_total(table.RTTotalRecordCount()) {}
 
 CZelBag *CZelFilterWalk::run(CZelFilter *filter, CZelBag *input, __boolean *all) {
     CZelFilter *next = filter;
@@ -108,8 +109,10 @@ CZelFilterWalk::Answer CZelFilterWalk::answerLeaf(CZelFilter *node, CZelBag *inp
     Answer answer;
     if (node == nullptr || node->RFKernel() == nullptr)
         return answer;
-    __boolean evaluated = E_RBFalse;
-    if (!m_partial || !isForeign(*node->RFKernel()))
+    __boolean evaluated = ZelBool(m_known != nullptr);
+    if (m_known != nullptr)
+        answer.bag = m_known->rowsOf(node, input);
+    else if (!m_partial || !isForeign(*node->RFKernel()))
         answer.bag = m_table.RTEvalBoolean(node->RFKernel(), &evaluated, input);
     if (evaluated == E_RBFalse && m_partial) {
         delete answer.bag;

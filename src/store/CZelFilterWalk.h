@@ -13,6 +13,7 @@ class CZelAtom;
 class CZelBPlusTree;
 class CZelBag;
 class CZelBoolean;
+class CZelCacheCondition;
 class CZelDbEntity;
 class CZelFilter;
 class CZelTable;
@@ -20,7 +21,8 @@ class CZelTable;
 class CZelFilterWalk {
 public:
     // Partial: a comparison that the table can't answer does not narrow the rows.
-    CZelFilterWalk(CZelTable &table, bool partial);
+    // `known`, if given, has the rows of each comparison of the condition.
+    CZelFilterWalk(CZelTable &table, bool partial, const CZelCacheCondition *known = nullptr);
 
     // The rows that match, or null when the condition can't be answered; the caller's. `input`, if given, is
     // the set of rows of interest. *all: the result holds every row of the table.
@@ -74,6 +76,7 @@ private:
 
     CZelTable &m_table;
     bool m_partial;
+    const CZelCacheCondition *m_known;
     int m_total;  // rows of the table
     std::vector<Step> m_steps;
     int m_nots = 0;              // among the steps

@@ -203,36 +203,48 @@ void CZelRowTest::dispatch(Rows rows, CZelBag &passed) const {
         }
         return;
     }
+    withTest([&](auto test) { scan(rows, passed, test); });
+}
+
+bool CZelRowTest::acceptsValue(const CZelAtom *value) const {
+    bool isAccepted = m_onNull;
+    if (!CZelAtom::RAIsNull(value))
+        withTest([&](auto test) { isAccepted = test(*value); });
+    return isAccepted;
+}
+
+// Gives `use` the test of present values.
+template <class Use>
+void CZelRowTest::withTest(Use use) const {
     const bool differs = m_orders == (LESS | GREATER);
     const bool negated = m_negated;
     switch (m_kind) {
         case PRESENCE:
-            return scan(rows, passed, [this](const CZelAtom &) { return m_onPresent; });
+            return use([this](const CZelAtom &) { return m_onPresent; });
         case NUMBER:
-            return scan(rows, passed, [=, this](const CZelAtom &value) {
+            return use([=, this](const CZelAtom &value) {
                 return value.RAIsNumber() ? isIn(m_orders, value.RALex(m_value, nullptr)) : differs;
             });
         case TEXT:
-            return scan(rows, passed, [this](const CZelAtom &value) {
+            return use([this](const CZelAtom &value) {
                 return isText(value) && isIn(m_orders, value.RALex(m_value, nullptr));
             });
         case SAME_TEXT:
-            return scan(rows, passed,
-                        [=, this](const CZelAtom &value) { return value.RASameText(*m_value) != negated; });
+            return use([=, this](const CZelAtom &value) { return value.RASameText(*m_value) != negated; });
         case TEXT_PREFIX:
-            return scan(rows, passed, [=, this](const CZelAtom &value) {
+            return use([=, this](const CZelAtom &value) {
                 return isText(value) && value.RATextView().starts_with(m_part) != negated;
             });
         case TEXT_SUFFIX:
-            return scan(rows, passed, [=, this](const CZelAtom &value) {
+            return use([=, this](const CZelAtom &value) {
                 return isText(value) && value.RATextView().ends_with(m_part) != negated;
             });
         case TEXT_PART:
-            return scan(rows, passed, [=, this](const CZelAtom &value) {
+            return use([=, this](const CZelAtom &value) {
                 return isText(value) && holds(value.RATextView(), m_part) != negated;
             });
         case GENERAL:
-            return scan(rows, passed, [this](const CZelAtom &value) {
+            return use([this](const CZelAtom &value) {
                 return m_boolean.RBEvalAtomToAtom(&value, ZelBool(m_swapped), m_value) == E_RBTrue;
             });
     }

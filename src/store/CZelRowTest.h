@@ -22,6 +22,10 @@ public:
 
     bool accepts(const CZelRecord &row) const;
 
+    // The same told of the column's value, null for none. Requires: the column has no selector.
+    bool acceptsValue(const CZelAtom *value) const;
+    const CZelColumnReader &column() const { return m_column; }
+
     // Append the rows that pass, in order: from a list of records, or from a bag of them; or of all rows of a cached
     // table, or those that the bag has the handles of, the handles or copies.
     enum Form { HANDLES, COPIES };
@@ -46,6 +50,8 @@ private:
 
     template <class Rows>
     void dispatch(Rows rows, CZelBag &passed) const;
+    template <class Use>
+    void withTest(Use use) const;
     template <class Rows, class Test>
     void scan(Rows rows, CZelBag &passed, Test test) const;
 

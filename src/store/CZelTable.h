@@ -22,6 +22,7 @@ class CZelAtom;
 class CZelAtomVector;
 class CZelBPlusTree;
 class CZelBoolean;
+class CZelCacheCondition;
 class CZelColDef;
 class CZelColumnReader;
 class CZelDatabase;
@@ -52,6 +53,7 @@ class CZelTuple;
 class CZelUpdate;
 class CZelVarBind;
 struct SZelCacheUse;
+struct SZelCachedComparison;
 struct SZelIndexValue;
 
 class QUINTOR_API CZelTable : public CZelDbObject {
@@ -240,7 +242,9 @@ private:
                        CZelBag &result) const;
     bool isIndexed(const CZelDbEntity &column) const;
     CZelBag *rowsOfIndex(const CZelAtom &column, const CZelAtom *value, EZelOper op) const;
-    CZelBag *copiesByScan(const CZelFilter &filter);
+    SZelCachedComparison scannedComparison(const CZelFilter &leaf);
+    bool isScanned(const CZelFilter &filter, CZelCacheCondition &condition);  // does it answer the filter?
+    CZelBag *copiesByScan(CZelFilter &filter);
     CZelBag *copiesOfAll() const;
     CZelBag *scanCache(CZelBoolean &boolean, CZelDbEntity &column, const CZelAtom *value, bool swapped,
                        const CZelBag *input, bool asCopies);

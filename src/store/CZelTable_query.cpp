@@ -12,6 +12,7 @@
 #include "oql/CZelExpr.h"
 #include "oql/CZelQuery.h"
 #include "store/CZelBoolean.h"
+#include "store/CZelCacheCondition.h"
 #include "store/CZelCacheWalk.h"
 #include "store/CZelColumnReader.h"
 #include "store/CZelFilter.h"
@@ -136,6 +137,30 @@ CZelBag *CZelTable::RTReturnRows(CZelFilter *filter, __boolean partial) {
     return rows;
 }
 
+// The rows of a condition of comparisons that no tree answers, copied where one walk finds them; null for any other.
+CZelBag *CZelTable::copiesByScan(CZelFilter &filter) {
+    const SZelCachedComparison only = scannedComparison(filter);
+    if (only.m_boolean != nullptr)
+        return scanCache(*only.m_boolean, *only.m_column, only.m_value, only.m_isSwapped, nullptr, true);
+    if (filter.RFKernel() != nullptr)
+        return nullptr;
+    CZelCacheCondition condition(*m_cache);
+    if (!isScanned(filter, condition))
+        return nullptr;
+    const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
+    condition.walk(true);
+    CZelBag *rows = CZelFilterWalk(*this, false, &condition).run(&filter, nullptr, nullptr);
+    replaceHandles(*rows, [&](CZelAtom *handle) {
+        CZelRecord *copy = condition.takeCopy(*handle);
+        return copy != nullptr ? copy : m_cache->RRCCopyRecord(handle);  // one that the walk could not read
+    });
+    return rows;
+}
+
+bool CZelTable::isScanned(const CZelFilter &filter, CZelCacheCondition &condition) {
+    return isLive() && condition.prepare(filter, [this](const CZelFilter &leaf) { return scannedComparison(leaf); });
+}
+
 CZelBag *CZelTable::identities(CZelFilter *filter, __boolean partial) {
     if (filter == nullptr || !isLive())
         return allRows();
@@ -193,7 +218,14 @@ CZelBag *CZelTable::RTEvalPartialFilter(CZelFilter *filter) {
 }
 
 CZelBag *CZelTable::RTEvalFilter(CZelFilter *filter, __boolean partial, __boolean *all, CZelBag *input) {
-    return CZelFilterWalk(*this, partial == E_RBTrue).run(filter, input, all);
+    if (m_cache == nullptr || filter == nullptr || filter->RFKernel() != nullptr || input != nullptr)
+        return CZelFilterWalk(*this, partial == E_RBTrue).run(filter, input, all);
+    CZelCacheCondition condition(*m_cache);
+    if (!isScanned(*filter, condition))
+        return CZelFilterWalk(*this, partial == E_RBTrue).run(filter, input, all);
+    const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
+    condition.walk(false);
+    return CZelFilterWalk(*this, false, &condition).run(filter, nullptr, all);
 }
 
 CZelBag *CZelTable::RTEvalBoolean(CZelBoolean *boolean) {

@@ -15,6 +15,7 @@
 #include "oql/CZelDbEntity.h"
 #include "oql/CZelExpr.h"
 #include "store/CZelBoolean.h"
+#include "store/CZelCacheCondition.h"
 #include "store/CZelCacheWalk.h"
 #include "store/CZelColDef.h"
 #include "store/CZelColumnReader.h"
@@ -170,22 +171,21 @@ CZelBag *CZelTable::scanCache(CZelBoolean &boolean, CZelDbEntity &column, const 
     return result;
 }
 
-// The rows of a condition that is one comparison which no tree answers, copied where the walk finds them; null for any
-// other condition.
-CZelBag *CZelTable::copiesByScan(const CZelFilter &filter) {
-    CZelBoolean *boolean = filter.RFKernel();
+// A leaf that is one comparison of a column of this table with a value, which no tree answers.
+SZelCachedComparison CZelTable::scannedComparison(const CZelFilter &leaf) {
+    CZelBoolean *boolean = leaf.RFKernel();
     if (boolean == nullptr || boolean->RBRvalType() != E_RBRExpr)
-        return nullptr;
+        return {};
     const EZelOper op = boolean->RBOperand();
     const bool isReversed = boolean->RBEvalType() == E_RBEValueColumn;
     if (op == E_RONone || op == E_ROExists || isMembership(op) ||
         (!isReversed && boolean->RBEvalType() != E_RBEColumnValue))
-        return nullptr;
+        return {};
     CZelDbEntity *column = (isReversed ? boolean->RBRight() : boolean->RBLeft())->REEntityVal();
     if (RTMatchSelfTest(column) != E_RBTrue || (op <= E_ROGreaterEqual && isIndexed(*column)))
-        return nullptr;
+        return {};
     const CZelExpr *value = isReversed ? boolean->RBLeft() : boolean->RBRight();
-    return scanCache(*boolean, *column, value->REHeadAtomVal(), isReversed && swapsOperands(op), nullptr, true);
+    return {boolean, column, value->REHeadAtomVal(), isReversed && swapsOperands(op)};
 }
 
 CZelBag *CZelTable::copiesOfAll() const {

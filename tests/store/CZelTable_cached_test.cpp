@@ -160,6 +160,49 @@ TEST_P(CachedTableTest, AConditionFindsInTheFileWhatItFindsInRecords) {
     }
 }
 
+// Comparisons that are joined are made in one walk, unless there is one of another kind beside them.
+TEST_P(CachedTableTest, AConditionOfSeveralComparisonsFindsWhatTheyFindOneByOne) {
+    open({column("k", E_RDTInt, KEY), column("i", E_RDTInt), column("s", E_RDTText), column("l", E_RDTList)},
+         GetParam());
+    TestRandom random;
+    const auto below = [&random](unsigned limit) { return static_cast<int>(random.below(limit)); };
+    for (int k = 0; k < 60; ++k)
+        insert({{"k", k}, {"i", below(9)}, {"s", std::string(1, "abc"[below(3)]).c_str()}, {"l", list({below(3)})}});
+    update({{"s", "a"}}, where("i", 2));
+    const std::function<CZelFilter *(int)> condition = [&](int depth) -> CZelFilter * {
+        const int choice = below(depth == 0 ? 4 : 8);
+        if (choice > 4)
+            return node(condition(depth - 1), choice == 5 ? E_RAOr : E_RAAnd, condition(depth - 1));
+        if (choice == 4)
+            return negated(condition(depth - 1));
+        if (choice == 3 && below(4) == 0)
+            return below(2) == 0 ? where("k", below(60)) : leaf(col("i"), E_ROIn, val(list({1, below(9)})));
+        if (choice == 3)
+            return below(2) == 0 ? leaf(col("l"), E_ROEqual, val(list({below(3)})))
+                                 : leaf(col("none"), E_ROIsNull, none());
+        return choice < 2 ? leaf(col("i"), choice == 0 ? E_ROLess : E_ROGreaterEqual, val(below(10)))
+                          : leaf(val(std::string(1, "abc"[below(3)]).c_str()), E_RONotEqual, col("s"));
+    };
+    const auto whether = [](int one, int other) { return leaf(val(one), E_ROEqual, val(other)); };
+    const auto handlesOf = [&](CZelFilter *filter) {
+        const std::unique_ptr<CZelFilter> owner(filter);
+        const std::unique_ptr<CZelBag> found(m_table->RTEvalFilter(filter));
+        return contents<void>(found.get());
+    };
+    const std::vector<void *> handles = handlesOf(whether(1, 1));
+    const Texts texts = rows();
+    for (int step = 0; step < 500; ++step) {
+        std::unique_ptr<CZelFilter> filter(condition(3));
+        const std::vector<void *> found = handlesOf(either(new CZelFilter(*filter), whether(1, 2)));
+        Texts expected;
+        for (const void *handle : found)
+            expected.push_back(
+                texts[static_cast<std::size_t>(std::find(handles.begin(), handles.end(), handle) - handles.begin())]);
+        ASSERT_EQ(found, handlesOf(new CZelFilter(*filter))) << taken(filter->RFPrint());
+        ASSERT_EQ(expected, select(filter.release()));
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Kinds, CachedTableTest, testing::ValuesIn(CACHE_KINDS), kindName);
 
 TEST_F(CachedTableTest, NothingIsWrittenForARowThatIsRefused) {
@@ -271,6 +314,15 @@ TEST_F(CachedTableTest, ARowThatCantBeReadIsPassedOver) {
     {
         const FailingFiles files(FailingFiles::READ, 2);
         EXPECT_EQ((Texts{"k=0 n=0", "k=2 n=2"}), select(leaf(col("n"), E_ROGreaterEqual, val(0))));
+    }
+    {
+        const FailingFiles files(FailingFiles::READ, 2);
+        EXPECT_EQ((Texts{"k=0 n=0", "k=2 n=2"}),
+                  sorted(select(both(leaf(col("n"), E_ROGreaterEqual, val(0)), above("n", -1)))));
+    }
+    {
+        const FailingFiles files(FailingFiles::READ, 2);  // what is not found is in the complement, and read again
+        EXPECT_EQ((Texts{"k=1 n=1", "k=2 n=2"}), sorted(select(negated(where("n", 0)))));
     }
     {
         const FailingFiles files(FailingFiles::READ, 1);
