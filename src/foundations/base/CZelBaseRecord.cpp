@@ -24,12 +24,24 @@ CZelListable *CZelBaseRecord::RLTargetDeepCopy(const CZelListable *) const {
 }
 
 int CZelBaseRecord::RRAddValue(const char *name, const char *value) {
-    return name == nullptr ? E_RCBadArgument : RRAddValue(new CZelVarBind(name, value));
+    if (name == nullptr)
+        return E_RCBadArgument;
+    const CZelAtom *interned = nameBehindLast(name);
+    return RRAddValue(interned != nullptr ? new CZelVarBind(*interned, value) : new CZelVarBind(name, value));
 }
 
 int CZelBaseRecord::RRAddValue(const char *name, CZelAtom **value) {
-    CZelAtom key = CZelAtom::RAName(name);
+    const CZelAtom *interned = name != nullptr ? nameBehindLast(name) : nullptr;
+    if (interned != nullptr)
+        return RRAddValue(interned, value);
+    const CZelAtom key(true, name);
     return RRAddValue(name == nullptr ? nullptr : &key, value);
+}
+
+// Records of one kind mostly have their names in one order. Null when the name can't be interned.
+const CZelAtom *CZelBaseRecord::nameBehindLast(const char *name) const {
+    const CZelVarBind *last = m_values.RVBLTail();
+    return CZelName::RNInternNext(last != nullptr ? CZelName::RNAtomOf(last->RVBName()) : nullptr, name);
 }
 
 int CZelBaseRecord::RRAddValue(const CZelAtom *name, CZelAtom **value) {

@@ -74,6 +74,7 @@ protected:
     CZelVBList m_values;
 
 private:
+    const CZelAtom *nameBehindLast(const char *name) const;
     static void discard(CZelAtom **value);
     static const CZelAtom *descend(const CZelAtom *value, const CZelAtomVector &path, unsigned int first);
 };

@@ -33,6 +33,15 @@ public:
     // As RNIntern, and tells RNSuccessor. `before` may be null.
     static const CZelAtom *RNInternBehind(const CZelAtom *before, const char *text, std::size_t length);
 
+    // As RNIntern, in less time where it is the successor of `before`. Tells RNSuccessor only what comes behind a name
+    // first, so that threads which use names in different orders don't write to what they share.
+    static const CZelAtom *RNInternNext(const CZelAtom *before, std::string_view text) {
+        const CZelAtom *guess = before != nullptr ? RNSuccessor(before) : nullptr;
+        if (guess == nullptr)
+            return RNInternBehind(before, text.data(), text.size());
+        return RNIsText(*guess, text) ? guess : RNIntern(text.data(), text.size());
+    }
+
     // Is it the name of that text? `name` is an atom of this table.
     static bool RNIsText(const CZelAtom &name, std::string_view text) {
         return name.m_heap.length == text.size() && ZelSameBytes(textOf(name), text.data(), text.size());
