@@ -2,8 +2,10 @@
 // the compiler makes.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
+#include <iterator>
 #include <string_view>
 
 struct SZelKeyword {
@@ -16,10 +18,13 @@ class CZelKeywordTable {
 public:
     // Requires: words of 2 to 16 letters, fewer than 255.
     consteval explicit CZelKeywordTable(const SZelKeyword (&words)[COUNT]) {
-        for (std::size_t i = 0; i < COUNT; ++i)
-            m_words[i] = words[i];
-        while (!fill())
-            m_factor += 2;
+        std::copy(std::begin(words), std::end(words), m_words.begin());
+        place();
+    }
+    template <std::size_t COMMON, std::size_t OWN>
+    consteval CZelKeywordTable(const SZelKeyword (&common)[COMMON], const SZelKeyword (&own)[OWN]) {
+        std::copy(std::begin(own), std::end(own), std::copy(std::begin(common), std::end(common), m_words.begin()));
+        place();
     }
 
     // The token of a word in any case, 0 for none. Requires: not empty.
@@ -52,6 +57,11 @@ private:
         return true;
     }
 
+    constexpr void place() {
+        while (!fill())
+            m_factor += 2;
+    }
+
     constexpr bool fill() {
         m_slots.fill(NONE);
         for (std::size_t i = 0; i < COUNT; ++i) {
@@ -67,3 +77,6 @@ private:
     std::array<SZelKeyword, COUNT> m_words = {};
     std::array<std::uint8_t, 1U << BITS> m_slots = {};
 };
+
+template <std::size_t COMMON, std::size_t OWN>
+CZelKeywordTable(const SZelKeyword (&)[COMMON], const SZelKeyword (&)[OWN]) -> CZelKeywordTable<COMMON + OWN>;

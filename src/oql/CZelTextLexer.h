@@ -49,6 +49,12 @@ protected:
     // `lines` is the counter of the scanner's family.
     explicit CZelTextLexer(std::atomic<int> &lines) : m_lines(lines) {}
 
+    // Sets such a counter to 1. Written only when it differs: most texts have one line, and threads share the counter.
+    static void startLines(std::atomic<int> &lines) {
+        if (lines.load(std::memory_order_relaxed) != 1)
+            lines.store(1, std::memory_order_relaxed);
+    }
+
     // Makes the scanner's own buffer over a text that outlives it the current one.
     void readText(const char *text, unsigned int length);
 

@@ -14,6 +14,11 @@
 // mutex and the queue. What a thread holds is noted in the thread itself. Who waits looks for its turn for about
 // as long as falling asleep and being woken would take: a statement by key is done sooner.
 //
+// A reader that lets go looks at the gate once more, and a writer opens its mutex: that others get the lock does not
+// tell that they are out. So a lock must not die by what was done under it: its owner waits for the threads themselves,
+// by joining them or by whatever else tells that their calls have returned. To watch over those on their way out would
+// cost each reader two more atomic writes.
+//
 // Threads: any. Results: 1, or E_RCBadState with nothing changed and no report: upgrade of a reader, or
 // unlocking what this thread does not hold.
 #pragma once
