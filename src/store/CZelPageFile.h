@@ -65,7 +65,7 @@ public:
         // Most records are of one page and could be read while it is not yet known which chains count. A large file
         // is looked through in several parts at the same time, each by one thread and in the order of the file.
         // True: the record is known; if it counts, takeSeen is called, in the place of takeChain.
-        virtual void beginParts(std::size_t parts);
+        virtual void beginParts(std::size_t parts, std::size_t recordsAtMost);  // in each
         virtual bool look(std::size_t part, long start, const unsigned char *encoding, int length);
         virtual bool takeSeen(long start, int length);
     };

@@ -27,7 +27,7 @@ std::vector<long> positionsOf(const CZelPageMap &map, long start) {
 
 }  // namespace
 
-void CZelPageFile::Reader::beginParts(std::size_t) {}
+void CZelPageFile::Reader::beginParts(std::size_t, std::size_t) {}
 
 bool CZelPageFile::Reader::look(std::size_t, long, const unsigned char *, int) {
     return false;
@@ -53,7 +53,7 @@ struct CZelPageFile::Survey {
         for (std::size_t part = 0; part < count; ++part)
             parts.emplace_back(map, begin(part, count));
         if (reader != nullptr)
-            reader->beginParts(count);
+            reader->beginParts(count, pages / count + 1);
         ZelInParts(count, [&](std::size_t part) {
             errno = 0;
             if (!readPart(part, begin(part + 1, count), parts[part]))

@@ -24,7 +24,7 @@ public:
             m_columns.add(keys->name(column));
     }
 
-    void beginParts(std::size_t parts) override;
+    void beginParts(std::size_t parts, std::size_t recordsAtMost) override;
     bool look(std::size_t part, long start, const unsigned char *encoding, int length) override;
     bool takeSeen(long start, int length) override;
     bool takeChain(long start, const unsigned char *encoding, int length) override;
@@ -54,10 +54,13 @@ private:
     int m_status = E_RCOk;
 };
 
-void CZelRecordCache::FileReader::beginParts(std::size_t parts) {
+void CZelRecordCache::FileReader::beginParts(std::size_t parts, std::size_t recordsAtMost) {
     m_parts.resize(parts);
-    for (Part &part : m_parts)
+    for (Part &part : m_parts) {
         part.m_columns = m_columns;
+        part.m_starts.reserve(recordsAtMost);
+        part.m_values.reserve(recordsAtMost * columns());
+    }
 }
 
 // What is damaged, or has no plain key, is left for takeChain.

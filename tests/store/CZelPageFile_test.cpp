@@ -42,7 +42,7 @@ protected:
 // Knows some of the records that it is shown before it is known which of them count.
 class Looker : public Collector {
 public:
-    void beginParts(std::size_t parts) override { m_seen.resize(parts); }
+    void beginParts(std::size_t parts, std::size_t) override { m_seen.resize(parts); }
     bool look(std::size_t part, long start, const unsigned char *encoding, int length) override {
         if (start % 3 == 0 || (!m_seen[part].empty() && m_seen[part].rbegin()->first >= start))
             return false;
