@@ -232,12 +232,16 @@ void CZelPageFile::giveBack(const std::vector<long> &chain) {
     m_counts.m_used -= static_cast<long>(chain.size());
 }
 
-// What can't be emptied yet is reported each time: nothing can be written in the meantime.
+// What can't be emptied yet is reported each time: nothing can be written in the meantime. One of these may be all that
+// tells that an older one is dead, and a power cut could take back the emptying of the older one alone.
 int CZelPageFile::emptyPending() {
     while (!m_pending.empty()) {
         if (empty(m_pending.back()) != 1)
             return E_RCPageWrite;
         m_pending.pop_back();
+        m_formerMayReturn = m_policy != E_SPOff;
+        if (m_formerMayReturn && !m_pending.empty() && sync() != 1)
+            return E_RCPageWrite;
     }
     return 1;
 }

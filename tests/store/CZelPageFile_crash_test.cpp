@@ -262,3 +262,30 @@ TEST(PageFileCrash, AFormerRecordOfAnotherProcessDoesNotComeBackForOneThatIsRele
         EXPECT_TRUE(recovered(files, left).empty());
     }
 }
+
+// Each of the former records is told to be dead by the next one alone. What the start empties may be cut off at any
+// place, and only what was synced is certain then.
+TEST(PageFileCrash, NoneOfSeveralFormerRecordsComesBackWhenAStartIsCutOff) {
+    TestRandom random;
+    for (const EZelSyncPolicy policy : {E_SPUpdate, E_SPFull}) {
+        MemoryFiles files;
+        const Disk replaced = [&files] {
+            CZelPageFile file;
+            reopen(file, PATH);
+            long start = add(file, "1:first");
+            for (const char *text : {"1:second", "1:third", "1:fourth"})
+                write(file, text, start, &start);
+            return files.files();  // none has been emptied
+        }();
+        const SyncPolicy setting(policy);
+        ASSERT_EQ(Values{"1:fourth"}, recovered(files, replaced));
+        const Changes changes = files.changes();
+        for (std::size_t end = 0; end <= changes.size(); ++end) {
+            std::size_t synced = end;
+            while (synced > 0 && !changes[synced - 1].isSync)
+                --synced;
+            for (int i = 0; i < 20; ++i)
+                EXPECT_EQ(Values{"1:fourth"}, recovered(files, cut(replaced, changes, synced, end, random)));
+        }
+    }
+}
