@@ -13,7 +13,7 @@ namespace {
 constexpr int PAGE = CZelPageView::PAGE_BYTES;
 constexpr int SLICE = PAGE - CZelPageView::HEADER_BYTES;
 constexpr long AHEAD = 262144;     // bytes
-constexpr int READS_IN_ORDER = 4;  // before more is read than was asked for
+constexpr int READS_IN_ORDER = 8;  // before more is read than was asked for; of rows that lie far apart, few follow so
 constexpr int MOST_IN_ORDER = 32;  // counted
 constexpr long NEAR = 32L * PAGE;  // a chain that starts no further behind the last one is the next in order
 
