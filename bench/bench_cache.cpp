@@ -6,6 +6,7 @@
 
 #include "bench/OurStore.h"
 #include "bench/PairTable.h"
+#include "bench/ScratchFolder.h"
 #include "bench/Sqlite.h"
 #include "bench/works.h"
 #include "foundations/base/CZelAtom.h"
@@ -20,31 +21,21 @@ constexpr int UPDATED_TYPES = 10;
 enum Work : int { MANY_ROWS, COMPILED };
 constexpr int UPDATES = BENCH_ROWS / BENCH_TYPES * UPDATED_TYPES;  // about, as types are random
 
+// Where both sides have their files.
 class Scratch {
 public:
     Scratch() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "quintor-bench-XXXXXX").string();
-        m_path = mkdtemp(pattern.data());
         emptyOurs();
         emptyTheirs();
-        setenv("QMTHOME", m_path.c_str(), 1);
+        setenv("QMTHOME", m_folder.path().c_str(), 1);
     }
-    Scratch(const Scratch &) = delete;
-    Scratch &operator=(const Scratch &) = delete;
-    ~Scratch() { std::filesystem::remove_all(m_path); }
 
-    void emptyOurs() const {
-        std::filesystem::remove_all(m_path / "var");
-        std::filesystem::create_directories(m_path / "var" / "solvantis");
-    }
-    void emptyTheirs() const {
-        std::filesystem::remove_all(m_path / "sqlite");
-        std::filesystem::create_directory(m_path / "sqlite");
-    }
-    std::string database() const { return (m_path / "sqlite" / "t.db").string(); }
+    void emptyOurs() const { std::filesystem::create_directory(m_folder.emptied("var") / "solvantis"); }
+    void emptyTheirs() const { m_folder.emptied("sqlite"); }
+    std::string database() const { return (m_folder.path() / "sqlite" / "t.db").string(); }
 
 private:
-    std::filesystem::path m_path;
+    ScratchFolder m_folder;
 };
 
 // The rows' bytes in our encoding, of which both sides may keep a tenth.

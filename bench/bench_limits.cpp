@@ -17,6 +17,7 @@
 #include "bench/PairTable.h"
 #include "bench/works.h"
 #include "foundations/base/ZelCrc32c.h"
+#include "foundations/port/ZelInParts.h"
 
 namespace {
 
@@ -29,6 +30,7 @@ constexpr std::size_t OUR_PAGE = 512;
 constexpr std::size_t PAGE = 4096;  // of the peers
 constexpr unsigned PAGES = 16384;
 constexpr int PAGE_READS = 20000;
+constexpr std::size_t BLOCK = 262144;
 
 struct alignas(LINE) Line {
     std::uint32_t next;
@@ -131,6 +133,25 @@ BenchRun readPages(std::size_t size) {
             })};
 }
 
+void readBlocks(int file, std::size_t first, std::size_t end) {
+    std::vector<char> block(BLOCK);
+    for (std::size_t number = first; number < end; ++number)
+        if (pread(file, block.data(), BLOCK, static_cast<off_t>(number * BLOCK)) < 0)
+            std::exit(1);
+}
+
+// The whole file from front to back, in so many parts at the same time.
+BenchRun readInOrder(std::size_t parts) {
+    constexpr std::size_t BLOCKS_OF_FILE = PAGES * PAGE / BLOCK;
+    const int file = pageFile();
+    return {static_cast<long>(PAGES * PAGE / OUR_PAGE), secondsOf([&] {
+                ZelInParts(parts, [&](std::size_t part) {
+                    readBlocks(file, ZelBeginOfPart(BLOCKS_OF_FILE, part, parts),
+                               ZelBeginOfPart(BLOCKS_OF_FILE, part + 1, parts));
+                });
+            })};
+}
+
 BenchRun checkPages(std::size_t size) {
     const std::vector<char> page(size, 'x');
     return {PAGE_READS, secondsOf([&] {
@@ -152,4 +173,7 @@ void addLimits() {
         addLimit("read" + of + " that the kernel holds", "page", [size] { return readPages(size); });
         addLimit("CRC32C" + of, "page", [size] { return checkPages(size); });
     }
+    const std::string inOrder = "read of 512 bytes in order, in large blocks";
+    addLimit(inOrder, "page", [] { return readInOrder(1); });
+    addLimit(inOrder + ", in parts", "page", [] { return readInOrder(ZelPartsFor(PAGES, 1)); });
 }

@@ -1,11 +1,10 @@
 // LMDB beside the tables with a cache: the same works on the same rows, in a scratch folder that is removed.
 #include "bench/PairTable.h"
+#include "bench/ScratchFolder.h"
 #include "bench/works.h"
 
 #ifdef QUINTOR_BENCH_LMDB
 
-#include <cstdlib>
-#include <filesystem>
 #include <memory>
 
 #include "bench/Lmdb.h"
@@ -21,20 +20,11 @@ constexpr int UPDATES = BENCH_ROWS / BENCH_TYPES * UPDATED_TYPES;  // about, as 
 // The database, filled when it is first asked for.
 class Folder {
 public:
-    Folder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "quintor-lmdb-XXXXXX").string();
-        m_path = mkdtemp(pattern.data());
-    }
-    Folder(const Folder &) = delete;
-    Folder &operator=(const Folder &) = delete;
-    ~Folder() {
-        m_database.reset();
-        std::filesystem::remove_all(m_path);
-    }
+    Folder() { clear(); }
 
     Lmdb &database() {
         if (m_database == nullptr)
-            m_database = std::make_unique<Lmdb>(m_path.string());
+            m_database = std::make_unique<Lmdb>((m_scratch.path() / NAME).string());
         if (!m_isFilled)
             m_database->insertAll(benchRows());
         m_isFilled = true;
@@ -43,14 +33,15 @@ public:
     void close() { m_database.reset(); }
     void clear() {
         close();
-        std::filesystem::remove_all(m_path);
-        std::filesystem::create_directory(m_path);
+        m_scratch.emptied(NAME);
         m_isFilled = false;
     }
 
 private:
-    std::filesystem::path m_path;
-    std::unique_ptr<Lmdb> m_database;
+    static constexpr const char *NAME = "lmdb";
+
+    ScratchFolder m_scratch;
+    std::unique_ptr<Lmdb> m_database;  // goes before the folder
     bool m_isFilled = false;
 };
 

@@ -5,13 +5,12 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <cstdlib>
-#include <filesystem>
 #include <memory>
 #include <thread>
 
 #include "bench/OurStore.h"
 #include "bench/PairTable.h"
+#include "bench/ScratchFolder.h"
 #include "bench/Sqlite.h"
 #include "bench/works.h"
 #include "foundations/base/CZelAtom.h"
@@ -85,14 +84,7 @@ Step ourUpdate() {
 // A file with the rows; it goes with the program.
 class SqliteFile {
 public:
-    SqliteFile() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "quintor-bench-XXXXXX").string();
-        m_directory = mkdtemp(pattern.data());
-        Sqlite(path(), CACHE_BYTES).insertAll(benchRows());
-    }
-    SqliteFile(const SqliteFile &) = delete;
-    SqliteFile &operator=(const SqliteFile &) = delete;
-    ~SqliteFile() { std::filesystem::remove_all(m_directory); }
+    SqliteFile() { Sqlite(path(), CACHE_BYTES).insertAll(benchRows()); }
 
     static std::shared_ptr<Sqlite> connect() {
         static const SqliteFile file;
@@ -103,8 +95,8 @@ public:
     }
 
 private:
-    std::string path() const { return (m_directory / "t.db").string(); }
-    std::filesystem::path m_directory;
+    std::string path() const { return (m_folder.path() / "t.db").string(); }
+    ScratchFolder m_folder;
 };
 
 Step theirs(const std::shared_ptr<Sqlite> &connection, const std::string &text) {
