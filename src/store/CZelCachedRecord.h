@@ -1,7 +1,9 @@
 // One row's entry in a record cache: where the row is now, and how recently it was used.
 #pragma once
 
-#include "foundations/base/CZelPool.h"
+#include <cstdint>
+#include <memory>
+
 #include "foundations/base/ZelEnums.h"
 #include "foundations/port/ZelExport.h"
 
@@ -17,13 +19,15 @@ enum EZelCachedRecordType : int {
 
 class QUINTOR_API CZelCachedRecord {
 public:
-    ZEL_POOLED
+    CZelCachedRecord();  // of no row yet
 
     // `copy` here and below: holds a copy; otherwise takes the record over.
     CZelCachedRecord(CZelRecord *record, __boolean copy, __boolean persistent);
     CZelCachedRecord(long position, __boolean persistent);
     CZelCachedRecord(const CZelCachedRecord &) = delete;
+    CZelCachedRecord(CZelCachedRecord &&other) noexcept;
     CZelCachedRecord &operator=(const CZelCachedRecord &) = delete;
+    CZelCachedRecord &operator=(CZelCachedRecord &&other) noexcept;
     ~CZelCachedRecord();
 
     void RCRSetOnDisk(long position);                       // drops the record
@@ -35,15 +39,15 @@ public:
 
     __boolean RCRIsRecordOnDisk() const;
     __boolean RCRIsRecordInCore() const {
-        return ZelBool(m_type == E_CRTPersistent ? m_record != nullptr : m_type == E_CRTInCore);
+        return ZelBool(isOfType(E_CRTPersistent) ? m_record != nullptr : isOfType(E_CRTInCore));
     }
     void RCRRecordAccess();  // of a held record: one more access, now
 
-    CZelRecord *RCRGetRecord() const { return m_record; }
+    CZelRecord *RCRGetRecord() const { return m_record.get(); }
     CZelRecord *RCRGetCopiedRecord() const;  // new; null when none is held
     CZelDoubleList *RCRWrapRecord() const;   // its encoding as new CZelROMPWrapper; null for none
 
-    EZelCachedRecordType RCRGetRecordType() const { return m_type; }
+    EZelCachedRecordType RCRGetRecordType() const { return static_cast<EZelCachedRecordType>(m_type); }
     long RCRGetRefCount() const { return m_refCount; }
     long RCRGetLastAccess() const { return m_lastAccess; }  // seconds
     long RCRGetStartPos() const { return m_startPos; }      // -1: no chain
@@ -52,15 +56,11 @@ public:
     unsigned long long RCRStamp() const { return m_stamp; }
     void RCRSetStamp(unsigned long long stamp) { m_stamp = stamp; }
 
-    // The number of its handle, set when it comes under it.
-    int RCRNumber() const { return m_number; }
-    void RCRSetNumber(int number) { m_number = number; }
-
     // Bytes of the record's encoding, kept by the cache; and the order in which records came.
     int RCRSize() const { return m_size; }
     void RCRSetSize(int bytes) { m_size = bytes; }
     unsigned long long RCRArrival() const { return m_arrival; }
-    void RCRSetArrival(unsigned long long arrival) { m_arrival = arrival; }
+    void RCRSetArrival(unsigned long long arrival) { m_arrival = arrival & (~0ULL >> 3); }
 
     // Where it stands among the records in memory; CZelEvictionHeap's.
     static constexpr unsigned int NO_PLACE = 0xFFFFFFFFU;
@@ -72,17 +72,18 @@ public:
     static void RCRSetClock(Clock clock);
 
 private:
+    bool isOfType(EZelCachedRecordType type) const { return m_type == static_cast<std::uint64_t>(type); }
     void RCRSetType(EZelCachedRecordType type);  // a persistent record stays one
     void hold(CZelRecord *record, __boolean copy);
 
-    EZelCachedRecordType m_type = E_CRTUninitialised;
-    int m_size = 0;
-    long m_refCount = -1;
-    long m_lastAccess = -1;
-    CZelRecord *m_record = nullptr;
-    long m_startPos = -1;
+    // 48 bytes, so that an entry shares a cache line with its handle.
+    std::unique_ptr<CZelRecord> m_record;
     unsigned long long m_stamp = 0;
-    unsigned long long m_arrival = 0;
+    std::uint64_t m_arrival : 61 = 0;
+    std::uint64_t m_type : 3 = E_CRTUninitialised;
+    long m_lastAccess = -1;
+    int m_refCount = -1;  // goes no further than its type does
+    int m_startPos = -1;
+    int m_size = 0;
     unsigned int m_heapPlace = NO_PLACE;
-    int m_number = -1;
 };

@@ -1,36 +1,38 @@
 #include "store/CZelHandleTable.h"
 
 #include <algorithm>
+#include <utility>
 
-#include "foundations/base/CZelAtom.h"
-#include "foundations/base/CZelPointer.h"
 #include "foundations/port/CZelError.h"
-#include "store/CZelCachedRecord.h"
 
 namespace {
 
-CZelAtom *handleOf(const CZelListable *node) {
-    return static_cast<CZelAtom *>(static_cast<const CZelPointer *>(node)->RPData());
+long numberIn(const CZelListable *node) {
+    return static_cast<CZelAtom *>(static_cast<const CZelPointer *>(node)->RPData())->RALong();
 }
 
 }  // namespace
 
-CZelHandleTable::CZelHandleTable(long atMost) : m_atMost(atMost), m_ready(-1) {}
+CZelHandleTable::Block::Block(long first) {
+    static_assert(sizeof(Row) == 64);
+    for (long i = 0; i < BLOCK; ++i) {
+        m_rows[i].m_handle = CZelAtom(first + i);
+        m_nodes[i].RPSetData(&m_rows[i].m_handle);
+    }
+}
+
+CZelHandleTable::CZelHandleTable(long atMost) : m_atMost(atMost) {}
 
 CZelHandleTable::~CZelHandleTable() {
-    for (const CZelListable *node = m_order.RDLHead(); node != nullptr; node = m_order.RDLGetNext(node)) {
-        CZelAtom *handle = handleOf(node);
-        delete find(*handle);
-        delete handle;
-    }
-    while (void *handle = m_ready.RSPop())
-        delete static_cast<CZelAtom *>(handle);
+    m_order.RDLSetHead(nullptr);
 }
 
 CZelAtom *CZelHandleTable::take() {
-    if (m_ready.RSLength() == 0 && !issue())
+    if (m_ready.empty() && !issue())
         return nullptr;
-    return static_cast<CZelAtom *>(m_ready.RSPop());
+    const long number = m_ready.front();
+    m_ready.pop_front();
+    return handleAt(number);
 }
 
 bool CZelHandleTable::issue() {
@@ -38,67 +40,94 @@ bool CZelHandleTable::issue() {
         ZEL_REPORT(E_RCNoHandle, "CZelHandleTable: no handle is left");
         return false;
     }
-    const long end = m_next + std::min(AT_ONCE, m_atMost - m_next);
-    for (; m_next < end; ++m_next)
-        m_ready.RSPushBottom(new CZelAtom(m_next));
+    const long batchEnd = m_next + std::min(AT_ONCE, m_atMost - m_next);
+    for (; m_next < batchEnd; ++m_next)
+        m_ready.push_back(static_cast<int>(m_next));
+    makeBlocks();
     return true;
 }
 
+// For all numbers that are issued.
+void CZelHandleTable::makeBlocks() {
+    while (end() < m_next) {
+        m_blocks.push_back(std::make_unique<Block>(end()));
+        m_used.push_back(0);
+    }
+}
+
 void CZelHandleTable::giveBack(CZelAtom *handle) {
-    m_ready.RSPushBottom(handle);
+    m_ready.push_back(handle->RAInt());
 }
 
-void CZelHandleTable::add(CZelAtom *handle, CZelCachedRecord *entry) {
+CZelCachedRecord &CZelHandleTable::add(CZelAtom *handle, CZelCachedRecord &&entry) {
     const long number = handle->RALong();
-    CZelPointer *node = new CZelPointer(handle);
-    m_order.RDLInsertBefore(node, nextInOrder(number));
-    makeSlot(number) = {entry, node};
-    entry->RCRSetNumber(static_cast<int>(number));
+    m_order.RDLInsertBefore(nodeAt(number), nextInOrder(number));
+    ++usedIn(number);
+    return replace(handle, std::move(entry));
 }
 
-void CZelHandleTable::replace(CZelAtom *handle, CZelCachedRecord *entry) {
-    Slot *slot = slotOf(handle->RALong());
-    delete slot->m_entry;
-    slot->m_entry = entry;
-    entry->RCRSetNumber(static_cast<int>(handle->RALong()));
+CZelCachedRecord &CZelHandleTable::replace(CZelAtom *handle, CZelCachedRecord &&entry) {
+    return rowAt(handle->RALong()).CZelCachedRecord::operator=(std::move(entry));
 }
 
 void CZelHandleTable::remove(const CZelAtom &handle) {
     const long number = handle.RALong();
-    Slot *slot = slotOf(number);
-    if (slot == nullptr || slot->m_entry == nullptr)
+    Row *row = usedRow(number);
+    if (row == nullptr)
         return;
-    CZelAtom *own = handleOf(slot->m_node);
-    m_order.RDLDeleteListable(slot->m_node);
-    delete slot->m_entry;
-    *slot = {};
-    --m_blocks[static_cast<std::size_t>(number / BLOCK)]->m_used;
-    giveBack(own);
+    m_order.RDLSpliceAndJoinAt(nodeAt(number));
+    --usedIn(number);
+    replace(&row->m_handle, CZelCachedRecord());
+    giveBack(&row->m_handle);
 }
 
 CZelCachedRecord *CZelHandleTable::find(const CZelAtom &handle) const {
-    const Slot *slot = slotOf(handle.RALong());
-    return slot != nullptr ? slot->m_entry : nullptr;
+    return usedRow(handle.RALong());
 }
 
-CZelAtom *CZelHandleTable::handleAt(long number) const {
-    return handleOf(slotAt(number).m_node);
+CZelHandleTable::Row *CZelHandleTable::usedRow(long number) const {
+    if (number < 0 || number >= end())
+        return nullptr;
+    Row &row = rowAt(number);
+    return row.isInUse() ? &row : nullptr;
 }
 
-CZelHandleTable::Slot *CZelHandleTable::slotOf(long number) const {
-    return number >= 0 && number < end() ? &slotAt(number) : nullptr;
+void CZelHandleTable::beginMany(long count) {
+    m_blocks.resize(static_cast<std::size_t>((count + BLOCK - 1) / BLOCK));
+    m_used.resize(m_blocks.size());
+    m_pieces.resize(m_blocks.size());
+    m_next = count;
 }
 
-CZelHandleTable::Slot &CZelHandleTable::makeSlot(long number) {
-    const std::size_t block = static_cast<std::size_t>(number) / BLOCK;
-    while (m_blocks.size() <= block)
-        m_blocks.push_back(std::make_unique<Block>());
-    ++m_blocks[block]->m_used;
-    return m_blocks[block]->m_slots[number % BLOCK];
+void CZelHandleTable::addPiece(long first, const Found *rows, long count, __boolean persistent,
+                               unsigned long long arrival) {
+    for (long i = 0; i < count; ++i) {
+        const long number = first + i;
+        const auto block = static_cast<std::size_t>(number / BLOCK);
+        if (number % BLOCK == 0)
+            m_blocks[block] = std::make_unique<Block>(number);
+        CZelCachedRecord &entry = rowAt(number);
+        entry = CZelCachedRecord(rows[i].m_start, persistent);
+        entry.RCRSetSize(rows[i].m_size);
+        entry.RCRSetArrival(arrival + static_cast<unsigned long long>(i));
+        m_pieces[block].RDLAddToListEnd(nodeAt(number));
+        ++m_used[block];
+    }
+}
+
+// The rest of the last batch is ready.
+void CZelHandleTable::endMany() {
+    for (CZelDoubleList &piece : m_pieces)
+        m_order.RDLTakeFrom(piece);
+    m_pieces = {};
+    const long batchEnd = std::min((m_next + AT_ONCE - 1) / AT_ONCE * AT_ONCE, m_atMost);
+    for (; m_next < batchEnd; ++m_next)
+        m_ready.push_back(static_cast<int>(m_next));
+    makeBlocks();
 }
 
 CZelListable *CZelHandleTable::nextInOrder(long number) const {
-    if (m_order.RDLTail() == nullptr || handleOf(m_order.RDLTail())->RALong() < number)
+    if (m_order.RDLTail() == nullptr || numberIn(m_order.RDLTail()) < number)
         return nullptr;
     const CZelPointer *before = lastBefore(number);
     return before != nullptr ? m_order.RDLGetNext(before) : m_order.RDLHead();
@@ -107,10 +136,9 @@ CZelListable *CZelHandleTable::nextInOrder(long number) const {
 // Blocks without entries are skipped, so a nearly empty table costs no long search.
 CZelPointer *CZelHandleTable::lastBefore(long number) const {
     for (long block = number / BLOCK, end = number % BLOCK; block >= 0; --block, end = BLOCK) {
-        const Block &place = *m_blocks[static_cast<std::size_t>(block)];
-        for (long i = end; place.m_used > 0 && i-- > 0;) {
-            if (place.m_slots[i].m_entry != nullptr)
-                return place.m_slots[i].m_node;
+        for (long i = end; m_used[static_cast<std::size_t>(block)] > 0 && i-- > 0;) {
+            if (rowAt(block * BLOCK + i).isInUse())
+                return nodeAt(block * BLOCK + i);
         }
     }
     return nullptr;

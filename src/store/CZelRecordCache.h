@@ -86,10 +86,9 @@ public:
     CZelRecord *RRCCopyRecord(CZelAtom *handle);  // the caller's; null where RRCLookAt fails or the row is damaged
     static CZelRecord *RRCCopyOf(const SZelCachedRow &row);  // null where it is damaged (reported)
 
-    // For who goes through many rows that lie far apart in memory: asks the memory for what tells of a row some rows
-    // before it is worked on, and for its entry when that has had time to come. Require: a row has, or had, the handle.
-    void RRCAskForPlace(const CZelAtom &handle) const { m_handles.askForSlot(handle.RALong()); }
-    void RRCAskForEntry(const CZelAtom &handle) const { m_handles.askForEntry(handle.RALong()); }
+    // For who goes through many rows that lie far apart in memory: asks for the record of one some rows before it is
+    // worked on, when its handle has had time to come. Requires: a row has, or had, the handle.
+    void RRCAskForRecord(const CZelAtom &handle) const { m_handles.askForRecord(handle.RALong()); }
 
     // Brings in what a walk that retrieves every row would leave in memory; nothing when a row is in memory already.
     void RRCFillMemory();
@@ -136,12 +135,14 @@ private:
     int pack(const CZelRecord *record, CZelROMPer &packet) const;
     int prepare(const CZelRecord &record, CZelROMPer &packet, const CZelCachedRecord *former, Place &place);
     bool holds(const CZelCachedRecord &entry, const CZelRecord &record, CZelROMPer &packet) const;
-    CZelCachedRecord *newEntry(CZelRecord *record, __boolean copy, const Place &place, int size);
+    CZelCachedRecord newEntry(CZelRecord *record, __boolean copy, const Place &place, int size);
     void askForOldest() const;
     void askForItsValues() const;
     void enter(CZelCachedRecord &entry);
     void leave(CZelCachedRecord &entry);
     void setAtPage(long start, int number);
+
+    static int numberOf(const CZelCachedRecord &entry) { return static_cast<int>(CZelHandleTable::numberOf(entry)); }
 
     bool lookAtFile(long start, SZelCachedRow &row);
     CZelRecord *readFromDisk(const CZelCachedRecord &entry);

@@ -66,7 +66,7 @@ int CZelRecordCache::evict(CZelCachedRecord &entry) {
     }
     m_inCore.remove(&entry);
     entry.RCRSetOnDisk(start);
-    setAtPage(start, entry.RCRNumber());
+    setAtPage(start, numberOf(entry));
     m_inCoreBytes -= static_cast<unsigned long long>(entry.RCRSize());
     __builtin_prefetch(m_inCore.top());
     return E_RCOk;

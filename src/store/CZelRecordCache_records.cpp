@@ -46,9 +46,7 @@ int CZelRecordCache::RRCCacheRecord(CZelRecord *record, CZelAtom **handle, __boo
         return status;
     }
     static_cast<void>(owned.release());
-    CZelCachedRecord *entry = newEntry(record, copy, place, packet.RRCreatedLength());
-    m_handles.add(taken, entry);
-    enter(*entry);
+    enter(m_handles.add(taken, newEntry(record, copy, place, packet.RRCreatedLength())));
     *handle = taken;
     return E_RCOk;
 }
@@ -74,9 +72,7 @@ int CZelRecordCache::RRCUpdateRecord(CZelRecord *record, CZelAtom *handle, __boo
     if (!writesThrough() && former->RCRGetStartPos() != CZelPageFile::NO_POSITION)  // reports; pages of a file that
         static_cast<void>(m_file.release(former->RCRGetStartPos()));                // nobody reads back may get lost
     static_cast<void>(owned.release());
-    CZelCachedRecord *entry = newEntry(record, copy, place, packet.RRCreatedLength());
-    m_handles.replace(handle, entry);
-    enter(*entry);
+    enter(m_handles.replace(handle, newEntry(record, copy, place, packet.RRCreatedLength())));
     return E_RCOk;
 }
 
@@ -127,20 +123,17 @@ bool CZelRecordCache::holds(const CZelCachedRecord &entry, const CZelRecord &rec
 }
 
 // Without a record, or where none is kept, the entry says only where the row lies.
-CZelCachedRecord *CZelRecordCache::newEntry(CZelRecord *record, __boolean copy, const Place &place, int size) {
-    CZelCachedRecord *entry;
-    if (record == nullptr || m_type == E_RCTAllOnDisk) {
-        entry = new CZelCachedRecord(place.m_start, m_persistent);
-        if (copy != E_RBTrue)
-            delete record;
-    } else {
-        entry = new CZelCachedRecord(record, copy, m_persistent);
-        if (m_persistent == E_RBTrue)
-            entry->RCRSetPersistant(place.m_start);
-    }
-    entry->RCRSetStamp(place.m_stamp);
-    entry->RCRSetSize(size);
-    entry->RCRSetArrival(++m_arrivals);
+CZelCachedRecord CZelRecordCache::newEntry(CZelRecord *record, __boolean copy, const Place &place, int size) {
+    const bool isKept = record != nullptr && m_type != E_RCTAllOnDisk;
+    CZelCachedRecord entry =
+        isKept ? CZelCachedRecord(record, copy, m_persistent) : CZelCachedRecord(place.m_start, m_persistent);
+    if (!isKept && copy != E_RBTrue)
+        delete record;
+    if (isKept && m_persistent == E_RBTrue)
+        entry.RCRSetPersistant(place.m_start);
+    entry.RCRSetStamp(place.m_stamp);
+    entry.RCRSetSize(size);
+    entry.RCRSetArrival(++m_arrivals);
     return entry;
 }
 
@@ -148,7 +141,7 @@ void CZelRecordCache::enter(CZelCachedRecord &entry) {
     const unsigned long long size = static_cast<unsigned long long>(entry.RCRSize());
     m_totalBytes += size;
     if (entry.RCRIsRecordInCore() != E_RBTrue) {
-        setAtPage(entry.RCRGetStartPos(), entry.RCRNumber());
+        setAtPage(entry.RCRGetStartPos(), numberOf(entry));
         return;
     }
     m_inCoreBytes += size;

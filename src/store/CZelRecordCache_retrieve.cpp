@@ -82,7 +82,7 @@ std::vector<int> CZelRecordCache::RRCInMemory() const {
     std::vector<int> numbers;
     numbers.reserve(m_inCore.length());
     for (std::size_t place = 0; place < m_inCore.length(); ++place)
-        numbers.push_back(m_inCore.at(place).RCRNumber());
+        numbers.push_back(numberOf(m_inCore.at(place)));
     return numbers;
 }
 

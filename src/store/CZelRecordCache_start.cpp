@@ -138,9 +138,7 @@ CZelAtom *CZelRecordCache::FileReader::enterRow(long start, int length, CZelReco
         m_status = E_RCNoHandle;
         return nullptr;
     }
-    CZelCachedRecord *entry = m_cache.newEntry(record, E_RBFalse, {start, 0}, length);
-    m_cache.m_handles.add(handle, entry);
-    m_cache.enter(*entry);
+    m_cache.enter(m_cache.m_handles.add(handle, m_cache.newEntry(record, E_RBFalse, {start, 0}, length)));
     m_cache.m_initialisedFromDisk = E_RBTrue;
     return handle;
 }

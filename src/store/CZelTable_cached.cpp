@@ -34,26 +34,22 @@ int latest(int status, int outcome) {
     return outcome != 1 ? outcome : status;
 }
 
-// A look ahead along handles: while one row is at work, the memory finds the handles, the slots and the entries of some
-// that follow.
+// A look ahead along handles: while one row is at work, the memory finds the handles, with their entries, and the
+// records of some that follow.
 class HandlesAhead {
 public:
     HandlesAhead(const CZelRecordCache &cache, const CZelBag &handles)
-        : m_cache(cache), m_handle(handles.RBFirst()), m_slot(m_handle), m_entry(m_handle) {
+        : m_cache(cache), m_handle(handles.RBFirst()), m_record(m_handle) {
         for (int i = 0; i < APART; ++i)
             askForHandle();
-        for (int i = 0; i < APART; ++i) {
-            askForHandle();
-            askForSlot();
-        }
         for (int i = 0; i < APART; ++i)
             advance();
     }
 
     void advance() {
         askForHandle();
-        askForSlot();
-        askForEntry();
+        if (const CZelAtom *handle = take(m_record))
+            m_cache.RRCAskForRecord(*handle);
     }
 
 private:
@@ -67,19 +63,10 @@ private:
         return handle;
     }
     void askForHandle() { __builtin_prefetch(take(m_handle)); }
-    void askForSlot() {
-        if (const CZelAtom *handle = take(m_slot))
-            m_cache.RRCAskForPlace(*handle);
-    }
-    void askForEntry() {
-        if (const CZelAtom *handle = take(m_entry))
-            m_cache.RRCAskForEntry(*handle);
-    }
 
     const CZelRecordCache &m_cache;
     const CZelPointer *m_handle;
-    const CZelPointer *m_slot;
-    const CZelPointer *m_entry;
+    const CZelPointer *m_record;
 };
 
 int fail(int code, const char *what, const CZelAtom *table) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <thread>
 #include <vector>
 
 #include "foundations/base/CZelAtom.h"
@@ -24,7 +25,7 @@ std::vector<long> inOrder(CZelHandleTable &table) {
 
 CZelAtom *addOne(CZelHandleTable &table) {
     CZelAtom *handle = table.take();
-    table.add(handle, new CZelCachedRecord(handle->RALong(), E_RBTrue));
+    table.add(handle, CZelCachedRecord(handle->RALong(), E_RBTrue));
     return handle;
 }
 
@@ -53,6 +54,38 @@ TEST(HandleTableTest, TheLastBatchIsShortAndThenNoneIsLeft) {
     EXPECT_EQ(E_RCNoHandle, reports.LastCode());
     table.remove(CZelAtom(17L));
     EXPECT_EQ(17, addOne(table)->RALong());
+}
+
+// A second thread enters its piece at the same time.
+TEST(HandleTableTest, ManyAtOnceAreAsManyOneByOne) {
+    constexpr long ROWS = 2 * CZelHandleTable::BLOCK + 70;
+    constexpr long FIRST_PIECE = CZelHandleTable::BLOCK;
+    std::vector<CZelHandleTable::Found> rows;
+    CZelHandleTable oneByOne;
+    for (int i = 0; i < ROWS; ++i) {
+        rows.push_back({512 * i, i});
+        addOne(oneByOne);
+    }
+    CZelHandleTable table;
+    table.beginMany(ROWS);
+    std::thread second(
+        [&] { table.addPiece(FIRST_PIECE, rows.data() + FIRST_PIECE, ROWS - FIRST_PIECE, E_RBTrue, FIRST_PIECE); });
+    table.addPiece(0, rows.data(), FIRST_PIECE, E_RBTrue, 0);
+    second.join();
+    table.endMany();
+    EXPECT_EQ(inOrder(oneByOne), inOrder(table));
+    for (long number = 0; number < ROWS; ++number) {
+        const CZelCachedRecord *entry = table.find(CZelAtom(number));
+        ASSERT_NE(nullptr, entry);
+        EXPECT_EQ(512 * number, entry->RCRGetStartPos());
+        EXPECT_EQ(number, entry->RCRSize());
+        EXPECT_EQ(number, static_cast<long>(entry->RCRArrival()));
+    }
+    table.remove(CZelAtom(300L));
+    oneByOne.remove(CZelAtom(300L));
+    for (int i = 0; i < 60; ++i)
+        EXPECT_EQ(addOne(oneByOne)->RALong(), addOne(table)->RALong());
+    EXPECT_EQ(inOrder(oneByOne), inOrder(table));
 }
 
 // Over several blocks, and so that the table is nearly empty at times.

@@ -8,7 +8,7 @@ class QUINTOR_API CZelPointer : public CZelListable {
 public:
     ZEL_POOLED
 
-    explicit CZelPointer(void *data) : m_data(data) {}
+    explicit CZelPointer(void *data = nullptr) : m_data(data) {}
     CZelListable *RLTargetDeepCopy(const CZelListable *source) const override;
 
     void *RPData() const { return m_data; }
