@@ -75,10 +75,13 @@ public:
     public:
         virtual ~Viewer();
         virtual void beginParts(std::size_t parts) = 0;
-        // From here on by several threads, each for a part of its own.
+        // From here on by several threads, each for a part of its own; the caller's has part 0.
+        virtual void beginPart(std::size_t part);
         virtual bool wants(std::size_t page) const = 0;
-        // The bytes are valid during the call.
+        // Each wanted page is shown or left, to one thread in the order of the file. The bytes are valid during the
+        // call.
         virtual void view(std::size_t part, std::size_t page, const unsigned char *encoding, int length) = 0;
+        virtual void leave(std::size_t part, std::size_t page);
     };
 
     CZelPageFile() = default;
@@ -110,10 +113,13 @@ public:
     // The same as a copy from malloc.
     int read(long start, unsigned char **encoding, int *length);
 
-    // Reads through the file in parts, each from front to back, and shows the records of one page that begin at the
-    // wanted pages. Nothing is reported: what was not shown is longer or can't be read, and is to be looked at by
-    // itself.
+    // Reads through the file in parts, each from front to back, and shows the records that begin at the wanted pages.
+    // Nothing is reported: what is left lies in several places or can't be read, and is to be looked at by itself.
     void lookThrough(Viewer &viewer) const;
+    std::size_t partsToLookThrough() const;
+
+    // How many pages a part has at least; 0 for the usual number. Of the process: for tests of small files.
+    static void setLeastPart(std::size_t pages);
 
     // Empties a chain, first page first, and gives its pages back. 1; E_RCPageRead, E_RCPageWrite: the chain stands;
     // E_RCBadValue (broken chain).

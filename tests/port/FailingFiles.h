@@ -2,6 +2,7 @@
 // Stands in the system's place while it lives.
 #pragma once
 
+#include <atomic>
 #include <cerrno>
 
 #include "foundations/port/ZelFile.h"
@@ -80,5 +81,5 @@ private:
     int m_errno;
     Manner m_manner;
     CZelFileSystem *m_former;
-    int m_calls[KINDS] = {};
+    std::atomic<int> m_calls[KINDS] = {};  // by any thread
 };
