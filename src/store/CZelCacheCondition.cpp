@@ -1,11 +1,13 @@
 #include "store/CZelCacheCondition.h"
 
 #include <algorithm>
+#include <cstdint>
 
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelBag.h"
-#include "store/CZelCacheWalk.h"
+#include "foundations/base/CZelRecord.h"
 #include "store/CZelFilter.h"
+#include "store/CZelRecordCache.h"
 
 namespace {
 
@@ -77,43 +79,49 @@ std::size_t CZelCacheCondition::columnFor(const CZelAtom &name) {
     return number;
 }
 
-void CZelCacheCondition::walk(bool copies) {
+void CZelCacheCondition::scan(bool copies) {
+    m_scan =
+        std::make_unique<CZelCacheScan>(m_cache, &m_columns, copies ? CZelCacheScan::COPIES : CZelCacheScan::COUNT);
+    for (Leaf &leaf : m_leaves) {
+        leaf.m_rows.resize(m_scan->parts());
+        for (CZelNumberSet &rows : leaf.m_rows)
+            rows.reset(m_cache.RRCNumbers());
+    }
+    m_scan->run([this](const SZelScannedRow &row) { return matches(row); });
     for (Leaf &leaf : m_leaves)
-        leaf.m_rows.reset(m_cache.RRCNumbers());
-    if (copies)
-        m_copies.resize(m_cache.RRCNumbers());
-    for (CZelCacheWalk walk(m_cache, nullptr, &m_columns, CZelCacheWalk::BY_PLACE); walk.hasRow(); walk.advance()) {
-        const std::size_t number = walk.number();
-        if (matches(walk, number) && copies)
-            m_copies[number].reset(walk.copy());
-    }
+        for (std::size_t part = 1; part < leaf.m_rows.size(); ++part)
+            leaf.m_rows[0].add(leaf.m_rows[part]);
 }
 
-// Every comparison is made, as the set algebra may ask for each.
-bool CZelCacheCondition::matches(const CZelCacheWalk &walk, std::size_t number) {
-    m_stack.clear();
+int CZelCacheCondition::count() {
+    CZelCacheScan scan(m_cache, &m_columns, CZelCacheScan::COUNT);
+    scan.run([this](const SZelScannedRow &row) { return matches(row); });
+    const bool isWhole = scan.seen() == static_cast<std::size_t>(m_cache.RRCLength());
+    return isWhole ? static_cast<int>(scan.passed()) : -1;
+}
+
+// Every comparison is made, as the set algebra may ask for each. No more than all of them wait to be joined.
+bool CZelCacheCondition::matches(const SZelScannedRow &row) {
+    std::uint64_t stack = 0;  // the last one is the lowest bit
+    static_assert(MOST_LEAVES <= 64);
     for (const Step &step : m_steps) {
-        if (step.m_leaf != NO_LEAF) {
-            m_stack.push_back(passes(m_leaves[step.m_leaf], walk, number));
-            continue;
-        }
-        const bool last = m_stack.back();
-        m_stack.pop_back();
-        const EZelAlgebraic op = step.m_node->RFOperator();
-        if (op == E_RANot)
-            m_stack.push_back(!last);
+        const std::uint64_t rest = stack >> 1;
+        if (step.m_leaf != NO_LEAF)
+            stack = stack << 1 | static_cast<std::uint64_t>(passes(m_leaves[step.m_leaf], row));
+        else if (step.m_node->RFOperator() == E_RANot)
+            stack ^= 1;
         else
-            m_stack.back() = op == E_RAAnd ? m_stack.back() && last : m_stack.back() || last;
+            stack = step.m_node->RFOperator() == E_RAAnd ? rest & (stack | ~std::uint64_t{1}) : rest | (stack & 1);
     }
-    return m_stack.back();
+    return (stack & 1) != 0;
 }
 
-bool CZelCacheCondition::passes(Leaf &leaf, const CZelCacheWalk &walk, std::size_t number) {
+bool CZelCacheCondition::passes(Leaf &leaf, const SZelScannedRow &row) {
     const CZelAtom *value =
-        walk.isPicked() ? m_columns.value(leaf.m_column) : leaf.m_test->column().value(walk.record());
+        row.m_columns != nullptr ? row.m_columns->value(leaf.m_column) : leaf.m_test->column().value(*row.m_record);
     const bool isPassed = leaf.m_test->acceptsValue(value);
-    if (isPassed)
-        leaf.m_rows.add(number);
+    if (isPassed && !leaf.m_rows.empty())
+        leaf.m_rows[row.m_part].add(row.m_number);
     return isPassed;
 }
 
@@ -123,7 +131,7 @@ CZelBag *CZelCacheCondition::rowsOf(const CZelFilter *leaf, const CZelBag *input
         std::find_if(m_leaves.begin(), m_leaves.end(), [leaf](const Leaf &other) { return other.m_node == leaf; });
     if (place == m_leaves.end())
         return rows;
-    const CZelNumberSet &passed = place->m_rows;
+    const CZelNumberSet &passed = place->m_rows[0];
     if (input == nullptr)
         passed.visit(
             [&](std::size_t number) { rows->RBAdd(static_cast<void *>(m_cache.RRCHandle(static_cast<int>(number)))); });
@@ -135,5 +143,5 @@ CZelBag *CZelCacheCondition::rowsOf(const CZelFilter *leaf, const CZelBag *input
 }
 
 CZelRecord *CZelCacheCondition::takeCopy(const CZelAtom &handle) {
-    return m_copies[numberOf(handle)].release();
+    return m_scan->takeCopy(numberOf(handle));
 }

@@ -1,8 +1,8 @@
 // A condition over a cached table that joins comparisons of a column with a value, none of them answered by a tree. One
-// walk tests all of them on each row and copies the rows that match; what each comparison found is then there for the
+// scan tests all of them on each row and copies the rows that match; what each comparison found is then there for the
 // set algebra, which decides the order of the rows.
 //
-// Refers to the condition and the cache, which outlive it. Requires: the table lock is held as writer from the walk on.
+// Refers to the condition and the cache, which outlive it. Requires: the table lock is held as writer from the scan on.
 #pragma once
 
 #include <cstddef>
@@ -10,16 +10,16 @@
 #include <vector>
 
 #include "foundations/base/CZelROMPColumns.h"
-#include "foundations/base/CZelRecord.h"
+#include "store/CZelCacheScan.h"
 #include "store/CZelNumberSet.h"
 #include "store/CZelRowTest.h"
 
 class CZelAtom;
 class CZelBag;
 class CZelBoolean;
-class CZelCacheWalk;
 class CZelDbEntity;
 class CZelFilter;
+class CZelRecord;
 class CZelRecordCache;
 
 // row op value; swapped: value op row.
@@ -45,13 +45,15 @@ public:
         return layOut(filter) && takeLeaves(comparisonOf);
     }
 
-    void walk(bool copies);
+    void scan(bool copies);
+    // How many rows match, without finding which; -1 when some can't be read, of which the set algebra decides.
+    int count();
 
     // The handles of the rows that pass the comparison: of `input` in its order, of all rows in that of the handles.
     // The caller's.
     CZelBag *rowsOf(const CZelFilter *leaf, const CZelBag *input) const;
 
-    // Of a row that matches the whole condition; the caller's. Null for one that the walk could not read.
+    // Of a row that matches the whole condition; the caller's. Null for one that the scan could not read.
     CZelRecord *takeCopy(const CZelAtom &handle);
 
 private:
@@ -64,15 +66,15 @@ private:
         const CZelFilter *m_node;
         std::unique_ptr<CZelRowTest> m_test;
         std::size_t m_column;
-        CZelNumberSet m_rows;
+        std::vector<CZelNumberSet> m_rows;  // found in each part of the scan, and then in the first what all found
     };
     static constexpr std::size_t NO_LEAF = MOST_LEAVES;
 
     bool layOut(const CZelFilter &filter);
     bool addLeaf(const SZelCachedComparison &comparison, const CZelFilter *node);
     std::size_t columnFor(const CZelAtom &name);
-    bool matches(const CZelCacheWalk &walk, std::size_t number);
-    bool passes(Leaf &leaf, const CZelCacheWalk &walk, std::size_t number);
+    bool matches(const SZelScannedRow &row);
+    static bool passes(Leaf &leaf, const SZelScannedRow &row);
 
     template <class ComparisonOf>
     bool takeLeaves(ComparisonOf comparisonOf) {
@@ -87,6 +89,5 @@ private:
     std::vector<Leaf> m_leaves;
     std::vector<const CZelAtom *> m_names;  // of the columns
     CZelROMPColumns m_columns;
-    std::vector<bool> m_stack;
-    std::vector<std::unique_ptr<CZelRecord>> m_copies;  // by the numbers of the handles
+    std::unique_ptr<CZelCacheScan> m_scan;  // with the copies
 };

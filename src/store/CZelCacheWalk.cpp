@@ -12,21 +12,29 @@ const CZelPointer *firstOf(const CZelDoubleList *handles) {
 
 }  // namespace
 
-CZelCacheWalk::CZelCacheWalk(CZelRecordCache &cache, const CZelBag *handles, CZelROMPColumns *columns, Order order)
-    : m_cache(cache), m_columns(columns), m_isByPlace(order == BY_PLACE && handles == nullptr && cache.RRCHasPlaces()) {
-    if (m_isByPlace)
+CZelCacheWalk::CZelCacheWalk(CZelRecordCache &cache, const CZelBag *handles, CZelROMPColumns *columns)
+    : m_cache(cache), m_columns(columns), m_isByPlace(false) {
+    m_next = handles != nullptr ? handles->RBFirst() : firstOf(cache.RRCHandleIterator());
+    advance();
+}
+
+CZelCacheWalk::CZelCacheWalk(CZelRecordCache &cache, CZelROMPColumns *columns, Where where,
+                             const std::vector<int> *pages)
+    : m_cache(cache), m_columns(columns), m_isByPlace(cache.RRCHasPlaces()), m_where(where), m_pages(pages) {
+    if (!m_isByPlace)
+        m_next = firstOf(cache.RRCHandleIterator());
+    else if (where != IN_FILE)
         m_inMemory = cache.RRCInMemory();
-    else
-        m_next = handles != nullptr ? handles->RBFirst() : firstOf(cache.RRCHandleIterator());
     advance();
 }
 
 void CZelCacheWalk::advance() {
     m_hasRow = false;
-    if (m_isByPlace)
-        findPlaced();
-    else
-        find(m_next);
+    if (!m_isByPlace)
+        return find(m_next);
+    findInMemory();
+    if (!m_hasRow && m_where != IN_MEMORY)
+        findInFile();
 }
 
 // Goes to the first row from `node` on that can be read.
@@ -38,15 +46,37 @@ void CZelCacheWalk::find(const CZelPointer *node) {
     }
 }
 
-void CZelCacheWalk::findPlaced() {
+void CZelCacheWalk::findInMemory() {
     while (!m_hasRow && m_nextInMemory < m_inMemory.size()) {
+        lookAhead();
         m_number = m_inMemory[m_nextInMemory++];
         m_hasRow = take(m_cache.RRCLookAt(handle(), m_row));
     }
+}
+
+// Rows in memory lie far apart: the memory finds the entry, the record and its values while others are at work.
+void CZelCacheWalk::lookAhead() const {
+    constexpr std::size_t APART = 4;
+    __builtin_prefetch(handleAhead(3 * APART));
+    if (const CZelAtom *handle = handleAhead(2 * APART))
+        m_cache.RRCAskForRecord(*handle);
+    if (const CZelAtom *handle = handleAhead(APART))
+        m_cache.RRCAskForValues(*handle);
+}
+
+const CZelAtom *CZelCacheWalk::handleAhead(std::size_t rows) const {
+    const std::size_t place = m_nextInMemory + rows;
+    return place < m_inMemory.size() ? m_cache.RRCHandle(m_inMemory[place]) : nullptr;
+}
+
+void CZelCacheWalk::findInFile() {
     const std::vector<int> &atPages = m_cache.RRCAtPages();
-    while (!m_hasRow && m_nextPage < atPages.size()) {
-        m_number = atPages[m_nextPage++];
-        m_hasRow = m_number != CZelRecordCache::NO_ROW && take(m_cache.RRCLookAtPage(m_nextPage - 1, m_row));
+    const std::size_t end = m_pages != nullptr ? m_pages->size() : atPages.size();
+    while (!m_hasRow && m_nextPage < end) {
+        const std::size_t page = m_pages != nullptr ? static_cast<std::size_t>((*m_pages)[m_nextPage]) : m_nextPage;
+        ++m_nextPage;
+        m_number = atPages[page];
+        m_hasRow = m_number != CZelRecordCache::NO_ROW && take(m_cache.RRCLookAtPage(page, m_row));
     }
 }
 
@@ -65,33 +95,4 @@ bool CZelCacheWalk::take(bool isFound) {
 
 std::size_t CZelCacheWalk::number() const {
     return static_cast<std::size_t>(m_isByPlace ? m_number : m_handle->RALong());
-}
-
-void CZelCacheWalk::keepHandle() {
-    if (!m_isByPlace) {
-        m_kept.push_back(m_handle);
-        return;
-    }
-    if (!m_keepsHandles)
-        m_keptHandles.reset(m_cache.RRCNumbers());
-    m_keepsHandles = true;
-    m_keptHandles.add(number());
-}
-
-void CZelCacheWalk::keepCopy() {
-    if (!m_isByPlace) {
-        m_kept.push_back(copy());
-        return;
-    }
-    if (m_kept.empty())
-        m_kept.resize(m_cache.RRCNumbers());
-    m_kept[number()] = copy();
-}
-
-void CZelCacheWalk::appendKept(CZelBag &rows) const {
-    for (void *row : m_kept)
-        if (row != nullptr)
-            rows.RBAdd(row);
-    m_keptHandles.visit(
-        [&](std::size_t number) { rows.RBAdd(static_cast<void *>(m_cache.RRCHandle(static_cast<int>(number)))); });
 }

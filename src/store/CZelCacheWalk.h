@@ -6,7 +6,7 @@
 //
 // By handle, the present row may be deleted from the cache, and the walk goes on behind it. By place, the cache stays
 // as it is; the rows in memory come first, then the others from the front of the file to its end. That reads each part
-// of the file once, wherever updates have moved the rows. What such a walk keeps is given in the order of the handles.
+// of the file once, wherever updates have moved the rows.
 //
 // Requires: the table lock is held as writer for as long as the walk lives.
 #pragma once
@@ -17,8 +17,6 @@
 
 #include "foundations/base/CZelBag.h"
 #include "foundations/base/CZelRecord.h"
-#include "store/CZelColumnReader.h"
-#include "store/CZelNumberSet.h"
 #include "store/CZelRecordCache.h"
 
 class CZelAtom;
@@ -26,11 +24,13 @@ class CZelROMPColumns;
 
 class CZelCacheWalk {
 public:
-    enum Order { BY_HANDLE, BY_PLACE };
-
-    // No columns: all of them. No handles: all rows, in the order of their handles unless another is asked for.
-    CZelCacheWalk(CZelRecordCache &cache, const CZelBag *handles, CZelROMPColumns *columns = nullptr,
-                  Order order = BY_HANDLE);
+    // By handle. No columns: all of them. No handles: all rows, in the order of their handles.
+    CZelCacheWalk(CZelRecordCache &cache, const CZelBag *handles, CZelROMPColumns *columns = nullptr);
+    // By place, or all rows by handle in a cache that has no places. Pages: of the rows in the file only those that
+    // begin there.
+    enum Where { ANYWHERE, IN_MEMORY, IN_FILE };
+    CZelCacheWalk(CZelRecordCache &cache, CZelROMPColumns *columns, Where where,
+                  const std::vector<int> *pages = nullptr);
     CZelCacheWalk(const CZelCacheWalk &) = delete;
     CZelCacheWalk &operator=(const CZelCacheWalk &) = delete;
 
@@ -46,24 +46,21 @@ public:
 
     CZelRecord *copy() const { return CZelRecordCache::RRCCopyOf(m_row); }  // the caller's; null is reported
 
-    // Of the present row, the handle or a copy, which becomes whose the bag is. A copy that can't be made is reported
-    // and left out. A walk keeps either handles or copies.
-    void keepHandle();
-    void keepCopy();
-    void appendKept(CZelBag &rows) const;
-
 private:
     void find(const CZelPointer *node);
-    void findPlaced();
+    void findInMemory();
+    void findInFile();
+    void lookAhead() const;
+    const CZelAtom *handleAhead(std::size_t rows) const;
     bool take(bool isFound);
 
     CZelRecordCache &m_cache;
     CZelROMPColumns *m_columns;
     bool m_isByPlace;
+    Where m_where = ANYWHERE;
     bool m_hasRow = false;
     SZelCachedRow m_row;
     std::unique_ptr<CZelRecord> m_decoded;  // the record, if it is not the cache's
-    std::vector<void *> m_kept;             // by place only copies, under the numbers of their handles
 
     // By handle.
     const CZelPointer *m_next = nullptr;
@@ -72,8 +69,7 @@ private:
     // By place.
     std::vector<int> m_inMemory;  // numbers of handles
     std::size_t m_nextInMemory = 0;
-    std::size_t m_nextPage = 0;
-    int m_number = 0;             // of the present row's handle
-    CZelNumberSet m_keptHandles;  // by their numbers
-    bool m_keepsHandles = false;
+    const std::vector<int> *m_pages = nullptr;  // null: all
+    std::size_t m_nextPage = 0;                 // of these
+    int m_number = 0;                           // of the present row's handle
 };

@@ -89,6 +89,7 @@ public:
     // For who goes through many rows that lie far apart in memory: asks for the record of one some rows before it is
     // worked on, when its handle has had time to come. Requires: a row has, or had, the handle.
     void RRCAskForRecord(const CZelAtom &handle) const { m_handles.askForRecord(handle.RALong()); }
+    void RRCAskForValues(const CZelAtom &handle) const;  // when the record has had time too
 
     // Brings in what a walk that retrieves every row would leave in memory; nothing when a row is in memory already.
     void RRCFillMemory();
@@ -101,6 +102,7 @@ public:
     const std::vector<int> &RRCAtPages() const { return m_atPage; }  // by page; NO_ROW: none begins here
     bool RRCLookAtPage(std::size_t page, SZelCachedRow &row);        // as RRCLookAt. Requires: a row begins here
     void RRCLookThrough(CZelPageFile::Viewer &viewer) const { m_file.lookThrough(viewer); }
+    std::size_t RRCParts() const { return m_file.partsToLookThrough(); }                  // of such a look
     CZelAtom *RRCHandle(int number) const { return m_handles.handleAt(number); }          // Requires: a row has it
     std::size_t RRCNumbers() const { return static_cast<std::size_t>(m_handles.end()); }  // all numbers are below it
 

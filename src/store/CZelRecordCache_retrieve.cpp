@@ -78,6 +78,13 @@ bool CZelRecordCache::RRCLookAt(CZelAtom *handle, SZelCachedRow &row) {
     return lookAtFile(entry->RCRGetStartPos(), row);
 }
 
+void CZelRecordCache::RRCAskForValues(const CZelAtom &handle) const {
+    const CZelCachedRecord *entry = m_handles.find(handle);
+    const CZelRecord *record = entry != nullptr ? entry->RCRGetRecord() : nullptr;
+    if (record != nullptr)
+        record->RRVbIterator()->RVBLPrefetch();
+}
+
 std::vector<int> CZelRecordCache::RRCInMemory() const {
     std::vector<int> numbers;
     numbers.reserve(m_inCore.length());

@@ -4,10 +4,8 @@
 #include <cstring>
 
 #include "foundations/base/CZelBag.h"
-#include "foundations/base/CZelROMPColumns.h"
 #include "foundations/base/CZelRecord.h"
 #include "store/CZelBoolean.h"
-#include "store/CZelCacheWalk.h"
 
 namespace {
 
@@ -31,25 +29,6 @@ struct BagRows {
     const CZelAtom *value(const CZelColumnReader &column) const { return column.value(*row()); }
     void addTo(CZelBag &passed) const { passed.RBAdd(node->RPData()); }
     void advance() { node = CZelBag::RBNext(node); }
-};
-
-// Columns that are picked are the one of the test.
-struct CachedRows {
-    CZelCacheWalk &walk;
-    const CZelROMPColumns &columns;
-    CZelRowTest::Form form;
-    bool hasRow() const { return walk.hasRow(); }
-    CZelRecord *row() const { return &walk.record(); }
-    const CZelAtom *value(const CZelColumnReader &column) const {
-        return walk.isPicked() ? columns.value(0) : column.value(walk.record());
-    }
-    void addTo(CZelBag & /*passed*/) const {
-        if (form == CZelRowTest::HANDLES)
-            walk.keepHandle();
-        else
-            walk.keepCopy();
-    }
-    void advance() { walk.advance(); }
 };
 
 // Where a row's column lies is where it lay in the row before, so the memory can be asked for it some rows ahead.
@@ -78,15 +57,6 @@ private:
     }
     Rows m_rows;
     std::uintptr_t m_place = 0;
-};
-
-// A look ahead would change the cache.
-template <>
-class Ahead<CachedRows> {
-public:
-    explicit Ahead(const CachedRows & /*rows*/) {}
-    void advance() {}
-    void learn(const CachedRows & /*rows*/, const CZelAtom * /*value*/) {}
 };
 
 constexpr unsigned int LESS = 1, EQUAL = 2, GREATER = 4;
@@ -169,16 +139,6 @@ void CZelRowTest::select(const CZelDoubleList &rows, CZelBag &passed) const {
 
 void CZelRowTest::select(const CZelBag &rows, CZelBag &passed) const {
     dispatch(BagRows(rows), passed);
-}
-
-void CZelRowTest::select(CZelRecordCache &cache, const CZelBag *handles, Form form, CZelBag &passed) const {
-    CZelROMPColumns columns;
-    const bool isPicked = m_column.isPlain() && m_column.hasName();
-    if (isPicked)
-        columns.add(*m_column.name());
-    CZelCacheWalk walk(cache, handles, isPicked ? &columns : nullptr, CZelCacheWalk::BY_PLACE);
-    dispatch(CachedRows{walk, columns, form}, passed);
-    walk.appendKept(passed);
 }
 
 // The test gets present values only.

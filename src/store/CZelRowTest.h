@@ -13,7 +13,6 @@ class CZelBag;
 class CZelBoolean;
 class CZelDoubleList;
 class CZelRecord;
-class CZelRecordCache;
 
 class CZelRowTest {
 public:
@@ -26,12 +25,9 @@ public:
     bool acceptsValue(const CZelAtom *value) const;
     const CZelColumnReader &column() const { return m_column; }
 
-    // Append the rows that pass, in order: from a list of records, or from a bag of them; or of all rows of a cached
-    // table, or those that the bag has the handles of, the handles or copies.
-    enum Form { HANDLES, COPIES };
+    // Append the rows that pass, in order: from a list of records, or from a bag of them.
     void select(const CZelDoubleList &rows, CZelBag &passed) const;
     void select(const CZelBag &rows, CZelBag &passed) const;
-    void select(CZelRecordCache &cache, const CZelBag *handles, Form form, CZelBag &passed) const;
 
 private:
     enum Kind {

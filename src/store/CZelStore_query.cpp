@@ -166,8 +166,7 @@ int CZelStore::countRows(CZelQuery *query, EZelStoreErrorStatus *status) {
         return 0;
     if (query->RQFilter() == nullptr)
         return table->RTTotalRecordCount();
-    const std::unique_ptr<CZelBag> rows(table->RTEvalFilter(query->RQFilter()));
-    return rows != nullptr ? rows->RBLength() : 0;
+    return table->RTCountRows(query->RQFilter());
 }
 
 // Whether the rows are copies of a cached table is the table's to tell, whatever the caller takes the store for.

@@ -146,6 +146,7 @@ public:
     CZelBag *RTReturnRows(CZelFilter *filter);
     CZelBag *RTReturnROMPRows(CZelFilter *filter, __boolean partial);  // new data atoms, the caller's
     CZelBag *RTEvalFilter(CZelFilter *filter);                         // row identities
+    int RTCountRows(CZelFilter *filter);                               // how many these are
     CZelBag *RTEvalBoolean(CZelBoolean *boolean);
     // `input`, if given, is the set of rows of interest; it is not changed. *evaluated: could it be answered?
     CZelBag *RTEvalBoolean(CZelBoolean *boolean, __boolean *evaluated, CZelBag *input);
@@ -246,8 +247,8 @@ private:
     bool isScanned(const CZelFilter &filter, CZelCacheCondition &condition);  // does it answer the filter?
     CZelBag *copiesByScan(CZelFilter &filter);
     CZelBag *copiesOfAll() const;
-    CZelBag *scanCache(CZelBoolean &boolean, CZelDbEntity &column, const CZelAtom *value, bool swapped,
-                       const CZelBag *input, bool asCopies);
+    int countByScan(CZelFilter &filter);
+    CZelBag *scanCache(const SZelCachedComparison &comparison, const CZelBag *input, bool asCopies);
     void selectCachedMembers(const CZelColumnReader &column, const CZelAtom &list, bool negated, const CZelBag *input,
                              CZelBag &result) const;
     const CZelBPlusTree *uniqueTreeOf(const CZelColumnReader &column) const;

@@ -137,22 +137,22 @@ CZelBag *CZelTable::RTReturnRows(CZelFilter *filter, __boolean partial) {
     return rows;
 }
 
-// The rows of a condition of comparisons that no tree answers, copied where one walk finds them; null for any other.
+// The rows of a condition of comparisons that no tree answers, copied where one scan finds them; null for any other.
 CZelBag *CZelTable::copiesByScan(CZelFilter &filter) {
     const SZelCachedComparison only = scannedComparison(filter);
     if (only.m_boolean != nullptr)
-        return scanCache(*only.m_boolean, *only.m_column, only.m_value, only.m_isSwapped, nullptr, true);
+        return scanCache(only, nullptr, true);
     if (filter.RFKernel() != nullptr)
         return nullptr;
     CZelCacheCondition condition(*m_cache);
     if (!isScanned(filter, condition))
         return nullptr;
     const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
-    condition.walk(true);
+    condition.scan(true);
     CZelBag *rows = CZelFilterWalk(*this, false, &condition).run(&filter, nullptr, nullptr);
     replaceHandles(*rows, [&](CZelAtom *handle) {
         CZelRecord *copy = condition.takeCopy(*handle);
-        return copy != nullptr ? copy : m_cache->RRCCopyRecord(handle);  // one that the walk could not read
+        return copy != nullptr ? copy : m_cache->RRCCopyRecord(handle);  // one that the scan could not read
     });
     return rows;
 }
@@ -217,6 +217,14 @@ CZelBag *CZelTable::RTEvalPartialFilter(CZelFilter *filter) {
     return RTEvalFilter(filter, E_RBTrue, nullptr, nullptr);
 }
 
+int CZelTable::RTCountRows(CZelFilter *filter) {
+    const int count = m_cache != nullptr && filter != nullptr ? countByScan(*filter) : -1;
+    if (count >= 0)
+        return count;
+    const std::unique_ptr<CZelBag> rows(RTEvalFilter(filter));
+    return rows != nullptr ? rows->RBLength() : 0;
+}
+
 CZelBag *CZelTable::RTEvalFilter(CZelFilter *filter, __boolean partial, __boolean *all, CZelBag *input) {
     if (m_cache == nullptr || filter == nullptr || filter->RFKernel() != nullptr || input != nullptr)
         return CZelFilterWalk(*this, partial == E_RBTrue).run(filter, input, all);
@@ -224,7 +232,7 @@ CZelBag *CZelTable::RTEvalFilter(CZelFilter *filter, __boolean partial, __boolea
     if (!isScanned(*filter, condition))
         return CZelFilterWalk(*this, partial == E_RBTrue).run(filter, input, all);
     const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
-    condition.walk(false);
+    condition.scan(false);
     return CZelFilterWalk(*this, false, &condition).run(filter, nullptr, all);
 }
 

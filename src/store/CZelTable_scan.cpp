@@ -16,6 +16,7 @@
 #include "oql/CZelExpr.h"
 #include "store/CZelBoolean.h"
 #include "store/CZelCacheCondition.h"
+#include "store/CZelCacheScan.h"
 #include "store/CZelCacheWalk.h"
 #include "store/CZelColDef.h"
 #include "store/CZelColumnReader.h"
@@ -70,6 +71,44 @@ void addRow(CZelBag &bag, CZelRecord *row) {
     bag.RBAdd(static_cast<void *>(row));
 }
 
+// A comparison of one column of a cached table, over all rows or given ones.
+class ComparisonScan {
+public:
+    ComparisonScan(CZelRecordCache &cache, const SZelCachedComparison &comparison)
+        : m_cache(cache),
+          m_test(*comparison.m_boolean, *comparison.m_column, comparison.m_isSwapped, comparison.m_value) {
+        if (m_test.column().isPlain() && m_test.column().hasName())
+            m_columns.add(*m_test.column().name());
+    }
+
+    std::size_t count() { return run(CZelCacheScan::COUNT, nullptr); }
+    void append(CZelCacheScan::Form form, CZelBag &rows) { run(form, &rows); }
+    void select(const CZelBag &handles, CZelBag &passed) {
+        CZelCacheScan::select(
+            m_cache, handles, columns(), [this](const SZelScannedRow &row) { return passes(row); }, passed);
+    }
+
+private:
+    CZelROMPColumns *columns() { return m_columns.isEmpty() ? nullptr : &m_columns; }
+    std::size_t run(CZelCacheScan::Form form, CZelBag *rows) {
+        CZelCacheScan scan(m_cache, columns(), form);
+        scan.run([this](const SZelScannedRow &row) { return passes(row); });
+        if (rows != nullptr)
+            scan.appendTo(*rows);
+        return scan.passed();
+    }
+    bool passes(const SZelScannedRow &row) const {
+        if (row.m_columns != nullptr)
+            return m_test.acceptsValue(row.m_columns->value(0));
+        return m_test.column().isWild() ? m_test.accepts(*row.m_record)
+                                        : m_test.acceptsValue(m_test.column().value(*row.m_record));
+    }
+
+    CZelRecordCache &m_cache;
+    CZelRowTest m_test;
+    CZelROMPColumns m_columns;
+};
+
 using PlacedRow = std::pair<int, CZelRecord *>;
 using KeyedRow = std::pair<const CZelAtom *, CZelRecord *>;
 
@@ -107,7 +146,7 @@ CZelBag *CZelTable::RTEvalUnIndexed(CZelBoolean *boolean, CZelExpr *column, cons
                                     : evalConstant(boolean, other, value, input);
     }
     if (m_cache != nullptr)
-        return scanCache(*boolean, *entity, value, reversed == E_RBTrue && swapsOperands(op), input, false);
+        return scanCache({boolean, entity, value, reversed == E_RBTrue && swapsOperands(op)}, input, false);
     auto *result = new CZelBag;
     if (m_rows == nullptr)
         return result;
@@ -154,21 +193,35 @@ void CZelTable::selectMembers(const CZelColumnReader &column, const CZelAtom &li
     }
 }
 
-CZelBag *CZelTable::scanCache(CZelBoolean &boolean, CZelDbEntity &column, const CZelAtom *value, bool swapped,
-                              const CZelBag *input, bool asCopies) {
+CZelBag *CZelTable::scanCache(const SZelCachedComparison &comparison, const CZelBag *input, bool asCopies) {
     auto *result = new CZelBag;
     if (!isLive())
         return result;
     const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
-    const CZelColumnReader reader(column);
-    const bool isInList = isMembership(boolean.RBOperand()) && value != nullptr && value->RAType() == E_RDTList;
-    if (isInList && !swapped && !reader.isWild()) {
-        selectCachedMembers(reader, *value, boolean.RBOperand() == E_RONotIn, input, *result);
+    const EZelOper op = comparison.m_boolean->RBOperand();
+    const CZelAtom *value = comparison.m_value;
+    const CZelColumnReader reader(*comparison.m_column);
+    const bool isInList = isMembership(op) && value != nullptr && value->RAType() == E_RDTList;
+    if (isInList && !comparison.m_isSwapped && !reader.isWild()) {
+        selectCachedMembers(reader, *value, op == E_RONotIn, input, *result);
         return result;
     }
-    const CZelRowTest test(boolean, column, swapped, value);
-    test.select(*m_cache, input, asCopies ? CZelRowTest::COPIES : CZelRowTest::HANDLES, *result);
+    ComparisonScan scan(*m_cache, comparison);
+    if (input != nullptr)
+        scan.select(*input, *result);
+    else
+        scan.append(asCopies ? CZelCacheScan::COPIES : CZelCacheScan::HANDLES, *result);
     return result;
+}
+
+// How many rows match, where one scan tells; otherwise -1.
+int CZelTable::countByScan(CZelFilter &filter) {
+    const SZelCachedComparison only = scannedComparison(filter);
+    CZelCacheCondition condition(*m_cache);
+    if (!isLive() || (only.m_boolean == nullptr && !isScanned(filter, condition)))
+        return -1;
+    const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
+    return only.m_boolean == nullptr ? condition.count() : static_cast<int>(ComparisonScan(*m_cache, only).count());
 }
 
 // A leaf that is one comparison of a column of this table with a value, which no tree answers.
@@ -193,11 +246,10 @@ CZelBag *CZelTable::copiesOfAll() const {
     if (m_rows == nullptr)
         return copies;
     const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
-    CZelROMPColumns none;
-    CZelCacheWalk walk(*m_cache, nullptr, &none, CZelCacheWalk::BY_PLACE);
-    for (; walk.hasRow(); walk.advance())
-        walk.keepCopy();
-    walk.appendKept(*copies);
+    const CZelROMPColumns none;
+    CZelCacheScan scan(*m_cache, &none, CZelCacheScan::COPIES);
+    scan.run([](const SZelScannedRow & /*row*/) { return true; });
+    scan.appendTo(*copies);
     return copies;
 }
 
@@ -216,13 +268,16 @@ void CZelTable::selectCachedMembers(const CZelColumnReader &column, const CZelAt
     CZelROMPColumns columns;
     if (column.isPlain() && column.hasName())
         columns.add(*column.name());
-    CZelCacheWalk walk(*m_cache, input, columns.isEmpty() ? nullptr : &columns, CZelCacheWalk::BY_PLACE);
-    for (; walk.hasRow(); walk.advance()) {
-        const CZelAtom *value = walk.isPicked() ? columns.value(0) : column.value(walk.record());
-        if (!CZelAtom::RAIsNull(value) && (set.placeOf(*value) >= 0) != negated)
-            walk.keepHandle();
-    }
-    walk.appendKept(result);
+    const auto isMember = [&](const SZelScannedRow &row) {
+        const CZelAtom *value = row.m_columns != nullptr ? row.m_columns->value(0) : column.value(*row.m_record);
+        return !CZelAtom::RAIsNull(value) && (set.placeOf(*value) >= 0) != negated;
+    };
+    CZelROMPColumns *picked = columns.isEmpty() ? nullptr : &columns;
+    if (input != nullptr)
+        return CZelCacheScan::select(*m_cache, *input, picked, isMember, result);
+    CZelCacheScan scan(*m_cache, picked, CZelCacheScan::HANDLES);
+    scan.run(isMember);
+    scan.appendTo(result);
 }
 
 // A tree with one row per value holds the rows of each value in the order in which a walk finds them.

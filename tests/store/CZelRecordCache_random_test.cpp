@@ -7,9 +7,10 @@
 
 #include "foundations/base/CZelBag.h"
 #include "port/FailingFiles.h"
-#include "store/CZelCacheWalk.h"
+#include "store/CZelCacheScan.h"
 #include "store/CZelCachedRecord.h"
 #include "store/CacheTest.h"
+#include "support/SmallParts.h"
 #include "support/TestRandom.h"
 
 namespace {
@@ -171,18 +172,20 @@ protected:
             delete row;
         model.read(handle);
     }
-    // A walk as the rows lie in the file, which gives what it keeps in the order of the handles.
+    // A scan as the rows lie in the file, which gives what it keeps in the order of the handles.
     void walk(CZelRecordCache &cache, Model &model) {
         const bool asHandles = random.oneIn(2);
         std::vector<std::string> expected, found;
         forEachHandle(cache, [&](CZelAtom *handle) { expected.push_back(model.m_rows[handle].m_text); });
         CZelBag rows;
-        CZelCacheWalk walk(cache, nullptr, nullptr, CZelCacheWalk::BY_PLACE);
-        for (; walk.hasRow(); walk.advance()) {
-            ASSERT_EQ(model.m_rows[walk.handle()].m_text, textOf(&walk.record()));
-            asHandles ? walk.keepHandle() : walk.keepCopy();
-        }
-        walk.appendKept(rows);
+        const SmallParts parts(random.below(20));
+        CZelROMPColumns columns;
+        const CZelAtom name("v");
+        columns.add(name);
+        CZelCacheScan scan(cache, random.oneIn(3) ? nullptr : &columns,
+                           asHandles ? CZelCacheScan::HANDLES : CZelCacheScan::COPIES);
+        scan.run([](const SZelScannedRow &) { return true; });
+        scan.appendTo(rows);
         model.lookAtAll();
         for (const CZelPointer *node = rows.RBFirst(); node != nullptr; node = CZelBag::RBNext(node)) {
             const std::unique_ptr<CZelRecord> copy(asHandles ? nullptr : static_cast<CZelRecord *>(node->RPData()));

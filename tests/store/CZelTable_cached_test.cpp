@@ -4,6 +4,7 @@
 #include "tests/port/FailingFiles.h"
 #include "tests/store/TableTest.h"
 #include "tests/support/CacheHome.h"
+#include "tests/support/SmallParts.h"
 #include "tests/support/TestRandom.h"
 
 namespace {
@@ -154,7 +155,9 @@ TEST_P(CachedTableTest, AConditionFindsInTheFileWhatItFindsInRecords) {
             if (m_table->RTEvalRecTest(boolean.RBLeft()->REEntityVal(), E_RBFalse, boolean.RBRight()->REHeadAtomVal(),
                                        &boolean, row) == E_RBTrue)
                 expected.push_back(text(*row));
+        const SmallParts parts(random.below(10));
         const std::unique_ptr<CZelBag> counted(m_table->RTEvalFilter(filter.get()));
+        ASSERT_EQ(counted->RBLength(), m_table->RTCountRows(filter.get()));
         ASSERT_EQ(expected, select(filter.release())) << "step " << step << ", column " << name << ", operator " << op;
         ASSERT_EQ(static_cast<int>(expected.size()), counted->RBLength());
     }
@@ -198,7 +201,9 @@ TEST_P(CachedTableTest, AConditionOfSeveralComparisonsFindsWhatTheyFindOneByOne)
         for (const void *handle : found)
             expected.push_back(
                 texts[static_cast<std::size_t>(std::find(handles.begin(), handles.end(), handle) - handles.begin())]);
+        const SmallParts parts(random.below(10));
         ASSERT_EQ(found, handlesOf(new CZelFilter(*filter))) << taken(filter->RFPrint());
+        ASSERT_EQ(static_cast<int>(found.size()), m_table->RTCountRows(filter.get()));
         ASSERT_EQ(expected, select(filter.release()));
     }
 }
@@ -323,6 +328,11 @@ TEST_F(CachedTableTest, ARowThatCantBeReadIsPassedOver) {
     {
         const FailingFiles files(FailingFiles::READ, 2);  // what is not found is in the complement, and read again
         EXPECT_EQ((Texts{"k=1 n=1", "k=2 n=2"}), sorted(select(negated(where("n", 0)))));
+    }
+    {
+        const FailingFiles files(FailingFiles::READ, 2);  // and so it counts
+        const std::unique_ptr<CZelFilter> others(negated(where("n", 0)));
+        EXPECT_EQ(2, m_table->RTCountRows(others.get()));
     }
     {
         const FailingFiles files(FailingFiles::READ, 1);

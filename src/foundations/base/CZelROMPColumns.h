@@ -1,6 +1,8 @@
 // Picks the values of some columns out of packed records without decoding the rest.
 //
 // Reads one packet at a time: its values are good until the next one. The names outlive it.
+//
+// Several threads have an object each, so what is written to for each packet lies apart.
 #pragma once
 
 #include <cstddef>
@@ -41,7 +43,9 @@ public:
     CZelAtom take(std::size_t column) { return std::move(m_columns[column].m_value); }  // undefined for null
 
 private:
-    struct Column {
+    static constexpr std::size_t APART = 64;  // bytes of a line of the processor's caches
+
+    struct alignas(APART) Column {
         std::string_view m_name;
         CZelAtom m_value;
         bool m_isFound = false;
@@ -65,7 +69,7 @@ private:
     bool learn(Known &known, std::string_view name) const;
     static bool takeValue(const unsigned char *place, std::size_t length, CZelAtom &value);
 
-    std::vector<Column> m_columns;
+    alignas(APART) std::vector<Column> m_columns;
     std::size_t m_missing = 0;   // not found yet
     std::vector<Known> m_known;  // of entries that were checked
 };

@@ -45,6 +45,15 @@ int CZelRecord::ROMDecode(const unsigned char *data, int length) {
     return status;
 }
 
+bool CZelRecord::ROMTryDecode(const unsigned char *data, int length) {
+    CZelROMPer packet(const_cast<unsigned char *>(data), length, E_RBTrue);
+    m_values.RVBLEmptyList();
+    const bool isWhole = packet.RRGetRest(m_values) == E_RCOk;
+    if (!isWhole)
+        m_values.RVBLEmptyList();
+    return isWhole;
+}
+
 void CZelRecord::discardDamaged(int status) {
     ZEL_REPORT(status, "CZelRecord::ROMDecode found a damaged value; the record is discarded.");
     if (__Zeltronix_Debug_Level >= DEBUG_ALL) {

@@ -33,7 +33,8 @@ public:
     // Fills the record from a packed block, which stays the caller's. Any damage leaves the record empty:
     // the last bad pair's code is reported and returned. Null data: E_RCBadArgument, record untouched.
     int ROMDecode(const unsigned char *data, int length);
-    int RRConsumeAndDecode(unsigned char *data, int length);  // frees the block with free
+    bool ROMTryDecode(const unsigned char *data, int length);  // the same with nothing reported: was it whole?
+    int RRConsumeAndDecode(unsigned char *data, int length);   // frees the block with free
 
     // Takes the data atom from the pointer and decodes it. 1 for an empty pointer or an atom without a block;
     // E_RCBadType, nothing changed, for an atom of another type.
