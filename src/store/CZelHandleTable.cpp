@@ -36,15 +36,20 @@ CZelAtom *CZelHandleTable::take() {
 }
 
 bool CZelHandleTable::issue() {
-    if (m_next >= m_atMost) {
-        ZEL_REPORT(E_RCNoHandle, "CZelHandleTable: no handle is left");
+    if (!hasRoomFor(m_next + 1))
         return false;
-    }
     const long batchEnd = m_next + std::min(AT_ONCE, m_atMost - m_next);
     for (; m_next < batchEnd; ++m_next)
         m_ready.push_back(static_cast<int>(m_next));
     makeBlocks();
     return true;
+}
+
+bool CZelHandleTable::hasRoomFor(long count) const {
+    if (count <= m_atMost)
+        return true;
+    ZEL_REPORT(E_RCNoHandle, "CZelHandleTable: no handle is left");
+    return false;
 }
 
 // For all numbers that are issued.

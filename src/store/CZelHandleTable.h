@@ -54,6 +54,7 @@ public:
     void addPiece(long first, const Found *rows, long count, __boolean persistent, unsigned long long arrival);
     void endMany();
     long atMost() const { return m_atMost; }
+    bool hasRoomFor(long count) const;  // in all; false is reported (E_RCNoHandle)
 
     // Asks the memory for the record of a row. Requires: the number has been in use
     void askForRecord(long number) const { __builtin_prefetch(rowAt(number).RCRGetRecord()); }

@@ -64,10 +64,12 @@ public:
 
         // Most records are of one page and could be read while it is not yet known which chains count. A large file
         // is looked through in several parts at the same time, each by one thread and in the order of the file.
-        // True: the record is known; if it counts, takeSeen is called, in the place of takeChain.
+        // True: the record is known; if it counts, takeSeen is called, in the place of takeChain. Mostly all records
+        // are known and count: then takeAllSeen is called and nothing else; false asks for the calls one by one.
         virtual void beginParts(std::size_t parts, std::size_t recordsAtMost);  // in each
         virtual bool look(std::size_t part, long start, const unsigned char *encoding, int length);
         virtual bool takeSeen(long start, int length);
+        virtual bool takeAllSeen();
     };
 
     // Who is shown many records of an open file.
@@ -160,6 +162,7 @@ private:
     bool takeAgain(const CZelPageMap &map, Window &window, long start, Reader &reader);
     bool takePage(const unsigned char *bytes, int total, long position, Reader &reader);
     bool leaveOut() const;
+    void takeCounts(const CZelPageMap &map);
     void takeFreePages(const CZelPageMap &map);
 
     // Chains.

@@ -37,6 +37,10 @@ bool CZelPageFile::Reader::takeSeen(long, int) {
     return false;
 }
 
+bool CZelPageFile::Reader::takeAllSeen() {
+    return false;
+}
+
 // The first reading of all pages, in parts. Whoever takes the records is shown those of one page on the way.
 struct CZelPageFile::Survey {
     ZelFileHandle file;
@@ -124,10 +128,7 @@ int CZelPageFile::readAll(Reader &reader) {
         return E_RCOpenFailed;
     m_formerMayReturn = m_policy != E_SPOff;  // whoever was stopped before may have emptied a chain and not synced
     takeChains(map, reader);
-    m_counts.m_used =
-        map.count(CZelPageMap::CHAIN_START) + map.count(CZelPageMap::CHAIN_PAGE) + map.count(CZelPageMap::REPLACED);
-    m_counts.m_damaged = map.count(CZelPageMap::DAMAGED);
-    m_counts.m_outOfUse = m_counts.m_damaged + map.count(CZelPageMap::OUT_OF_USE);
+    takeCounts(map);
     takeFreePages(map);
     for (const long start : map.replaced())
         m_pending.push_back(positionsOf(map, start));
@@ -154,6 +155,8 @@ int CZelPageFile::mapPages(CZelPageMap &map, Reader *reader) {
 }
 
 void CZelPageFile::takeChains(CZelPageMap &map, Reader &reader) {
+    if (map.isAllSeen() && reader.takeAllSeen())
+        return;
     Window window{m_file, m_pageCount * PAGE};
     for (const long start : map.starts())
         if (!takeChain(map, window, start, reader))
@@ -196,11 +199,22 @@ bool CZelPageFile::leaveOut() const {
     return false;
 }
 
+void CZelPageFile::takeCounts(const CZelPageMap &map) {
+    const auto counts = map.counts();
+    m_counts.m_used =
+        counts[CZelPageMap::CHAIN_START] + counts[CZelPageMap::CHAIN_PAGE] + counts[CZelPageMap::REPLACED];
+    m_counts.m_free = counts[CZelPageMap::FREE];
+    m_counts.m_damaged = counts[CZelPageMap::DAMAGED];
+    m_counts.m_outOfUse = m_counts.m_damaged + counts[CZelPageMap::OUT_OF_USE];
+}
+
 void CZelPageFile::takeFreePages(const CZelPageMap &map) {
-    for (long page = 0; page < map.length(); ++page)
-        if (map.use(page) == CZelPageMap::FREE)
-            m_free.push_back(page * PAGE);
-    m_counts.m_free = static_cast<long>(m_free.size());
+    for (long page = 0, left = m_counts.m_free; left > 0; ++page) {
+        if (map.use(page) != CZelPageMap::FREE)
+            continue;
+        m_free.push_back(page * PAGE);
+        --left;
+    }
 }
 
 int CZelPageFile::inspect(const char *path, CZelPageMap &map, long *owner) {

@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::uint32_t NO_PAGE = UINT32_MAX;
 
-std::uint32_t pageAt(long position) {
+std::uint32_t numberAt(long position) {
     return position == CZelPageView::LAST_PAGE ? NO_PAGE
                                                : static_cast<std::uint32_t>(position / CZelPageView::PAGE_BYTES);
 }
@@ -17,50 +17,66 @@ std::uint32_t pageAt(long position) {
 
 void CZelPageMap::Part::add(const CZelPageView &view) {
     const CZelPageView::Condition condition = view.condition();
-    if (condition == CZelPageView::EMPTY)
-        m_map.m_pages[static_cast<std::size_t>(m_next)].use = FREE;
-    else if (condition == CZelPageView::SOUND)
-        addSound(view);
+    Page &page = m_map.pageAt(m_next);
+    page = {};
+    page.use = condition == CZelPageView::EMPTY ? FREE : DAMAGED;
+    if (condition == CZelPageView::SOUND)
+        addSound(view, page);
     ++m_next;
 }
 
-void CZelPageMap::Part::addSound(const CZelPageView &view) {
+// A chain of one page needs no walk: nobody else can claim a first page.
+void CZelPageMap::Part::addSound(const CZelPageView &view, Page &page) {
     m_highestStamp = std::max<std::uint64_t>(m_highestStamp, view.stamp());
     if (view.position() != m_next * CZelPageView::PAGE_BYTES)
         return;
-    Page &page = m_map.m_pages[static_cast<std::size_t>(m_next)];
     page.use = OUT_OF_USE;  // until a chain claims it
     page.stamp = view.stamp();
-    page.next = pageAt(view.next());
+    page.next = numberAt(view.next());
     page.total = static_cast<std::uint32_t>(view.totalLength());
     page.length = static_cast<std::uint16_t>(view.dataLength());
     page.isFirst = view.isFirst();
     if (!page.isFirst)
         return;
-    m_firsts.push_back(m_next);
+    if (page.isWholeRecord())
+        page.use = CHAIN_START;
+    else
+        m_firsts.push_back(m_next);
+    m_unseen += page.isWholeRecord() ? 1 : 0;
     if (view.replaced() >= 0 && view.replacedStamp() < page.stamp)
         m_notes.push_back({m_next, view.replaced() / CZelPageView::PAGE_BYTES, view.replacedStamp()});
 }
 
+bool CZelPageMap::Page::isWholeRecord() const {
+    return isFirst && next == NO_PAGE && length == total;
+}
+
 bool CZelPageMap::Part::isWholeRecord() const {
-    const Page &page = m_map.m_pages[static_cast<std::size_t>(m_next - 1)];
-    return page.isFirst && page.next == NO_PAGE && page.length == page.total;
+    return m_map.pageAt(m_next - 1).isWholeRecord();
 }
 
 void CZelPageMap::Part::noteSeen() {
-    m_map.m_pages[static_cast<std::size_t>(m_next - 1)].isSeen = true;
+    m_map.pageAt(m_next - 1).isSeen = true;
+    --m_unseen;
+}
+
+void CZelPageMap::begin(long pages) {
+    m_length = pages;
+    m_pages = std::make_unique_for_overwrite<Page[]>(static_cast<std::size_t>(pages));
 }
 
 void CZelPageMap::settle(const std::vector<Part> &parts) {
     std::vector<Note> notes;
+    m_isAllSeen = true;
     for (const Part &part : parts) {
         m_highestStamp = std::max(m_highestStamp, part.m_highestStamp);
         notes.insert(notes.end(), part.m_notes.begin(), part.m_notes.end());
+        m_isAllSeen = m_isAllSeen && part.m_unseen == 0;
         for (const long start : part.m_firsts)
-            if (walk(start))
-                m_starts.push_back(start);
+            m_isAllSeen = !walk(start) && m_isAllSeen;
     }
     dropReplaced(notes);
+    m_isAllSeen = m_isAllSeen && m_replaced.empty();
 }
 
 // Is the chain whole? A page that a walk has passed is out of reach for every other: it belongs to that chain or to
@@ -70,7 +86,7 @@ bool CZelPageMap::walk(long start) {
     std::uint64_t length = 0;
     auto number = static_cast<std::uint32_t>(start);
     while (number != NO_PAGE) {
-        if (number >= m_pages.size())
+        if (number >= m_length)
             return false;
         Page &page = m_pages[number];
         const bool belongs = page.use == OUT_OF_USE && !page.isWalked && page.stamp == first.stamp &&
@@ -110,12 +126,22 @@ void CZelPageMap::dropReplaced(const std::vector<Note> &notes) {
         setUse(note.replaced, REPLACED);
         m_replaced.push_back(note.replaced);
     }
-    std::erase_if(m_starts, [this](long start) { return use(start) == REPLACED; });
     std::sort(m_replaced.begin(), m_replaced.end(), [this](long left, long right) {
         return m_pages[static_cast<std::size_t>(left)].stamp > m_pages[static_cast<std::size_t>(right)].stamp;
     });
 }
 
-long CZelPageMap::count(Use wanted) const {
-    return std::count_if(m_pages.begin(), m_pages.end(), [wanted](const Page &page) { return page.use == wanted; });
+std::array<long, CZelPageMap::USES> CZelPageMap::counts() const {
+    std::array<long, USES> counts{};
+    for (long page = 0; page < m_length; ++page)
+        ++counts[use(page)];
+    return counts;
+}
+
+std::vector<long> CZelPageMap::starts() const {
+    std::vector<long> starts;
+    for (long page = 0; page < m_length; ++page)
+        if (use(page) == CHAIN_START)
+            starts.push_back(page);
+    return starts;
 }

@@ -6,7 +6,10 @@
 // Threads: parts of the file may be added at the same time, a part by one thread; all else by one.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "foundations/port/ZelExport.h"
@@ -23,17 +26,20 @@ public:
         CHAIN_PAGE,
         REPLACED,  // of a whole chain that a later one replaces
     };
+    static constexpr std::size_t USES = REPLACED + 1;
 
 private:
     struct Page {
-        std::uint64_t stamp = 0;
-        std::uint32_t next = 0;  // page number
-        std::uint32_t total = 0;
-        std::uint16_t length = 0;
-        Use use = DAMAGED;
-        bool isFirst = false;
-        bool isWalked = false;
-        bool isSeen = false;
+        std::uint64_t stamp;
+        std::uint32_t next;  // page number
+        std::uint32_t total;
+        std::uint16_t length;
+        Use use;
+        bool isFirst;
+        bool isWalked;
+        bool isSeen;
+
+        bool isWholeRecord() const;  // a first page that is a chain by itself
     };
     struct Note {
         long start;  // of the chain that bears the note
@@ -53,19 +59,20 @@ public:
 
     private:
         friend class CZelPageMap;
-        void addSound(const CZelPageView &page);
+        void addSound(const CZelPageView &view, Page &page);
 
         CZelPageMap &m_map;
         long m_next;
-        std::vector<long> m_firsts;
+        std::vector<long> m_firsts;  // of chains of several pages
         std::vector<Note> m_notes;
+        long m_unseen = 0;  // chains by themselves that nobody has seen
         std::uint64_t m_highestStamp = 0;
     };
 
-    void begin(long pages) { m_pages.assign(static_cast<std::size_t>(pages), Page()); }
+    void begin(long pages);
     void settle(const std::vector<Part> &parts);  // all of the file, in its order
 
-    long length() const { return static_cast<long>(m_pages.size()); }
+    long length() const { return m_length; }
     Use use(long page) const { return m_pages[static_cast<std::size_t>(page)].use; }
     long next(long page) const;  // the next page of the chain, or -1
     bool isSeen(long start) const { return m_pages[static_cast<std::size_t>(start)].isSeen; }
@@ -73,18 +80,24 @@ public:
     std::uint64_t highestStamp() const { return m_highestStamp; }
 
     void setUse(long start, Use use);  // of all pages of a chain
-    long count(Use use) const;
+    std::array<long, USES> counts() const;
+    long count(Use use) const { return counts()[use]; }
 
     // First pages: of the chains that count, in the order of the file; of those that are replaced, youngest first.
-    const std::vector<long> &starts() const { return m_starts; }
+    std::vector<long> starts() const;
     const std::vector<long> &replaced() const { return m_replaced; }
 
+    // Has each chain that counts been seen, and nothing else?
+    bool isAllSeen() const { return m_isAllSeen; }
+
 private:
+    Page &pageAt(long number) const { return m_pages[static_cast<std::size_t>(number)]; }
     bool walk(long start);
     void dropReplaced(const std::vector<Note> &notes);
 
-    std::vector<Page> m_pages;
-    std::vector<long> m_starts;
+    std::unique_ptr<Page[]> m_pages;  // each is first written by the part that it belongs to
+    long m_length = 0;
     std::vector<long> m_replaced;
+    bool m_isAllSeen = false;
     std::uint64_t m_highestStamp = 0;
 };

@@ -1,11 +1,15 @@
 // The rows that a persistent cache finds in its file.
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <vector>
 
 #include "foundations/base/CZelAtom.h"
+#include "foundations/base/CZelPageView.h"
 #include "foundations/base/CZelROMPColumns.h"
 #include "foundations/base/CZelRecord.h"
 #include "foundations/port/CZelError.h"
+#include "foundations/port/ZelInParts.h"
 #include "store/CZelCachedRecord.h"
 #include "store/CZelRecordCache.h"
 #include "store/CZelRowKeys.h"
@@ -13,10 +17,15 @@
 namespace {
 
 constexpr const char *DAMAGED = "CZelRecordCache: a row in the cache file is damaged and is passed over";
+constexpr std::size_t LEAST_ROWS = 10000;  // for a thread of their own
+
+std::size_t pageAt(long position) {
+    return static_cast<std::size_t>(position / CZelPageView::PAGE_BYTES);
+}
 
 }  // namespace
 
-// Makes an entry of each chain that is found, and notes its keys.
+// Gathers the chains that are found and their keys; makes entries of them at the end.
 class CZelRecordCache::FileReader : public CZelPageFile::Reader {
 public:
     FileReader(CZelRecordCache &cache, CZelRowKeys *keys) : m_cache(cache), m_keys(keys) {
@@ -27,45 +36,64 @@ public:
     void beginParts(std::size_t parts, std::size_t recordsAtMost) override;
     bool look(std::size_t part, long start, const unsigned char *encoding, int length) override;
     bool takeSeen(long start, int length) override;
+    bool takeAllSeen() override;
     bool takeChain(long start, const unsigned char *encoding, int length) override;
+    void enterRows();
     int status() const { return m_status; }
 
 private:
-    // What has been seen in a part of the file, in the order of the file.
+    using Keys = std::vector<SZelKeyedObject>;
+
+    // Rows that follow each other in the file.
     struct Part {
-        CZelROMPColumns m_columns;
-        std::vector<long> m_starts;
-        std::vector<CZelAtom> m_values;                      // of each row one per column
+        std::vector<CZelHandleTable::Found> m_rows;
+        std::vector<Keys> m_keys;                            // by column
         std::vector<std::unique_ptr<CZelRecord>> m_records;  // where all rows stay in memory
-        std::size_t m_next = 0;                              // to be taken
+        CZelROMPColumns m_columns;
+        std::size_t m_next = 0;  // to be taken
+
+        void begin(const CZelROMPColumns &columns, std::size_t count, std::size_t rowsAtMost);
     };
 
     std::size_t columns() const { return m_keys != nullptr ? m_keys->columns() : 0; }
     bool keepsRecords() const { return m_cache.m_type == E_RCTAllInCore; }
-    void findSeen(long start);
-    CZelAtom *enterRow(long start, int length, CZelRecord *record);
+    Part &findSeen(long start);
+    bool hasRoom();
     CZelAtom valueIn(const CZelRecord &record, std::size_t column) const;
+    std::size_t rows() const;
+    void enterPiece(std::size_t begin, std::size_t end);
+    void enterRowsOf(Part &part, std::size_t begin, std::size_t end, long number);
+    void noteRows(std::size_t rows);
+    void giveKeys(std::size_t column);
 
     CZelRecordCache &m_cache;
     CZelRowKeys *m_keys;
     CZelROMPColumns m_columns;
-    std::vector<Part> m_parts;
-    std::size_t m_part = 0;  // to be taken from
+    std::vector<Part> m_seen;   // before it is known which of them count
+    std::vector<Part> m_found;  // rows of the table, in the order of the file
+    std::size_t m_part = 0;     // to be taken from
     int m_status = E_RCOk;
 };
 
+void CZelRecordCache::FileReader::Part::begin(const CZelROMPColumns &columns, std::size_t count,
+                                              std::size_t rowsAtMost) {
+    m_columns = columns;
+    m_rows.reserve(rowsAtMost);
+    m_keys.resize(count);
+    for (Keys &keys : m_keys)
+        keys.reserve(rowsAtMost);
+}
+
+// The first part has room for the keys of all.
 void CZelRecordCache::FileReader::beginParts(std::size_t parts, std::size_t recordsAtMost) {
-    m_parts.resize(parts);
-    for (Part &part : m_parts) {
-        part.m_columns = m_columns;
-        part.m_starts.reserve(recordsAtMost);
-        part.m_values.reserve(recordsAtMost * columns());
-    }
+    m_seen.resize(parts);
+    for (Part &part : m_seen)
+        part.begin(m_columns, columns(), &part == m_seen.data() ? parts * recordsAtMost : recordsAtMost);
 }
 
 // What is damaged, or has no plain key, is left for takeChain.
 bool CZelRecordCache::FileReader::look(std::size_t number, long start, const unsigned char *encoding, int length) {
-    Part &part = m_parts[number];
+    Part &part = m_seen[number];
     if (part.m_columns.pickChecked(encoding, length) != CZelROMPColumns::PICKED)
         return false;
     if (keepsRecords()) {
@@ -74,32 +102,45 @@ bool CZelRecordCache::FileReader::look(std::size_t number, long start, const uns
             return false;
         part.m_records.push_back(std::move(record));
     }
-    part.m_starts.push_back(start);
+    part.m_rows.push_back({static_cast<int>(start), length});
     for (std::size_t column = 0; column < columns(); ++column)
-        part.m_values.push_back(part.m_columns.take(column));
+        part.m_keys[column].push_back({part.m_columns.take(column), nullptr});
+    return true;
+}
+
+bool CZelRecordCache::FileReader::takeAllSeen() {
+    std::size_t count = 0;
+    for (const Part &part : m_seen)
+        count += part.m_rows.size();
+    if (count > static_cast<std::size_t>(m_cache.m_handles.atMost()))
+        return false;
+    m_found = std::move(m_seen);
     return true;
 }
 
 // Not all that were seen count, but those that do come in the order of the file.
-void CZelRecordCache::FileReader::findSeen(long start) {
-    while (m_parts[m_part].m_next == m_parts[m_part].m_starts.size() ||
-           m_parts[m_part].m_starts[m_parts[m_part].m_next] != start) {
-        if (m_parts[m_part].m_next < m_parts[m_part].m_starts.size())
-            ++m_parts[m_part].m_next;
-        else
-            ++m_part;
+CZelRecordCache::FileReader::Part &CZelRecordCache::FileReader::findSeen(long start) {
+    while (true) {
+        Part &part = m_seen[m_part];
+        while (part.m_next < part.m_rows.size() && part.m_rows[part.m_next].m_start != start)
+            ++part.m_next;
+        if (part.m_next < part.m_rows.size())
+            return part;
+        ++m_part;
     }
 }
 
-bool CZelRecordCache::FileReader::takeSeen(long start, int length) {
-    findSeen(start);
-    Part &part = m_parts[m_part];
+bool CZelRecordCache::FileReader::takeSeen(long start, int) {
+    Part &part = findSeen(start);
     const std::size_t place = part.m_next++;
-    CZelAtom *handle = enterRow(start, length, keepsRecords() ? part.m_records[place].release() : nullptr);
-    if (handle == nullptr)
+    if (!hasRoom())
         return false;
+    Part &found = m_found.back();
+    found.m_rows.push_back(part.m_rows[place]);
     for (std::size_t column = 0; column < columns(); ++column)
-        m_keys->add(column, std::move(part.m_values[place * columns() + column]), handle);
+        found.m_keys[column].push_back(std::move(part.m_keys[column][place]));
+    if (keepsRecords())
+        found.m_records.push_back(std::move(part.m_records[place]));
     return true;
 }
 
@@ -114,14 +155,15 @@ bool CZelRecordCache::FileReader::takeChain(long start, const unsigned char *enc
         ZEL_REPORT(E_RCBadValue, DAMAGED);
         return false;
     }
-    std::vector<CZelAtom> values;
-    for (std::size_t column = 0; column < columns(); ++column)
-        values.push_back(finding == CZelROMPColumns::SOUND ? valueIn(*record, column) : m_columns.take(column));
-    CZelAtom *handle = enterRow(start, length, keepsRecords() ? record.release() : nullptr);
-    if (handle == nullptr)
+    if (!hasRoom())
         return false;
+    Part &found = m_found.back();
+    found.m_rows.push_back({static_cast<int>(start), length});
     for (std::size_t column = 0; column < columns(); ++column)
-        m_keys->add(column, std::move(values[column]), handle);
+        found.m_keys[column].push_back(
+            {finding == CZelROMPColumns::SOUND ? valueIn(*record, column) : m_columns.take(column), nullptr});
+    if (keepsRecords())
+        found.m_records.push_back(std::move(record));
     return true;
 }
 
@@ -130,22 +172,95 @@ CZelAtom CZelRecordCache::FileReader::valueIn(const CZelRecord &record, std::siz
     return value != nullptr ? CZelAtom(*value) : CZelAtom();
 }
 
-// Takes the record over. Null: no handle is left.
-CZelAtom *CZelRecordCache::FileReader::enterRow(long start, int length, CZelRecord *record) {
-    CZelAtom *handle = m_cache.m_handles.take();
-    if (handle == nullptr) {
-        delete record;
-        m_status = E_RCNoHandle;
-        return nullptr;
+// For one row more, in the only part.
+bool CZelRecordCache::FileReader::hasRoom() {
+    if (m_found.empty())
+        m_found.emplace_back().begin(m_columns, columns(), 0);
+    if (m_cache.m_handles.hasRoomFor(static_cast<long>(m_found.back().m_rows.size()) + 1))
+        return true;
+    m_status = E_RCNoHandle;
+    return false;
+}
+
+std::size_t CZelRecordCache::FileReader::rows() const {
+    std::size_t count = 0;
+    for (const Part &part : m_found)
+        count += part.m_rows.size();
+    return count;
+}
+
+// By several threads, each for a piece of whole blocks of handles.
+void CZelRecordCache::FileReader::enterRows() {
+    constexpr std::size_t BLOCK = CZelHandleTable::BLOCK;
+    const std::size_t count = rows();
+    if (count == 0)
+        return;
+    m_cache.m_handles.beginMany(static_cast<long>(count));
+    if (!keepsRecords())
+        m_cache.m_atPage.resize(pageAt(m_found.back().m_rows.back().m_start) + 1, NO_ROW);
+    const std::size_t blocks = (count + BLOCK - 1) / BLOCK;
+    const std::size_t pieces = ZelPartsFor(count, LEAST_ROWS);
+    ZelInParts(pieces, [&](std::size_t piece) {
+        enterPiece(ZelBeginOfPart(blocks, piece, pieces) * BLOCK,
+                   std::min(ZelBeginOfPart(blocks, piece + 1, pieces) * BLOCK, count));
+    });
+    m_cache.m_handles.endMany();
+    noteRows(count);
+    for (std::size_t column = 0; column < columns(); ++column)
+        giveKeys(column);
+}
+void CZelRecordCache::FileReader::enterPiece(std::size_t begin, std::size_t end) {
+    std::size_t first = 0;
+    for (Part &part : m_found) {
+        const std::size_t behind = first + part.m_rows.size();
+        const std::size_t from = std::max(begin, first), to = std::min(end, behind);
+        if (from < to)
+            enterRowsOf(part, from - first, to - first, static_cast<long>(from));
+        first = behind;
     }
-    m_cache.enter(m_cache.m_handles.add(handle, m_cache.newEntry(record, E_RBFalse, {start, 0}, length)));
+}
+
+void CZelRecordCache::FileReader::enterRowsOf(Part &part, std::size_t begin, std::size_t end, long number) {
+    CZelHandleTable &handles = m_cache.m_handles;
+    const auto count = static_cast<long>(end - begin);
+    handles.addPiece(number, part.m_rows.data() + begin, count, m_cache.m_persistent,
+                     static_cast<unsigned long long>(number) + 1);
+    for (std::size_t place = begin; place < end; ++place, ++number) {
+        CZelAtom *handle = handles.handleAt(number);
+        for (Keys &keys : part.m_keys)
+            keys[place].m_object = handle;
+        const long start = part.m_rows[place].m_start;
+        if (keepsRecords())
+            handles.find(*handle)->RCRSetPersistant(part.m_records[place].release(), E_RBFalse, start);
+        else
+            m_cache.m_atPage[pageAt(start)] = static_cast<int>(number);
+    }
+}
+
+void CZelRecordCache::FileReader::noteRows(std::size_t rows) {
     m_cache.m_initialisedFromDisk = E_RBTrue;
-    return handle;
+    m_cache.m_arrivals = rows;
+    for (const Part &part : m_found)
+        for (const CZelHandleTable::Found &row : part.m_rows)
+            m_cache.m_totalBytes += static_cast<unsigned long long>(row.m_size);
+    if (keepsRecords())
+        m_cache.m_inCoreBytes = m_cache.m_totalBytes;
+}
+
+void CZelRecordCache::FileReader::giveKeys(std::size_t column) {
+    Keys &all = m_found.front().m_keys[column];
+    for (std::size_t part = 1; part < m_found.size(); ++part) {
+        Keys &keys = m_found[part].m_keys[column];
+        all.insert(all.end(), std::move_iterator(keys.begin()), std::move_iterator(keys.end()));
+    }
+    m_keys->give(column, std::move(all));
 }
 
 int CZelRecordCache::readFile(CZelRowKeys *keys) {
     FileReader reader(*this, keys);
     const int status = m_file.readAll(reader);
+    if (status == E_RCOk)
+        reader.enterRows();
     if (status == E_RCOpenFailed)
         return ZEL_FAIL(E_RCMalformed,
                         "The cache file maybe be corrupt.\n"

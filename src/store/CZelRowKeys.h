@@ -17,11 +17,8 @@ public:
     std::size_t columns() const { return m_columns.size(); }
     const CZelAtom &name(std::size_t column) const { return *m_columns[column].m_name; }
 
-    // In each column, for one row after the other. An undefined key is the null key.
-    void reserve(std::size_t rows);
-    void add(std::size_t column, CZelAtom key, CZelAtom *handle) {
-        m_columns[column].m_pairs.push_back({std::move(key), handle});
-    }
+    // Of all rows in their order, with their handles. An undefined key is the null key.
+    void give(std::size_t column, std::vector<SZelKeyedObject> pairs) { m_columns[column].m_pairs = std::move(pairs); }
 
     // All pairs of a column, by its name; null when it is not among these.
     std::vector<SZelKeyedObject> *find(const CZelAtom &name);

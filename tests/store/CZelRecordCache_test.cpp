@@ -1,5 +1,6 @@
 #include "store/CZelRecordCache.h"
 
+#include <algorithm>
 #include <limits>
 #include <vector>
 
@@ -482,6 +483,48 @@ TEST_F(RecordCacheTest, FilledMemoryHoldsWhatAWalkOfRetrievalsLeaves) {
             cache->RRCDeleteCacheFile();
         }
     }
+}
+
+// Enough rows for several threads: all of them of one page, or one of several pages among them.
+TEST_F(RecordCacheTest, ManyRowsAreFoundInTheOrderOfTheFile) {
+    constexpr int ROWS = 25000, LONG_ROW = 9000;
+    for (const float share : {0.0F, 0.3F, 1.0F}) {
+        for (const bool hasLongRow : {false, true}) {
+            const auto sizeOf = [&](int i) { return hasLongRow && i == LONG_ROW ? 2000 : 60 + i % 200; };
+            {
+                auto cache = byShare(share, E_RBTrue);
+                for (int i = 0; i < ROWS; ++i)
+                    add(*cache, i, sizeOf(i));
+            }
+            auto cache = byShare(share, E_RBTrue);
+            ASSERT_EQ(ROWS, cache->RRCLength());
+            int number = 0;
+            forEachHandle(*cache, [&](CZelAtom *handle) {
+                ASSERT_EQ(number, handle->RAInt());
+                ASSERT_EQ(textOfSize(number, sizeOf(number)), peek(*cache, handle));
+                ++number;
+            });
+            const std::vector<int> &places = cache->RRCAtPages();
+            const auto none = static_cast<std::size_t>(std::count(places.begin(), places.end(), -1));
+            EXPECT_EQ(share == 1.0F ? 0U : std::size_t{ROWS}, places.size() - none);
+            EXPECT_EQ(share == 1.0F ? total(*cache) : 0, inCore(*cache));
+            EXPECT_EQ(ROWS, add(*cache, ROWS, 60)->RAInt());
+            cache->RRCDeleteCacheFile();
+        }
+    }
+}
+
+TEST_F(RecordCacheTest, RowsForWhichNoHandleIsLeftAreNotFound) {
+    {
+        auto cache = byShare(0, E_RBTrue);
+        for (int i = 0; i < 5; ++i)
+            add(*cache, i, 60);
+    }
+    auto cache = uncreated(3);
+    EXPECT_EQ(E_RCNoHandle, cache->RRCCreateByPropn(NAME, 0, E_RBTrue));
+    EXPECT_EQ(3, cache->RRCLength());
+    EXPECT_EQ(textOfSize(2, 60), peek(*cache, cache->RRCHandle(2)));
+    EXPECT_EQ(2U, reports.Count());
 }
 
 // Rows of one page and of several, without a value, with a list or with an object in place of a plain one; and rows
