@@ -61,6 +61,7 @@ private:
     bool hasRoom();
     CZelAtom valueIn(const CZelRecord &record, std::size_t column) const;
     std::size_t rows() const;
+    long lastStart() const;
     void enterPiece(std::size_t begin, std::size_t end);
     void enterRowsOf(Part &part, std::size_t begin, std::size_t end, long number);
     void noteRows(std::size_t rows);
@@ -197,7 +198,7 @@ void CZelRecordCache::FileReader::enterRows() {
         return;
     m_cache.m_handles.beginMany(static_cast<long>(count));
     if (!keepsRecords())
-        m_cache.m_atPage.resize(pageAt(m_found.back().m_rows.back().m_start) + 1, NO_ROW);
+        m_cache.m_atPage.resize(pageAt(lastStart()) + 1, NO_ROW);
     const std::size_t blocks = (count + BLOCK - 1) / BLOCK;
     const std::size_t pieces = ZelPartsFor(count, LEAST_ROWS);
     ZelInParts(pieces, [&](std::size_t piece) {
@@ -209,6 +210,15 @@ void CZelRecordCache::FileReader::enterRows() {
     for (std::size_t column = 0; column < columns(); ++column)
         giveKeys(column);
 }
+
+// Of the last row. Requires: there is one.
+long CZelRecordCache::FileReader::lastStart() const {
+    auto part = m_found.rbegin();
+    while (part->m_rows.empty())
+        ++part;
+    return part->m_rows.back().m_start;
+}
+
 void CZelRecordCache::FileReader::enterPiece(std::size_t begin, std::size_t end) {
     std::size_t first = 0;
     for (Part &part : m_found) {

@@ -514,6 +514,23 @@ TEST_F(RecordCacheTest, ManyRowsAreFoundInTheOrderOfTheFile) {
     }
 }
 
+TEST_F(RecordCacheTest, PartsOfAFileMayHoldNoRow) {
+    constexpr int ROWS = 12000;
+    for (const bool isAtTheEnd : {false, true}) {
+        {
+            auto cache = byShare(0, E_RBTrue);
+            for (int i = 0; i < ROWS; ++i)
+                add(*cache, i, 60);
+            for (int i = 0; i < ROWS - 10; ++i)
+                EXPECT_EQ(1, cache->RRCDeleteRecord(cache->RRCHandle(isAtTheEnd ? ROWS - 1 - i : i)));
+        }
+        auto cache = byShare(0, E_RBTrue);
+        ASSERT_EQ(10, cache->RRCLength());
+        EXPECT_EQ(textOfSize(isAtTheEnd ? 9 : ROWS - 1, 60), peek(*cache, cache->RRCHandle(9)));
+        cache->RRCDeleteCacheFile();
+    }
+}
+
 TEST_F(RecordCacheTest, RowsForWhichNoHandleIsLeftAreNotFound) {
     {
         auto cache = byShare(0, E_RBTrue);
