@@ -1,5 +1,6 @@
 #include "store/CZelRowTest.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -31,7 +32,8 @@ struct BagRows {
     void advance() { node = CZelBag::RBNext(node); }
 };
 
-// Where a row's column lies is where it lay in the row before, so the memory can be asked for it some rows ahead.
+// Where a row's column lies is where it lay in the row before, so the memory can be asked some rows ahead for it and for
+// the bindings in front of it, which are walked.
 template <class Rows>
 class Ahead {
 public:
@@ -42,7 +44,10 @@ public:
     void advance() {
         if (!m_rows.hasRow())
             return;
-        __builtin_prefetch(reinterpret_cast<const void *>(startOf(*m_rows.row()) + m_place));
+        const std::uintptr_t start = startOf(*m_rows.row());
+        for (std::uintptr_t bytes = 0; bytes < std::min(m_place, MOST_BYTES); bytes += CACHE_LINE)
+            __builtin_prefetch(reinterpret_cast<const void *>(start + bytes));
+        __builtin_prefetch(reinterpret_cast<const void *>(start + m_place));
         m_rows.advance();
     }
     void learn(const Rows &rows, const CZelAtom *value) {
@@ -51,6 +56,8 @@ public:
 
 private:
     static constexpr int ROWS_AHEAD = 8;
+    static constexpr std::uintptr_t CACHE_LINE = 64;
+    static constexpr std::uintptr_t MOST_BYTES = 4 * CACHE_LINE;
     // The address of the first binding.
     static std::uintptr_t startOf(const CZelRecord &row) {
         return reinterpret_cast<std::uintptr_t>(row.RRVbIterator()->RVBLHead());
