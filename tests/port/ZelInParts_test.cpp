@@ -33,3 +33,11 @@ TEST(InParts, PartsMeetAndAreLargeEnoughForAThread) {
             EXPECT_LE(ZelBeginOfPart(things, part, parts), ZelBeginOfPart(things, part + 1, parts));
     }
 }
+
+TEST(InParts, ALimitLeavesWorkToTheCallerUntilItIsLifted) {
+    const std::size_t parts = ZelPartsFor(1000000, 1);
+    ZelLimitParts(1);
+    EXPECT_EQ(1U, ZelPartsFor(1000000, 1));
+    ZelLimitParts(0);
+    EXPECT_EQ(parts, ZelPartsFor(1000000, 1));
+}

@@ -10,6 +10,7 @@
 
 #include "tests/store/LiveTable.h"
 #include "tests/store/ModelBags.h"
+#include "tests/support/SplitAll.h"
 #include "tests/support/TestRandom.h"
 
 using namespace conditions;
@@ -369,9 +370,9 @@ void expectSameSet(const Condition &condition, CZelFilter &filter, const std::ve
     }
 }
 
-void compareWithModel(bool indexed) {
+void compareWithModel(bool indexed, int rounds = 300) {
     TestRandom random;
-    for (int round = 0; round < 300; ++round) {
+    for (int round = 0; round < rounds; ++round) {
         LiveStore store;
         OpenTable &t = *store.add(
             table("d", "t",
@@ -401,6 +402,11 @@ TEST(TableQueryRandom, UnindexedTablesAnswerAsTheModel) {
 
 TEST(TableQueryRandom, IndexedTablesAnswerAsTheModel) {
     compareWithModel(true);
+}
+
+TEST(TableQueryRandom, TablesScannedByTwoThreadsAnswerAsTheModel) {
+    const SplitAll split;
+    compareWithModel(false, 60);
 }
 
 }  // namespace

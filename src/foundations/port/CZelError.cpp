@@ -8,6 +8,7 @@
 #include <new>
 
 #include "foundations/port/CZelErrorCapture.h"
+#include "foundations/port/CZelErrorDelay.h"
 #include "foundations/port/ZelOutOfMemory.h"
 #include "foundations/port/ZelReportLineImpl.h"
 
@@ -60,9 +61,12 @@ void send(const SZelReportParts &report) {
 }  // namespace
 
 CZelError::CZelError(int code, const char *source, int line, const char *text) {
-    s_count.fetch_add(1, std::memory_order_relaxed);
+    const SZelReportParts report{code, source != nullptr ? source : "", line, text != nullptr ? text : ""};
     try {
-        send({code, source != nullptr ? source : "", line, text != nullptr ? text : ""});
+        if (CZelErrorDelay::Keeps(report.m_code, report.m_source, report.m_line, report.m_text))
+            return;
+        s_count.fetch_add(1, std::memory_order_relaxed);
+        send(report);
     } catch (const std::bad_alloc &) {
         ZelOutOfMemory();
     }

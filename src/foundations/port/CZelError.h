@@ -6,6 +6,7 @@
 //  - to standard error as one line, unless that capture is silent;
 //  - to the log handle, if one is set;
 //  - to the observer, if one is set.
+// Under a CZelErrorDelay it goes nowhere until another thread makes it.
 //
 // A line begins with the code and its name. The text follows without line feeds at its ends; those inside
 // it are written as \n and other control characters as \xNN, so that a line is always one line and never

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <thread>
 
 #include "foundations/port/CZelThread.h"
@@ -10,6 +11,24 @@
 namespace {
 
 constexpr std::size_t MOST = 4;
+
+std::atomic<std::size_t> s_limit{MOST};
+std::atomic<bool> s_splitsAll{false};
+std::atomic<std::size_t> s_helpers{0};  // threads at work for others
+
+std::size_t processors() {
+    static const std::size_t count = std::max(std::thread::hardware_concurrency(), 1U);
+    return count;
+}
+
+// A place among the helpers, of which there are fewer than processors.
+bool takePlace() {
+    if (s_helpers.fetch_add(1, std::memory_order_relaxed) + 1 < processors() ||
+        s_splitsAll.load(std::memory_order_relaxed))
+        return true;
+    s_helpers.fetch_sub(1, std::memory_order_relaxed);
+    return false;
+}
 
 struct Part {
     const std::function<void(std::size_t)> *work;
@@ -26,8 +45,19 @@ unsigned run(void *argument) {
 }  // namespace
 
 std::size_t ZelPartsFor(std::size_t things, std::size_t least) {
-    static const std::size_t processors = std::max(std::thread::hardware_concurrency(), 1U);
-    return std::max<std::size_t>(std::min({things / least, processors, MOST}), 1);
+    const std::size_t limit = s_limit.load(std::memory_order_relaxed);
+    const std::size_t parts = s_splitsAll.load(std::memory_order_relaxed)
+                                  ? std::min(things, limit)
+                                  : std::min({things / least, processors(), limit});
+    return std::max<std::size_t>(parts, 1);
+}
+
+void ZelLimitParts(std::size_t most) {
+    s_limit.store(most == 0 ? MOST : std::min(most, MOST), std::memory_order_relaxed);
+}
+
+void ZelSplitAll(bool splits) {
+    s_splitsAll.store(splits, std::memory_order_relaxed);
 }
 
 void ZelInParts(std::size_t parts, const std::function<void(std::size_t)> &work) {
@@ -36,12 +66,17 @@ void ZelInParts(std::size_t parts, const std::function<void(std::size_t)> &work)
     for (; started < std::min(parts, MOST); ++started) {
         others[started].work = &work;
         others[started].number = started;
-        if (others[started].thread.RTCreateThread(run, &others[started], 0) != E_RCOk)
+        if (!takePlace())
             break;
+        if (others[started].thread.RTCreateThread(run, &others[started], 0) == E_RCOk)
+            continue;
+        s_helpers.fetch_sub(1, std::memory_order_relaxed);
+        break;
     }
     work(0);
     for (std::size_t number = started; number < parts; ++number)
         work(number);
     for (std::size_t number = 1; number < started; ++number)
         others[number].thread.RTJoinThread();
+    s_helpers.fetch_sub(started - 1, std::memory_order_relaxed);
 }

@@ -1,0 +1,12 @@
+// While it lives, whatever can be done in parts is done in parts, however little it is.
+#pragma once
+
+#include "foundations/port/ZelInParts.h"
+
+class SplitAll {
+public:
+    SplitAll() { ZelSplitAll(true); }
+    SplitAll(const SplitAll &) = delete;
+    SplitAll &operator=(const SplitAll &) = delete;
+    ~SplitAll() { ZelSplitAll(false); }
+};
