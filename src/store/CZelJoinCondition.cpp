@@ -158,11 +158,11 @@ void CZelJoinCondition::reportStrayColumn() const {
     }
 }
 
-bool CZelJoinCondition::holds(const Term &term) const {
+bool CZelJoinCondition::holds(const Term &term, const CZelJoinRow &row) const {
     int next = term.m_entry;
     while (next >= 0) {
         const Step &step = m_steps[indexOf(next)];
-        next = step.m_test.holds(m_row) ? step.m_onTrue : step.m_onFalse;
+        next = step.m_test.holds(row) ? step.m_onTrue : step.m_onFalse;
     }
     return next == PASSED;
 }

@@ -3,7 +3,7 @@
 //
 // A term is a chain of comparisons with two exits each, so that no depth of its text takes stack.
 //
-// Threads: made and used under the store lock, by one thread.
+// Threads: made and used under the store lock; made by one thread, and then it does not change.
 #pragma once
 
 #include <cstddef>
@@ -32,16 +32,18 @@ public:
         bool isWhole(int level) const { return (m_whole >> level & 1U) != 0; }
     };
 
-    // `driver` runs the subqueries. The filter may be null; it and the row outlive this.
+    // `driver` runs the subqueries. The filter may be null; it outlives this, and the row, whose places any other row
+    // has to have, the construction.
     CZelJoinCondition(CZelFilter *filter, const CZelJoinRow &row, int levels, CZelTable &driver);
     CZelJoinCondition(const CZelJoinCondition &) = delete;
     CZelJoinCondition &operator=(const CZelJoinCondition &) = delete;
 
     CZelFilter *filter() const { return m_filter; }
     const std::vector<Term> &terms() const { return m_terms; }
-    bool holds(const Term &term) const;
+    bool holds(const Term &term, const CZelJoinRow &row) const;
     const CZelJoinTest &testOf(const Term &single) const { return m_steps[indexOf(single.m_entry)].m_test; }
     bool isFaithful() const { return m_isFaithful; }  // is every comparison?
+    bool hasSubquery() const { return !m_lists.empty(); }
 
     const CZelAtom *listOf(const CZelBoolean *boolean) const;  // what its subquery gave; null without one
 

@@ -53,6 +53,11 @@ public:
         --m_chosen;
     }
     int chosen() const { return m_chosen; }  // how many places have a record
+    void dropAll() {
+        for (Place &place : m_tables)
+            place.m_record = nullptr;
+        m_chosen = 0;
+    }
 
     // The records of all places, null where none is chosen.
     void save(CZelRecord **records) const {

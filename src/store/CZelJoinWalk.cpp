@@ -64,13 +64,14 @@ bool CZelJoinWalk::visitAll(int index) {
 
 // The rows that the table itself finds.
 bool CZelJoinWalk::visitAnswered(int index) {
-    Level &level = m_levels[static_cast<std::size_t>(index)];
+    const Level &level = m_levels[static_cast<std::size_t>(index)];
     if (m_condition->filter() == nullptr)
         return visitRows(index, level.m_table->RTReturnRows(nullptr));
-    if (level.m_bound == nullptr)
-        level.m_bound = std::make_unique<CZelBoundFilter>(*m_condition, m_row);
+    std::unique_ptr<CZelBoundFilter> &bound = m_bounds[static_cast<std::size_t>(index)];
+    if (bound == nullptr)
+        bound = std::make_unique<CZelBoundFilter>(*m_condition, m_row);
     bool complete = false;
-    CZelFilter *filter = level.m_bound->bind(m_row, &complete);
+    CZelFilter *filter = bound->bind(m_row, &complete);
     return visitRows(index, level.m_table->RTReturnRows(filter, ZelBool(!complete)));
 }
 
@@ -102,12 +103,12 @@ bool CZelJoinWalk::visitPlanned(int index) {
         visitList(level.m_table->m_rows, [&](CZelRecord *row) { found |= visitPossible(index, row, nullptr); });
         return found;
     }
-    collectCandidates(level);
+    const std::vector<CZelRecord *> &candidates = candidatesOf(level);
     if (isWorthATree(level))
         makeTree(level);
     if (level.m_made != nullptr && isTreeKey(level.m_wanted.m_key->value(m_row)))
         return visitEntry(index, entryFor(level, *level.m_made, level.m_wanted), nullptr);
-    for (CZelRecord *row : level.m_candidates)
+    for (CZelRecord *row : candidates)
         found |= visitPossible(index, row, nullptr);
     return found;
 }
@@ -147,13 +148,15 @@ void CZelJoinWalk::visitChosen(int index, CZelRecord *row, const Terms &terms) {
 
 bool CZelJoinWalk::passes(const Terms &terms) const {
     return std::all_of(terms.begin(), terms.end(),
-                       [this](const CZelJoinCondition::Term *term) { return m_condition->holds(*term); });
+                       [this](const CZelJoinCondition::Term *term) { return m_condition->holds(*term, m_row); });
+}
+
+const std::vector<CZelRecord *> &CZelJoinWalk::candidatesOf(Level &level) {
+    std::call_once(level.m_candidates->m_areCollected, [&] { collectCandidates(level); });
+    return level.m_candidates->m_rows;
 }
 
 void CZelJoinWalk::collectCandidates(Level &level) {
-    if (level.m_hasCandidates)
-        return;
-    level.m_hasCandidates = true;
     if (level.m_constant.m_term == nullptr) {
         visitList(level.m_table->m_rows, [&](CZelRecord *row) { collectCandidate(level, row); });
         return;
@@ -166,27 +169,32 @@ void CZelJoinWalk::collectCandidates(Level &level) {
 void CZelJoinWalk::collectCandidate(Level &level, CZelRecord *row) {
     m_row.choose(level.m_place, row);
     if (passes(level.m_own))
-        level.m_candidates.push_back(row);
+        level.m_candidates->m_rows.push_back(row);
     m_row.drop(level.m_place);
 }
 
-bool CZelJoinWalk::isWorthATree(Level &level) const {
+bool CZelJoinWalk::isWorthATree(const Level &level) {
     return level.m_wanted.m_term != nullptr && level.m_made == nullptr && level.m_visits > 1 &&
-           level.m_candidates.size() > FEW;
+           level.m_candidates->m_rows.size() > FEW;
 }
 
-// Not where a value is of a kind that trees order in their own way.
 void CZelJoinWalk::makeTree(Level &level) {
+    Candidates &candidates = *level.m_candidates;
+    std::call_once(candidates.m_areSorted, [&] { candidates.m_tree = treeOver(level); });
+    level.m_made = candidates.m_tree.get();
+    if (level.m_made == nullptr)
+        level.m_wanted.m_term = nullptr;
+}
+
+std::unique_ptr<CZelBPlusTree> CZelJoinWalk::treeOver(const Level &level) {
     auto tree = std::make_unique<CZelBPlusTree>(true);
-    for (CZelRecord *row : level.m_candidates) {
+    for (CZelRecord *row : level.m_candidates->m_rows) {
         const CZelAtom *value = level.m_wanted.m_column->m_reader.value(*row);
-        if (!isTreeKey(value)) {
-            level.m_wanted.m_term = nullptr;
-            return;
-        }
+        if (!isTreeKey(value))
+            return nullptr;
         tree->RBPTAddObjectToTree(value, row, true);
     }
-    level.m_made = std::move(tree);
+    return tree;
 }
 
 // A tree compares such values as the language does.

@@ -10,20 +10,24 @@
 // Rows that have come as far as a table wait for each other, and go on together, in their order: then their keys are
 // looked up at once. Where a table has to answer for itself each row goes on alone, to its end.
 //
+// Where all tables are plain and the first one is long, its rows are shared by two threads, each with a walk of its
+// own.
+//
 // Lives for the time of one query, under the store lock; the rows of cached tables are copies, see `copies`.
 #pragma once
 
 #include <cstddef>
 #include <memory>
+#include <mutex>
 #include <vector>
 
+#include "foundations/base/CZelBPlusTree.h"
 #include "store/CZelBoundFilter.h"
 #include "store/CZelJoinBlock.h"
 #include "store/CZelJoinCondition.h"
 #include "store/CZelJoinRow.h"
 #include "store/CZelTuple.h"
 
-class CZelBPlusTree;
 class CZelBTreeNode;
 class CZelBag;
 class CZelDoubleList;
@@ -32,6 +36,7 @@ class CZelPointer;
 class CZelRecord;
 class CZelTable;
 class CZelTreeList;
+struct SZelListRun;
 
 class CZelJoinWalk {
 public:
@@ -60,6 +65,14 @@ private:
         const CZelBPlusTree *m_tree = nullptr;  // of the column; null without an index
     };
 
+    // The rows of a table that pass its own terms, and a tree of them: found when first needed, once for all threads.
+    struct Candidates {
+        std::once_flag m_areCollected;
+        std::vector<CZelRecord *> m_rows;
+        std::once_flag m_areSorted;
+        std::unique_ptr<CZelBPlusTree> m_tree;  // null: a value is of a kind that trees order in their own way
+    };
+
     struct Level {
         CZelTable *m_table = nullptr;
         int m_place = 0;
@@ -73,10 +86,8 @@ private:
         Lookup m_wanted;           // the same without an index
 
         unsigned int m_visits = 0;
-        bool m_hasCandidates = false;
-        std::vector<CZelRecord *> m_candidates;    // the rows that pass m_own
-        std::unique_ptr<CZelBPlusTree> m_made;     // of the candidates, for m_wanted
-        std::unique_ptr<CZelBoundFilter> m_bound;  // made when first needed
+        std::shared_ptr<Candidates> m_candidates = std::make_shared<Candidates>();
+        const CZelBPlusTree *m_made = nullptr;  // of the candidates, for m_wanted
 
         // Of the rows that go on together: their keys, what the tree has of them, and which row is at work.
         std::vector<const CZelAtom *> m_keys;
@@ -86,6 +97,10 @@ private:
 
         bool testsRows() const { return !m_own.empty() || !m_narrowing.empty() || !m_refusing.empty(); }
     };
+
+    // For rows of the first table that another thread finds. Requires: `whole`, which outlives this, has not been
+    // walked.
+    explicit CZelJoinWalk(const CZelJoinWalk *whole);
 
     // Making ready.
     void addLevels(CZelDoubleList &tables, CZelPointer *position);
@@ -99,8 +114,14 @@ private:
     static const CZelBPlusTree *treeOf(const Level &level, const CZelJoinTest::Side &column);
     void makeBlocks(std::size_t together);
 
+    void start();
+    const CZelDoubleList *sharedRows() const;  // of the first table; null where one thread does all
+    bool walkShared(const CZelDoubleList &rows);
+    void walkRun(const CZelDoubleList &rows, const SZelListRun &run);
+
     // The row in progress goes on to a level, at once or with others.
     void walk();
+    void finish(int index);
     void descend(int index);
     void advance(int index);
     void lookUp(Level &level, const CZelJoinBlock &block);
@@ -121,10 +142,12 @@ private:
     bool visitPossible(int index, CZelRecord *row, const Terms *own);
     void visitChosen(int index, CZelRecord *row, const Terms &terms);
     bool passes(const Terms &terms) const;
+    const std::vector<CZelRecord *> &candidatesOf(Level &level);
     void collectCandidates(Level &level);
     void collectCandidate(Level &level, CZelRecord *row);
-    bool isWorthATree(Level &level) const;
-    void makeTree(Level &level);
+    static bool isWorthATree(const Level &level);
+    static void makeTree(Level &level);
+    static std::unique_ptr<CZelBPlusTree> treeOver(const Level &level);
     static bool isTreeKey(const CZelAtom *value);
 
     CZelTreeList &m_copies;
@@ -135,8 +158,9 @@ private:
     std::vector<CZelJoinBlock> m_blocks;  // in front of each level, and behind the last
     int m_brought = 0;                    // places that have a record from the beginning
     bool m_isDistinct = true;             // no table stands twice
-    std::unique_ptr<CZelJoinCondition> m_condition;
-    std::vector<int> m_order;               // places in the order of identifiers
-    std::vector<SZelTupleEntry> m_entries;  // of the tuple in the making
-    std::vector<CZelTuple> m_tuples;        // of the rows that are taken together
+    std::shared_ptr<const CZelJoinCondition> m_condition;
+    std::vector<std::unique_ptr<CZelBoundFilter>> m_bounds;  // by level, made when first needed
+    std::vector<int> m_order;                                // places in the order of identifiers
+    std::vector<SZelTupleEntry> m_entries;                   // of the tuple in the making
+    std::vector<CZelTuple> m_tuples;                         // of the rows that are taken together
 };

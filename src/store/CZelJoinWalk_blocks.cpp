@@ -7,19 +7,14 @@
 #include "store/CZelJoinTaker.h"
 #include "store/CZelJoinWalk.h"
 
-void CZelJoinWalk::run(CZelJoinTaker &taker) {
-    m_taker = &taker;
-    walk();
-}
-
-std::size_t CZelJoinWalk::count() {
-    walk();
-    return m_found;
-}
-
 void CZelJoinWalk::walk() {
     descend(0);
-    for (int index = 0; index <= static_cast<int>(m_levels.size()); ++index)
+    finish(0);
+}
+
+// Nothing more comes to this level.
+void CZelJoinWalk::finish(int index) {
+    for (; index <= static_cast<int>(m_levels.size()); ++index)
         advance(index);
 }
 
@@ -56,7 +51,7 @@ void CZelJoinWalk::advance(int index) {
 
 // A row by itself is looked up when it comes to that.
 void CZelJoinWalk::lookUp(Level &level, const CZelJoinBlock &block) {
-    const CZelBPlusTree *tree = level.m_lookup.m_term != nullptr ? level.m_lookup.m_tree : level.m_made.get();
+    const CZelBPlusTree *tree = level.m_lookup.m_term != nullptr ? level.m_lookup.m_tree : level.m_made;
     level.m_isLookedUp = tree != nullptr && block.length() > 1;
     if (!level.m_isLookedUp)
         return;

@@ -20,7 +20,8 @@ CZelJoinWalk::CZelJoinWalk(CZelTable &driver, CZelFilter *filter, CZelDoubleList
     addLevels(tables, position);
     orderPlaces();
     const int levels = static_cast<int>(m_levels.size());
-    m_condition = std::make_unique<CZelJoinCondition>(filter, m_row, levels, driver);
+    m_condition = std::make_shared<const CZelJoinCondition>(filter, m_row, levels, driver);
+    m_bounds.resize(m_levels.size());
     for (int i = 0; i < levels; ++i)
         planLevel(i);
     makeBlocks(together);

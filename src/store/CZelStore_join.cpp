@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <vector>
 
 #include "foundations/base/CZelAtom.h"
@@ -120,24 +119,36 @@ struct AsBlock {
 template <class Form>
 class Result : public CZelJoinTaker {
 public:
-    Result(const CZelQuery &query, CZelBag &out) : m_isWhole(query.RQSelectStar() == E_RBTrue), m_out(out) {
-        CZelBag columns;
-        appendColumns(query, columns);
-        m_columns.emplace(&columns);
-    }
+    Result(const CZelQuery &query, CZelBag &out)
+        : m_isWhole(query.RQSelectStar() == E_RBTrue), m_columns(columnsOf(query)), m_out(out) {}
+    explicit Result(const Result *sample) : m_isWhole(sample->m_isWhole), m_columns(sample->m_columns), m_out(m_own) {}
 
     void take(const std::vector<CZelTuple> &rows) override {
         if (m_isWhole)
             prefetchAll(rows);
         else
-            m_columns->prefetch(rows);
+            m_columns.prefetch(rows);
         for (const CZelTuple &row : rows)
-            m_out.RBAdd(m_isWhole ? Form::whole(row) : Form::selected(row, *m_columns));
+            m_out.RBAdd(m_isWhole ? Form::whole(row) : Form::selected(row, m_columns));
+    }
+
+    std::unique_ptr<CZelJoinTaker> another() const override {
+        return m_columns.isShareable() ? std::make_unique<Result>(this) : nullptr;
+    }
+    void append(CZelJoinTaker &other) override {
+        m_out.RBIterator()->RDLTakeFrom(*static_cast<Result &>(other).m_out.RBIterator());
     }
 
 private:
+    static CZelTupleProjection columnsOf(const CZelQuery &query) {
+        CZelBag columns;
+        appendColumns(query, columns);
+        return CZelTupleProjection(&columns);
+    }
+
     bool m_isWhole;
-    std::optional<CZelTupleProjection> m_columns;
+    CZelTupleProjection m_columns;
+    CZelBag m_own;
     CZelBag &m_out;
 };
 

@@ -1,5 +1,6 @@
 #include "store/CZelTupleProjection.h"
 
+#include <algorithm>
 #include <string>
 
 #include "foundations/base/CZelBag.h"
@@ -27,6 +28,13 @@ CZelTupleProjection::CZelTupleProjection(const CZelBag *entities) {
             m_columns.push_back({entity, CZelProjection::nameOf(*entity),
                                  CZelColumnReader(entity->RDEColNameAtom(), entity->RDEColSpec())});
     }
+}
+
+// An entity whose names are constants makes its identifier once.
+bool CZelTupleProjection::isShareable() const {
+    return std::all_of(m_columns.begin(), m_columns.end(), [](const Column &column) {
+        return column.m_entity->RDEEvalsInside() != E_RBTrue && column.m_entity->RDEIdent() != nullptr;
+    });
 }
 
 const CZelRecord *CZelTupleProjection::recordOf(const CZelTuple &tuple, Column &column) {

@@ -18,6 +18,9 @@ class CZelTupleProjection {
 public:
     explicit CZelTupleProjection(const CZelBag *entities);  // of CZelDbEntity; null for none
 
+    // May another thread use a copy of it meanwhile? Not where a column's table is told by a clause.
+    bool isShareable() const;
+
     // A value that is absent adds nothing; a table that the tuple lacks is reported (E_RCNotFound) besides.
     CZelRecord *project(const CZelTuple &tuple);                 // new
     unsigned char *encode(const CZelTuple &tuple, int &length);  // the same, packed; from malloc

@@ -7,6 +7,7 @@
 
 #include "foundations/port/CZelErrorCapture.h"
 #include "tests/store/Joins.h"
+#include "tests/support/SplitAll.h"
 #include "tests/support/TestRandom.h"
 
 using namespace joins;
@@ -462,6 +463,12 @@ void checkOne(JoinWorld &world, TestRandom &random, int number) {
     ASSERT_EQ(Sequence(filter.get(), world.tables, 1).texts,
               Sequence(filter.get(), world.tables, 2 + random.below(6)).texts)
         << printed(filter.get());
+    const SplitAll split;
+    ASSERT_EQ(Sequence(filter.get(), world.tables, 1).texts,
+              Sequence(filter.get(), world.tables, 2 + random.below(6)).texts)
+        << "two threads: " << printed(filter.get());
+    ASSERT_EQ(static_cast<int>(expected.size()),
+              world.tables.front()->RTCountJoinedQuery(filter.get(), listOf(world.tables).get()));
     if (number % 10 == 0) {
         ASSERT_EQ(expected, StepByStep(filter.get(), world.tables).run()) << printed(filter.get());
     }

@@ -10,6 +10,7 @@
 #include "tests/store/TableTest.h"
 #include "tests/support/CacheHome.h"
 #include "tests/support/OqlFixture.h"
+#include "tests/support/SplitAll.h"
 
 namespace {
 
@@ -82,6 +83,8 @@ protected:
         return pairs;
     }
 
+    void compareWithLoops();
+
     const CZelErrorCapture reports;
     OpenStore store;
     OpenTable &a = *store.add(table("d", "a", {{"id", E_RDTInt}, {"k", E_RDTInt}}));
@@ -106,7 +109,7 @@ TEST_F(StoreJoinTest, RecordsAndBlocksTellTheSame) {
 }
 
 // Keys that occur twice, that are null on both sides and that nobody has; rows deleted in between.
-TEST_F(StoreJoinTest, AnyNumberOfRowsComesWholeAndInOrder) {
+void StoreJoinTest::compareWithLoops() {
     constexpr int TOGETHER = CZelJoinWalk::TOGETHER;
     addIndex(b, "k");
     for (int i = 10; i < 30; ++i)
@@ -124,6 +127,31 @@ TEST_F(StoreJoinTest, AnyNumberOfRowsComesWholeAndInOrder) {
         EXPECT_EQ(Texts{"Count=" + std::to_string(expected.size())}, rows(*query));
     }
     EXPECT_EQ(0U, reports.Count());
+}
+
+TEST_F(StoreJoinTest, AnyNumberOfRowsComesWholeAndInOrder) {
+    compareWithLoops();
+}
+
+TEST_F(StoreJoinTest, AnyNumberOfRowsComesWholeAndInOrderFromTwoThreads) {
+    const SplitAll split;
+    compareWithLoops();
+}
+
+// A row without a key has no partner, and a column of the table that is missing is reported.
+TEST_F(StoreJoinTest, TwoThreadsReportWhatOneDoes) {
+    addIndex(b, "k");
+    for (int id = 5; id < 300; ++id)
+        conditions::insert(a, id % 3 == 0 ? record({{"id", id}}) : record({{"id", id}, {"k", 1}}));
+    const auto query = queryOf({"a", "b"}, sameKey(), {col("d", "a", "id"), col("d", "b", "id")});
+    const CZelErrorCapture ofOne;
+    const Texts expected = rows(*query);
+    const SplitAll split;
+    const CZelErrorCapture ofTwo;
+    EXPECT_EQ(expected, rows(*query));
+    EXPECT_EQ(2U * 98, ofOne.Count());
+    EXPECT_EQ(ofOne.Count(), ofTwo.Count());
+    EXPECT_TRUE(ofTwo.Holds(E_RCNotFound, "id"));
 }
 
 TEST_F(StoreJoinTest, AMissingTableGivesAnEmptyResultAndAStatus) {

@@ -66,8 +66,16 @@ public:
         for (const CZelTuple &row : rows)
             texts.push_back(textOf(row));
     }
+    std::unique_ptr<CZelJoinTaker> another() const override { return std::unique_ptr<Sequence>(new Sequence); }
+    void append(CZelJoinTaker &other) override {
+        const Texts &more = static_cast<Sequence &>(other).texts;
+        texts.insert(texts.end(), more.begin(), more.end());
+    }
 
     Texts texts;
+
+private:
+    Sequence() = default;
 };
 
 // The walk by copies of the condition, tuple by tuple and table by table.
