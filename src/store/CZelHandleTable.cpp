@@ -86,10 +86,6 @@ void CZelHandleTable::remove(const CZelAtom &handle) {
     giveBack(&row->m_handle);
 }
 
-CZelCachedRecord *CZelHandleTable::find(const CZelAtom &handle) const {
-    return usedRow(handle.RALong());
-}
-
 CZelHandleTable::Row *CZelHandleTable::usedRow(long number) const {
     if (number < 0 || number >= end())
         return nullptr;

@@ -44,7 +44,8 @@ public:
     CZelCachedRecord &add(CZelAtom *handle, CZelCachedRecord &&entry);      // Requires: taken
     CZelCachedRecord &replace(CZelAtom *handle, CZelCachedRecord &&entry);  // Requires: in use
     void remove(const CZelAtom &handle);                                    // gives the handle back
-    CZelCachedRecord *find(const CZelAtom &handle) const;                   // null for a number that is not in use
+    CZelCachedRecord *find(const CZelAtom &handle) const { return find(handle.RALong()); }
+    CZelCachedRecord *find(long number) const { return usedRow(number); }  // null for a number that is not in use
 
     // Many rows at once, as one by one from take and add: numbers from 0 on, in the order of `rows`. Each piece of
     // them is entered by one thread, several at the same time; a piece begins at a multiple of BLOCK. The entries

@@ -19,15 +19,15 @@ constexpr std::size_t LEAST_ROWS = 10000;  // for trees that are worth a thread
 
 }  // namespace
 
-// The values of the rows by the numbers of their handles, picked while the file is looked through.
+// The values of the rows by the numbers of their handles, picked while the file is looked through, or from the records
+// in memory.
 class CZelIndexLoader::Picker : public CZelPageFile::Viewer {
 public:
-    Picker(const CZelRecordCache &cache, const CZelROMPColumns &columns, std::size_t count)
-        : m_cache(cache),
-          m_columns(columns),
-          m_count(count),
-          m_values(cache.RRCNumbers() * count),
-          m_isThere(cache.RRCNumbers()) {}
+    Picker(const CZelRecordCache &cache, const CZelROMPColumns &columns, std::vector<Index> &indexes)
+        : m_cache(cache), m_columns(columns), m_indexes(indexes), m_isThere(cache.RRCNumbers()) {
+        for (Index &index : m_indexes)
+            index.m_pairs.resize(cache.RRCNumbers());
+    }
 
     void beginParts(std::size_t parts) override { m_parts.assign(parts, m_columns); }
     bool wants(std::size_t page) const override {
@@ -35,34 +35,40 @@ public:
     }
     void view(std::size_t part, std::size_t page, const unsigned char *encoding, int length) override {
         const auto number = static_cast<std::size_t>(m_cache.RRCAtPages()[page]);
-        if (!m_parts[part].pick(encoding, length))
-            return;
-        for (std::size_t column = 0; column < m_count; ++column)
-            m_values[number * m_count + column] = m_parts[part].take(column);
-        m_isThere[number] = 1;
+        CZelROMPColumns &columns = m_parts[part];
+        if (columns.pick(encoding, length))
+            put(number, [&columns](std::size_t column) { return columns.take(column); });
     }
 
-    bool has(const CZelAtom &handle) const { return m_isThere[numberOf(handle)] != 0; }
-    void put(const CZelAtom &handle, std::size_t column, CZelAtom value) {
-        m_values[numberOf(handle) * m_count + column] = std::move(value);
-        m_isThere[numberOf(handle)] = 1;
+    void pickFromMemory(std::size_t begin, std::size_t end) {
+        for (std::size_t number = begin; number < end; ++number)
+            if (const CZelRecord *record = m_cache.RRCRecordInMemory(static_cast<int>(number)))
+                put(number, [&](std::size_t column) { return valueIn(*record, column); });
     }
-    // In the order of the handles.
-    void takeAll(std::size_t column, std::vector<SZelKeyedObject> &pairs) {
-        pairs.reserve(static_cast<std::size_t>(m_cache.RRCLength()));
-        for (std::size_t number = 0; number < m_isThere.size(); ++number)
-            if (m_isThere[number] != 0)
-                pairs.push_back(
-                    {std::move(m_values[number * m_count + column]), m_cache.RRCHandle(static_cast<int>(number))});
+
+    bool has(const CZelAtom &handle) const { return m_isThere[static_cast<std::size_t>(handle.RALong())] != 0; }
+    template <class ValueOf>
+    void put(std::size_t number, ValueOf valueOf) {
+        CZelAtom *handle = m_cache.RRCHandle(static_cast<int>(number));
+        for (std::size_t column = 0; column < m_indexes.size(); ++column)
+            m_indexes[column].m_pairs[number] = {valueOf(column), handle};
+        m_isThere[number] = 1;
+    }
+    CZelAtom valueIn(const CZelRecord &record, std::size_t column) const {
+        const CZelAtom *value = record.RRValueOf(m_indexes[column].m_column);
+        return value != nullptr ? CZelAtom(*value) : CZelAtom();
+    }
+
+    // What is no row or can't be read.
+    void leaveOutOthers() {
+        for (Index &index : m_indexes)
+            std::erase_if(index.m_pairs, [](const SZelKeyedObject &pair) { return pair.m_object == nullptr; });
     }
 
 private:
-    static std::size_t numberOf(const CZelAtom &handle) { return static_cast<std::size_t>(handle.RALong()); }
-
     const CZelRecordCache &m_cache;
     const CZelROMPColumns &m_columns;
-    std::size_t m_count;
-    std::vector<CZelAtom> m_values;
+    std::vector<Index> &m_indexes;
     std::vector<char> m_isThere;
     std::vector<CZelROMPColumns> m_parts;
 };
@@ -79,6 +85,11 @@ int CZelIndexLoader::load(CZelRecordCache &cache) {
         return E_RCKeyExists;
     collect(cache);
     return fillTrees();
+}
+
+void CZelIndexLoader::loadLate(CZelRecordCache &cache) {
+    collect(cache);
+    fillTrees();
 }
 
 int CZelIndexLoader::load(CZelRecordCache &cache, CZelRowKeys &keys) {
@@ -120,15 +131,18 @@ int CZelIndexLoader::fillTrees() {
 }
 
 void CZelIndexLoader::collect(CZelRecordCache &cache) {
-    Picker picker(cache, m_columns, m_indexes.size());
+    Picker picker(cache, m_columns, m_indexes);
     if (cache.RRCHasPlaces())
         cache.RRCLookThrough(picker);
+    const std::size_t numbers = cache.RRCNumbers(), parts = ZelPartsFor(numbers, LEAST_ROWS);
+    ZelInParts(parts, [&](std::size_t part) {
+        picker.pickFromMemory(ZelBeginOfPart(numbers, part, parts), ZelBeginOfPart(numbers, part + 1, parts));
+    });
     pickRest(cache, picker);
-    for (std::size_t index = 0; index < m_indexes.size(); ++index)
-        picker.takeAll(index, m_indexes[index].m_pairs);
+    picker.leaveOutOthers();
 }
 
-// What is in memory, of several pages or no plain value; what can't be read is reported here.
+// What takes several pages or has no plain value; what can't be read is reported here.
 void CZelIndexLoader::pickRest(CZelRecordCache &cache, Picker &picker) {
     CZelBag rest;
     const CZelDoubleList *handles = cache.RRCHandleIterator();
@@ -139,13 +153,7 @@ void CZelIndexLoader::pickRest(CZelRecordCache &cache, Picker &picker) {
             rest.RBAdd(static_cast<void *>(handle));
     }
     for (CZelCacheWalk walk(cache, &rest, &m_columns); walk.hasRow(); walk.advance())
-        for (std::size_t index = 0; index < m_indexes.size(); ++index)
-            picker.put(*walk.handle(), index, valueIn(walk, index));
-}
-
-CZelAtom CZelIndexLoader::valueIn(const CZelCacheWalk &walk, std::size_t number) {
-    if (walk.isPicked())
-        return m_columns.take(number);
-    const CZelAtom *value = walk.record().RRValueOf(m_indexes[number].m_column);
-    return value != nullptr ? CZelAtom(*value) : CZelAtom();
+        picker.put(static_cast<std::size_t>(walk.handle()->RALong()), [&](std::size_t column) {
+            return walk.isPicked() ? m_columns.take(column) : picker.valueIn(walk.record(), column);
+        });
 }

@@ -11,7 +11,6 @@
 #include "foundations/base/CZelROMPColumns.h"
 #include "store/CZelObjectStore.h"
 
-class CZelCacheWalk;
 class CZelRecordCache;
 class CZelRowKeys;
 
@@ -22,6 +21,9 @@ public:
     // 1; E_RCKeyExists: two rows have one key, or a tree was not empty. Then all trees are as they were, and who keeps
     // which row is to be decided row by row.
     int load(CZelRecordCache &cache);
+
+    // The same for trees that have been left to be filled and can't refuse.
+    void loadLate(CZelRecordCache &cache);
 
     // The same from what the rows have been found to have, where that is at hand for all indexes.
     int load(CZelRecordCache &cache, CZelRowKeys &keys);
@@ -40,7 +42,6 @@ private:
     void collect(CZelRecordCache &cache);
     void pickRest(CZelRecordCache &cache, Picker &picker);
     int fillTrees();
-    CZelAtom valueIn(const CZelCacheWalk &walk, std::size_t number);
 
     std::vector<Index> m_indexes;
     CZelROMPColumns m_columns;

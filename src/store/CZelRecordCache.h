@@ -102,8 +102,9 @@ public:
     const std::vector<int> &RRCAtPages() const { return m_atPage; }  // by page; NO_ROW: none begins here
     bool RRCLookAtPage(std::size_t page, SZelCachedRow &row);        // as RRCLookAt. Requires: a row begins here
     void RRCLookThrough(CZelPageFile::Viewer &viewer) const { m_file.lookThrough(viewer); }
-    std::size_t RRCParts() const { return m_file.partsToLookThrough(); }                  // of such a look
-    CZelAtom *RRCHandle(int number) const { return m_handles.handleAt(number); }          // Requires: a row has it
+    std::size_t RRCParts() const { return m_file.partsToLookThrough(); }          // of such a look
+    CZelAtom *RRCHandle(int number) const { return m_handles.handleAt(number); }  // Requires: a row has it
+    const CZelRecord *RRCRecordInMemory(int number) const;  // the cache's; counts as no access; null: none is there
     std::size_t RRCNumbers() const { return static_cast<std::size_t>(m_handles.end()); }  // all numbers are below it
 
     CZelDoubleList *RRCHandleIterator();  // of CZelPointer to handle atoms, in order; null before creation

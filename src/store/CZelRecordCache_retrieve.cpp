@@ -93,6 +93,11 @@ std::vector<int> CZelRecordCache::RRCInMemory() const {
     return numbers;
 }
 
+const CZelRecord *CZelRecordCache::RRCRecordInMemory(int number) const {
+    const CZelCachedRecord *entry = m_handles.find(static_cast<long>(number));
+    return entry != nullptr && entry->RCRIsRecordInCore() == E_RBTrue ? entry->RCRGetRecord() : nullptr;
+}
+
 bool CZelRecordCache::RRCLookAtPage(std::size_t page, SZelCachedRow &row) {
     row = {};
     return lookAtFile(static_cast<long>(page) * CZelPageView::PAGE_BYTES, row);

@@ -18,6 +18,7 @@
 #include "oql/CZelIndex.h"
 #include "store/CZelColDef.h"
 #include "store/CZelDatabase.h"
+#include "store/CZelLateIndexes.h"
 #include "store/CZelObjectStore.h"
 #include "store/CZelRecordCache.h"
 #include "store/CZelRowKeys.h"
@@ -157,6 +158,7 @@ CZelTable::~CZelTable() {
     delete m_timestamps;
     delete m_counters;
     delete m_rowKeys;
+    delete m_lateIndexes;
     delete m_cache;
     delete m_entity;
     delete m_lock;

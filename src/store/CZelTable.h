@@ -35,6 +35,7 @@ class CZelFilter;
 class CZelJoinTaker;
 class CZelIndex;
 class CZelInsert;
+class CZelLateIndexes;
 class CZelObjectStore;
 class CZelPointer;
 class CZelQuery;
@@ -331,6 +332,8 @@ private:
     void countIndex(const CZelAtom &name, CZelBag &added);
     void uncountIndex(const CZelAtom &name, CZelBag &removed);
     void moveRows(const CZelColDef &column, bool add);
+    void moveCachedRows(SZelIndexValue &place, bool add);
+    void fillLateIndexes();
     void moveRow(const CZelRecord &row, void *identity, SZelIndexValue &place, bool add);
 
     CZelRWLock *m_lock = nullptr;  // around every touch of the cache; null only without columns
@@ -355,6 +358,7 @@ private:
     std::vector<Change> m_formerChanges;       // of an update that is done: memory for the next one
     CZelRecordCache *m_cache = nullptr;        // null on a plain table
     CZelRowKeys *m_rowKeys = nullptr;          // of its rows, from its start until the indexes are filled
+    CZelLateIndexes *m_lateIndexes = nullptr;  // of its trees; null until an index is created over rows
     CZelDoubleList *m_rows = nullptr;          // the records themselves, in order of insertion
     CZelBag *m_scratch = nullptr;              // tuples of the join step in progress
     CZelBag *m_garbage = nullptr;              // tuples handed out by joined queries

@@ -80,6 +80,7 @@ int fail(int code, const char *what, const CZelAtom *table) {
 // Nothing is written for a row that a unique tree would refuse.
 int CZelTable::addCachedRow(CZelRecord *record, __boolean flag) {
     const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
+    fillLateIndexes();
     int status = plan().checkUniques(*record);
     if (status != 1)
         return status;
@@ -106,6 +107,7 @@ int CZelTable::takeBack(CZelAtom *handle, int refusal) {
 
 int CZelTable::deleteCachedRows(CZelDelete &statement, __boolean flag) {
     const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
+    fillLateIndexes();
     const std::unique_ptr<CZelBag> handles(identities(statement.RDFilter(), E_RBFalse));
     if (handles == nullptr || handles->RBLength() == 0)
         return E_RCNotFound;
@@ -159,6 +161,7 @@ struct CZelTable::CachedUpdate {
 // Row by row: at most one copy is held.
 int CZelTable::updateCachedRows(CZelUpdate &statement, CZelDoubleList *changes, __boolean flag) {
     const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
+    fillLateIndexes();
     const std::unique_ptr<CZelBag> handles(identities(statement.RUFilter(), E_RBFalse));
     if (handles == nullptr)
         return E_RCNotFound;

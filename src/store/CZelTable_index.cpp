@@ -13,7 +13,7 @@
 #include "oql/CZelIndex.h"
 #include "store/CZelCacheWalk.h"
 #include "store/CZelColDef.h"
-#include "store/CZelIndexLoader.h"
+#include "store/CZelLateIndexes.h"
 #include "store/CZelObjectStore.h"
 #include "store/CZelStoreGuard.h"
 #include "store/CZelTable.h"
@@ -129,17 +129,38 @@ void CZelTable::moveRows(const CZelColDef &column, bool add) {
     const CZelAtom *name = column.RCDName();
     SZelIndexValue place{m_objectStore->ROSTreeFor(*name), nullptr, name};
     if (m_cache != nullptr) {
-        const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
-        if (add && CZelIndexLoader({place}).load(*m_cache) == 1)
-            return;
-        for (CZelCacheWalk walk(*m_cache, nullptr); walk.hasRow(); walk.advance())
-            moveRow(walk.record(), walk.handle(), place, add);
+        moveCachedRows(place, add);
         return;
     }
     for (CZelListable *node = m_rows->RDLHead(); node != nullptr; node = m_rows->RDLGetNext(node)) {
         auto *row = static_cast<CZelRecord *>(node);
         moveRow(*row, row, place, add);
     }
+}
+
+// Only the tree of a key or unique column can have rows before.
+void CZelTable::moveCachedRows(SZelIndexValue &place, bool add) {
+    const CZelStoreGuard guard(*m_lock, CZelStoreGuard::WRITER);
+    if (!add) {
+        place.m_tree->RBPTEmpty();
+        return;
+    }
+    if (place.m_tree->RBPTLength() == m_cache->RRCLength())
+        return;
+    if (place.m_tree->RBPTIsEmpty() == E_RBTrue && place.m_tree->RBPTIsDegenerate() == E_RBTrue) {
+        if (m_lateIndexes == nullptr)
+            m_lateIndexes = new CZelLateIndexes(*m_cache, *m_lock);
+        m_lateIndexes->add(*place.m_tree, *place.m_column);
+        return;
+    }
+    for (CZelCacheWalk walk(*m_cache, nullptr); walk.hasRow(); walk.advance())
+        moveRow(walk.record(), walk.handle(), place, true);
+}
+
+// Before the first row changes.
+void CZelTable::fillLateIndexes() {
+    if (m_lateIndexes != nullptr)
+        m_lateIndexes->fillAll();
 }
 
 void CZelTable::moveRow(const CZelRecord &row, void *identity, SZelIndexValue &place, bool add) {

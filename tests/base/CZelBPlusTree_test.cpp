@@ -1,6 +1,8 @@
 #include "foundations/base/CZelBPlusTree.h"
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -173,6 +175,78 @@ TEST_F(BPlusTreeTest, AnyAddressIsAnObject) {
     EXPECT_EQ(reinterpret_cast<void *>(1UL), degenerate.RBPTGetNodeForKey(&key)->RBTNGetData());
     EXPECT_EQ(E_RCOk, degenerate.RBPTLiteralDeleteObjectInTree(&key, reinterpret_cast<void *>(1UL)));
     EXPECT_EQ(E_RBTrue, degenerate.RBPTIsEmpty());
+}
+
+// Loads two objects when asked.
+class LateFiller : public CZelBPlusTree::Filler {
+public:
+    LateFiller(CZelBPlusTree &tree, void *first, void *second) : m_tree(tree), m_objects{first, second} {
+        tree.RBPTLeaveTo(*this);
+    }
+    void fill(const CZelBPlusTree &tree) override {
+        EXPECT_EQ(&m_tree, &tree);
+        std::vector<SZelKeyedObject> pairs;
+        pairs.push_back({CZelAtom(7), m_objects[0]});
+        pairs.push_back({CZelAtom(5), m_objects[1]});
+        EXPECT_EQ(1, m_tree.RBPTLoad(pairs));
+        ++fills;
+    }
+    void forget(const CZelBPlusTree &tree) override { forgets += &tree == &m_tree ? 1 : 0; }
+    int fills = 0;
+    int forgets = 0;
+
+private:
+    CZelBPlusTree &m_tree;
+    void *m_objects[2];
+};
+
+TEST_F(BPlusTreeTest, WhateverIsAskedFirstOfATreeLeftToAFillerFindsItFilled) {
+    const CZelAtom five(5), seven(7);
+    const CZelAtom *const keys[] = {&seven};
+    const std::vector<std::function<void(CZelBPlusTree &)>> first = {
+        [&](CZelBPlusTree &tree) { EXPECT_EQ("a", query(tree, E_ROGreater, &five)); },
+        [&](CZelBPlusTree &tree) { EXPECT_EQ("b", query(tree, E_RONotEqual, &seven)); },
+        [&](CZelBPlusTree &tree) { EXPECT_EQ(object('a'), tree.RBPTFindSingle(&seven)); },
+        [&](CZelBPlusTree &tree) { EXPECT_EQ(2, tree.RBPTLength()); },
+        [&](CZelBPlusTree &tree) { EXPECT_EQ(E_RBFalse, tree.RBPTIsEmpty()); },
+        [&](CZelBPlusTree &tree) { EXPECT_FALSE(tree.RBPTIsWhole(&five, E_ROGreater)); },
+        [&](CZelBPlusTree &tree) { EXPECT_EQ(1, tree.RBPTCountQuery(&five, E_ROGreater)); },
+        [&](CZelBPlusTree &tree) { EXPECT_EQ(1, remove(tree, seven, 'a')); },
+        [&](CZelBPlusTree &tree) { EXPECT_EQ(1, add(tree, seven, 'c')); },
+        [&](CZelBPlusTree &tree) {
+            CZelBag between;
+            EXPECT_EQ(2, tree.RBPTAppendBetween(five, true, seven, true, between));
+        },
+        [&](CZelBPlusTree &tree) {
+            CZelBTreeNode *entry = nullptr;
+            tree.RBPTGetNodesForKeys(keys, 1, &entry);
+            EXPECT_NE(nullptr, entry);
+        },
+        [&](CZelBPlusTree &tree) {
+            EXPECT_EQ(2U, std::unique_ptr<CZelAtomVector>(tree.RBPTTreeKeysToAtomVector())->RAVSize());
+        }};
+    for (const auto &ask : first) {
+        CZelBPlusTree tree(true);
+        LateFiller filler(tree, object('a'), object('b'));
+        ask(tree);
+        add(tree, seven, 'd');
+        EXPECT_EQ("d", query(tree, E_ROEqual, &seven).substr(query(tree, E_ROEqual, &seven).size() - 1));
+        EXPECT_EQ(1, filler.fills);
+        tree.RBPTEmpty();
+        EXPECT_EQ(0, filler.forgets);
+    }
+}
+
+TEST_F(BPlusTreeTest, ATreeThatGoesUnfilledIsForgotten) {
+    std::optional<CZelBPlusTree> tree(true);
+    LateFiller filler(*tree, object('a'), object('b'));
+    tree->RBPTEmpty();
+    EXPECT_EQ(1, filler.forgets);
+    EXPECT_EQ(E_RBTrue, tree->RBPTIsEmpty());
+    tree->RBPTLeaveTo(filler);
+    tree.reset();
+    EXPECT_EQ(2, filler.forgets);
+    EXPECT_EQ(0, filler.fills);
 }
 
 TEST_F(BPlusTreeTest, ReadersMayAskForTheListTogether) {

@@ -1,6 +1,10 @@
 // A table with a record cache, looked at from inside: what events see, what stays when the file can't be written, what
 // a start makes of the rows of an earlier run.
 #include "store/CZelRecordCache.h"
+
+#include <functional>
+#include <thread>
+
 #include "tests/port/FailingFiles.h"
 #include "tests/store/TableTest.h"
 #include "tests/support/CacheHome.h"
@@ -103,6 +107,96 @@ TEST_P(CachedTableTest, CreatedIndexesAndNestedValuesFollowTheRows) {
     m_table->RTDropIndex(&drop);
     EXPECT_EQ(19U, select(both(where("g", 2), negated(where("s", "none")))).size());
     EXPECT_EQ(9U, select(both(where("s", "short"), leaf(col("w"), E_ROGreater, val(1L)))).size() - 1U);
+}
+
+// Two tables get the same indexes and changes; one of them is asked by its indexes before the first change.
+TEST_P(CachedTableTest, AnIndexAnswersTheSameWheneverItIsAskedFirst) {
+    const std::vector<std::function<void()>> changes = {[this] {
+                                                            EXPECT_EQ(1, insert({{"k", 100}, {"g", 1}, {"h", 2}}));
+                                                        },
+                                                        [this] { EXPECT_EQ(1, erase(where("g", 1))); },
+                                                        [this] { EXPECT_EQ(1, erase(where("k", 5))); },
+                                                        [this] {
+                                                            EXPECT_EQ(1, update({{"g", 1}}, where("k", 8)));
+                                                        },
+                                                        [this] {
+                                                            EXPECT_EQ(1, update({{"h", 1}}, where("h", 2)));
+                                                        },
+                                                        [this] {
+                                                            CZelDropIndex drop(ZelStrDup("index_g"));
+                                                            m_table->RTDropIndex(&drop);
+                                                            addIndex(*m_table, "g");
+                                                        }};
+    for (const auto &change : changes) {
+        Texts found[2];
+        for (const bool isAsked : {false, true}) {
+            open({column("k", E_RDTInt, KEY), column("g", E_RDTInt), column("h", E_RDTInt), column("s", E_RDTText)},
+                 GetParam());
+            for (int i = 0; i < 40; ++i)
+                insert({{"k", i}, {"g", i % 4}, {"h", i % 3}, {"s", std::string(i % 7 * 100U, 'x').c_str()}});
+            erase(where("k", 3));  // its handle goes to the row that comes next
+            addIndex(*m_table, "g");
+            addIndex(*m_table, "h");
+            if (isAsked) {
+                EXPECT_EQ(9U + 13U, select(where("g", 3)).size() + select(where("h", 1)).size());
+            }
+            change();
+            for (int value = 0; value < 4; ++value)
+                for (const char *name : {"g", "h"})
+                    for (const std::string &row : select(where(name, value)))
+                        found[isAsked].push_back(row);
+            m_table->RTDropTable();
+        }
+        EXPECT_EQ(found[true], found[false]);
+        EXPECT_FALSE(found[true].empty());
+    }
+}
+
+TEST_F(CachedTableTest, AnIndexIsFilledWhenItIsAskedAndTellsThenWhatItCouldNotRead) {
+    open({column("k", E_RDTInt, KEY), column("g", E_RDTInt), column("h", E_RDTInt)}, ON_DISK);
+    for (int i = 0; i < 40; ++i)
+        insert({{"k", i}, {"g", i % 4}, {"h", i % 2}});
+    addIndex(*m_table, "g");
+    {
+        FailingFiles files(FailingFiles::READ, 1, EIO, FailingFiles::FOR_GOOD);
+        addIndex(*m_table, "h");
+        EXPECT_EQ(0, files.Calls(FailingFiles::READ));
+    }
+    EXPECT_EQ(10U, select(where("g", 2)).size());  // fills both
+    EXPECT_EQ(20U, select(where("h", 1)).size());
+    EXPECT_EQ(0U, m_reports.Count());
+    CZelDropIndex drop(ZelStrDup("index_g"));
+    m_table->RTDropIndex(&drop);
+    addIndex(*m_table, "g");
+    {
+        const FailingFiles files(FailingFiles::READ, 1, EIO, FailingFiles::FOR_GOOD);
+        EXPECT_EQ(0U, select(where("g", 2)).size());
+    }
+    EXPECT_TRUE(m_reports.Holds(E_RCPageRead));
+    EXPECT_EQ(20U, select(where("h", 1)).size());
+}
+
+TEST_F(CachedTableTest, ReadersMayAskForANewIndexTogether) {
+    open({column("k", E_RDTInt, KEY), column("g", E_RDTInt)}, ON_DISK);
+    for (int i = 0; i < 400; ++i)
+        insert({{"k", i}, {"g", i % 4}});
+    for (int round = 0; round < 10; ++round) {
+        addIndex(*m_table, "g");
+        std::vector<int> found(4);
+        std::vector<std::thread> readers;
+        readers.reserve(found.size());
+        for (int reader = 0; reader < 4; ++reader)
+            readers.emplace_back([&, reader] {
+                const std::unique_ptr<CZelFilter> filter(where("g", reader));
+                const CZelBagGuard<CZelRecord> rows(m_table->RTReturnRows(filter.get()));
+                found[static_cast<std::size_t>(reader)] = rows->RBLength();
+            });
+        for (std::thread &reader : readers)
+            reader.join();
+        EXPECT_EQ((std::vector<int>{100, 100, 100, 100}), found);
+        CZelDropIndex drop(ZelStrDup("index_g"));
+        m_table->RTDropIndex(&drop);
+    }
 }
 
 // A walk tests rows in the file by what it picks out of their encodings; the model has the decoded records.

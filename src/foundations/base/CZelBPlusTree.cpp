@@ -17,6 +17,8 @@ const CZelAtom &keyOrNull(const CZelAtom *key) {
 
 }  // namespace
 
+CZelBPlusTree::Filler::~Filler() = default;
+
 CZelBPlusTree::CZelBPlusTree(bool degenerate) : m_degenerate(degenerate) {}
 
 int CZelBPlusTree::RBPTAddObjectToTree(const CZelAtom *key, void *object, bool) {
@@ -26,6 +28,8 @@ int CZelBPlusTree::RBPTAddObjectToTree(const CZelAtom *key, void *object, bool) 
 }
 
 int CZelBPlusTree::RBPTAddToEach(const SAddition *additions, std::size_t count, void *object, std::size_t *added) {
+    for (std::size_t i = 0; i < count; ++i)
+        additions[i].m_tree->beFilled();
     for (*added = 0; *added < count;) {
         const std::size_t before = *added;
         const int status = addTogether(additions + before, std::min(count - before, TOGETHER), object, added);
@@ -71,18 +75,21 @@ bool CZelBPlusTree::finish(CZelKeyTree::Addition &addition, const CZelAtom *key,
 }
 
 int CZelBPlusTree::RBPTLoad(std::vector<SZelKeyedObject> &pairs) {
-    if (!m_tree.RKTLoad(pairs, !m_degenerate))
-        return E_RCKeyExists;
-    m_length = static_cast<int>(pairs.size());
-    return E_RCOk;
+    const bool isLoaded = m_tree.RKTLoad(pairs, !m_degenerate);
+    m_length = isLoaded ? static_cast<int>(pairs.size()) : 0;
+    m_filler.store(nullptr, std::memory_order_release);
+    return isLoaded ? E_RCOk : E_RCKeyExists;
 }
 
 void CZelBPlusTree::RBPTEmpty() {
+    if (RBPTIsLeft())
+        m_filler.exchange(nullptr)->forget(*this);
     m_tree.RKTEmpty();
     m_length = 0;
 }
 
 int CZelBPlusTree::RBPTLiteralDeleteObjectInTree(const CZelAtom *key, void *object) {
+    beFilled();
     if (!m_tree.RKTRemove(keyOrNull(key), object))
         return E_RCNotInTree;
     --m_length;
@@ -90,7 +97,7 @@ int CZelBPlusTree::RBPTLiteralDeleteObjectInTree(const CZelAtom *key, void *obje
 }
 
 CZelBTreeNode *CZelBPlusTree::RBPTGetNodeForKey(const CZelAtom *key) const {
-    return m_tree.RKTFind(keyOrNull(key));
+    return tree().RKTFind(keyOrNull(key));
 }
 
 void CZelBPlusTree::RBPTGetNodesForKeys(const CZelAtom *const *keys, std::size_t count, CZelBTreeNode **entries) const {
@@ -99,7 +106,7 @@ void CZelBPlusTree::RBPTGetNodesForKeys(const CZelAtom *const *keys, std::size_t
     for (std::size_t from = 0; from < count; from += PART) {
         const std::size_t length = std::min(PART, count - from);
         std::transform(keys + from, keys + from + length, part, [](const CZelAtom *key) { return &keyOrNull(key); });
-        m_tree.RKTFindMany(part, length, entries + from);
+        tree().RKTFindMany(part, length, entries + from);
     }
 }
 
@@ -109,8 +116,8 @@ void *CZelBPlusTree::RBPTFindSingle(const CZelAtom *key) const {
 }
 
 CZelAtomVector *CZelBPlusTree::RBPTTreeKeysToAtomVector() const {
-    CZelAtomVector *keys = new CZelAtomVector(static_cast<unsigned int>(m_tree.RKTLength()));
-    for (CZelKeyTree::Place place = m_tree.RKTFirst(); !place.isEnd(); place.next())
+    CZelAtomVector *keys = new CZelAtomVector(static_cast<unsigned int>(tree().RKTLength()));
+    for (CZelKeyTree::Place place = tree().RKTFirst(); !place.isEnd(); place.next())
         keys->RAVAddToEnd(new CZelAtom(place.key()));
     return keys;
 }

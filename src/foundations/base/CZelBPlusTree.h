@@ -9,6 +9,7 @@
 // Threads: no lock; several readers may query while nobody changes.
 #pragma once
 
+#include <atomic>
 #include <climits>
 #include <vector>
 
@@ -21,9 +22,23 @@ class CZelBag;
 
 class QUINTOR_API CZelBPlusTree {
 public:
+    // Who fills a tree when it is first asked for anything.
+    class QUINTOR_API Filler {
+    public:
+        virtual ~Filler();
+        virtual void fill(const CZelBPlusTree &tree) = 0;    // loads it; several readers may call it at a time
+        virtual void forget(const CZelBPlusTree &tree) = 0;  // it needs not be filled any more
+    };
+
     explicit CZelBPlusTree(bool degenerate);
     CZelBPlusTree(const CZelBPlusTree &) = delete;
     CZelBPlusTree &operator=(const CZelBPlusTree &) = delete;
+    ~CZelBPlusTree() { RBPTEmpty(); }
+
+    // From here on the tree holds what the filler, which outlives it, will load into it: whatever is asked, found or
+    // changed, it is filled first. Requires: it is empty and degenerate.
+    void RBPTLeaveTo(Filler &filler) { m_filler.store(&filler, std::memory_order_release); }
+    bool RBPTIsLeft() const { return m_filler.load(std::memory_order_acquire) != nullptr; }
 
     // 1, or E_RCKeyExists when a unique tree has another object under this non-null key. `flag` has no effect.
     int RBPTAddObjectToTree(const CZelAtom *key, void *object, bool flag);
@@ -73,8 +88,11 @@ public:
 
     CZelAtomVector *RBPTTreeKeysToAtomVector() const;  // new, in order; the null key is an undefined atom
     __boolean RBPTIsDegenerate() const { return ZelBool(m_degenerate); }
-    __boolean RBPTIsEmpty() const { return ZelBool(m_length == 0); }
-    int RBPTLength() const { return m_length; }  // in objects
+    __boolean RBPTIsEmpty() const { return ZelBool(RBPTLength() == 0); }
+    int RBPTLength() const {  // in objects
+        beFilled();
+        return m_length;
+    }
 
 private:
     struct Stretch;
@@ -86,7 +104,17 @@ private:
     Stretch range(const CZelAtom &key, EZelOper op) const;
     Answer answer(const CZelAtom *key, EZelOper op) const;
 
+    void beFilled() const {
+        if (Filler *filler = m_filler.load(std::memory_order_acquire)) [[unlikely]]
+            filler->fill(*this);
+    }
+    const CZelKeyTree &tree() const {
+        beFilled();
+        return m_tree;
+    }
+
     bool m_degenerate;
     int m_length = 0;
+    std::atomic<Filler *> m_filler = nullptr;  // until the tree is filled
     CZelKeyTree m_tree;
 };

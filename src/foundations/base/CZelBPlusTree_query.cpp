@@ -23,13 +23,13 @@ CZelBPlusTree::Stretch CZelBPlusTree::range(const CZelAtom &key, EZelOper op) co
         return {};
     switch (op) {
         case E_ROLess:
-            return {m_tree.RKTStartOfType(key), m_tree.RKTFrom(key)};
+            return {tree().RKTStartOfType(key), tree().RKTFrom(key)};
         case E_ROLessEqual:
-            return {m_tree.RKTStartOfType(key), m_tree.RKTBehind(key)};
+            return {tree().RKTStartOfType(key), tree().RKTBehind(key)};
         case E_ROGreater:
-            return {m_tree.RKTBehind(key), m_tree.RKTEndOfType(key)};
+            return {tree().RKTBehind(key), tree().RKTEndOfType(key)};
         case E_ROGreaterEqual:
-            return {m_tree.RKTFrom(key), m_tree.RKTEndOfType(key)};
+            return {tree().RKTFrom(key), tree().RKTEndOfType(key)};
         default:
             return {};
     }
@@ -40,9 +40,9 @@ CZelBPlusTree::Answer CZelBPlusTree::answer(const CZelAtom *key, EZelOper op) co
     const CZelAtom &value = key == nullptr ? null : *key;
     switch (op) {
         case E_ROEqual:
-            return {{m_tree.RKTFrom(value), m_tree.RKTBehind(value)}, {}};
+            return {{tree().RKTFrom(value), tree().RKTBehind(value)}, {}};
         case E_RONotEqual:
-            return {{m_tree.RKTFirst(), m_tree.RKTFrom(value)}, {m_tree.RKTBehind(value), CZelKeyTree::RKTEnd()}};
+            return {{tree().RKTFirst(), tree().RKTFrom(value)}, {tree().RKTBehind(value), CZelKeyTree::RKTEnd()}};
         default:
             return {range(value, op), {}};
     }
@@ -85,7 +85,7 @@ bool CZelBPlusTree::RBPTIsWhole(const CZelAtom *key, EZelOper op) const {
     if (op == E_ROEqual || op == E_RONotEqual)
         return RBPTCountQuery(key, op) == RBPTLength();
     const Stretch stretch = answer(key, op).first;
-    return stretch.from == m_tree.RKTFirst() && stretch.to == CZelKeyTree::RKTEnd();
+    return stretch.from == tree().RKTFirst() && stretch.to == CZelKeyTree::RKTEnd();
 }
 
 int CZelBPlusTree::RBPTAppendBetween(const CZelAtom &low, bool withLow, const CZelAtom &high, bool withHigh,
@@ -96,7 +96,7 @@ int CZelBPlusTree::RBPTAppendBetween(const CZelAtom &low, bool withLow, const CZ
     if (!isRange)
         return 0;
     const int before = bag.RBLength();
-    CZelKeyTree::RKTAppend(withLow ? m_tree.RKTFrom(low) : m_tree.RKTBehind(low),
-                           withHigh ? m_tree.RKTBehind(high) : m_tree.RKTFrom(high), bag);
+    CZelKeyTree::RKTAppend(withLow ? tree().RKTFrom(low) : tree().RKTBehind(low),
+                           withHigh ? tree().RKTBehind(high) : tree().RKTFrom(high), bag);
     return bag.RBLength() - before;
 }
