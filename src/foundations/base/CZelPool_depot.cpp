@@ -3,6 +3,7 @@
 #include <sys/mman.h>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstdlib>
 
@@ -53,22 +54,40 @@ struct CZelPoolDepot::Region {
     Block *BlockAt(std::uint32_t index) const {
         return reinterpret_cast<Block *>(m_base + static_cast<std::size_t>(index) * m_size);
     }
-    // Links up to `count` blocks behind *link, lowest address first, and moves *link on. Gives their number.
-    std::uint32_t TakeUpTo(std::uint32_t count, Block **&link) {
-        const std::uint32_t wanted = std::min(count, m_free);
-        std::uint32_t left = wanted;
-        for (std::uint32_t word = 0; left > 0; ++word) {
-            std::uint64_t bits = Bits()[word];
-            for (; bits != 0 && left > 0; --left, bits &= bits - 1) {
-                *link = BlockAt(word * WORD_BITS + static_cast<std::uint32_t>(std::countr_zero(bits)));
-                link = &(*link)->m_next;
-            }
-            Bits()[word] = bits;
+    // Takes up to `count` blocks, lowest address first, and notes them from *claim on, which moves. Gives their number.
+    std::uint32_t TakeUpTo(std::uint32_t count, Claim *&claim);
+};
+
+// Blocks of one word of a region's bits.
+struct CZelPoolDepot::Claim {
+    const Region *m_region;
+    std::uint32_t m_word;
+    std::uint64_t m_bits;
+
+    // Links them behind *link, which moves on.
+    void Link(Block **&link) const {
+        for (std::uint64_t bits = m_bits; bits != 0; bits &= bits - 1) {
+            *link = m_region->BlockAt(m_word * WORD_BITS + static_cast<std::uint32_t>(std::countr_zero(bits)));
+            link = &(*link)->m_next;
         }
-        m_free -= wanted;
-        return wanted;
     }
 };
+
+std::uint32_t CZelPoolDepot::Region::TakeUpTo(std::uint32_t count, Claim *&claim) {
+    const std::uint32_t wanted = std::min(count, m_free);
+    std::uint32_t left = wanted;
+    for (std::uint32_t word = 0; left > 0; ++word) {
+        const std::uint64_t free = Bits()[word];
+        std::uint64_t rest = free;
+        for (; rest != 0 && left > 0; --left)
+            rest &= rest - 1;
+        if (rest != free)
+            *claim++ = {this, word, free ^ rest};
+        Bits()[word] = rest;
+    }
+    m_free -= wanted;
+    return wanted;
+}
 
 CZelPoolDepot &CZelPoolDepot::Of(std::size_t sizeClass) {
     return g_depots[sizeClass];
@@ -79,12 +98,10 @@ std::size_t CZelPoolDepot::sizeClass() const {
 }
 
 CZelPoolDepot::Block *CZelPoolDepot::TakeBatch() {
-    std::lock_guard guard(m_lock);
     return takeBlocks(BatchSize(sizeClass()));
 }
 
 CZelPoolDepot::Block *CZelPoolDepot::TakeOne() {
-    std::lock_guard guard(m_lock);
     return takeBlocks(1);
 }
 
@@ -103,16 +120,27 @@ void CZelPoolDepot::GiveOne(Block *block) {
 }
 
 CZelPoolDepot::Block *CZelPoolDepot::takeBlocks(std::uint32_t count) {
+    std::array<Claim, MOST_CLAIMS> claims;
+    const std::size_t length = claim(count, claims.data());
     Block *first = nullptr;
     Block **link = &first;
+    for (std::size_t i = 0; i < length; ++i)
+        claims[i].Link(link);
+    *link = nullptr;
+    return first;
+}
+
+// Gives the number of the claims, none of which is empty.
+std::size_t CZelPoolDepot::claim(std::uint32_t count, Claim *claims) {
+    std::lock_guard guard(m_lock);
+    Claim *end = claims;
     while (count > 0) {
         Region &region = regionWithFree();
-        count -= region.TakeUpTo(count, link);
+        count -= region.TakeUpTo(count, end);
         if (region.m_free == 0)
             setOpen(region, false);
     }
-    *link = nullptr;
-    return first;
+    return static_cast<std::size_t>(end - claims);
 }
 
 void CZelPoolDepot::give(Block *block) {

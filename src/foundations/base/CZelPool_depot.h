@@ -4,8 +4,9 @@
 // however the blocks came back: what is made together lies together, also in a process that has run for long.
 // Regions come in chunks, which are never given back to the system.
 //
-// Threads: one lock per class, held for a batch at a time. Never destroyed, since objects die as late as in
-// the destructors of statics.
+// Threads: one lock per class, held for a batch at a time, and when blocks are taken only while they are marked: they
+// are linked behind it, as writing into memory that has not been used for long takes most of the time. Never destroyed,
+// since objects die as late as in the destructors of statics.
 #pragma once
 
 #include <mutex>
@@ -42,9 +43,12 @@ private:
     static constexpr unsigned WORD_BITS = 64;
 
     struct Region;
+    struct Claim;  // blocks that have been taken and are to be linked
+    static constexpr std::size_t MOST_CLAIMS = BATCH_BYTES / CZelPool::STEP;
 
     std::size_t sizeClass() const;
     Block *takeBlocks(std::uint32_t count);
+    std::size_t claim(std::uint32_t count, Claim *claims);
     void give(Block *block);
 
     Region &regionWithFree();
