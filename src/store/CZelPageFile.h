@@ -120,9 +120,6 @@ public:
     void lookThrough(Viewer &viewer) const;
     std::size_t partsToLookThrough() const;
 
-    // How many pages a part has at least; 0 for the usual number. Of the process: for tests of small files.
-    static void setLeastPart(std::size_t pages);
-
     // Empties a chain, first page first, and gives its pages back. 1; E_RCPageRead, E_RCPageWrite: the chain stands;
     // E_RCBadValue (broken chain).
     int release(long start);

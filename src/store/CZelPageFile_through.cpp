@@ -11,10 +11,9 @@ namespace {
 
 constexpr std::size_t PAGE = CZelPageView::PAGE_BYTES;
 constexpr std::size_t BLOCK_PAGES = 512;
-constexpr std::size_t LEAST_PAGES = 4096;  // for a thread of their own
+constexpr std::size_t LEAST_PAGES = 2048;  // for a thread of their own
+constexpr std::size_t STRIDES = 8;         // of a part, at least
 constexpr std::size_t FAR = 8;             // pages nobody wants that cost more to copy than another call does to make
-
-std::atomic<std::size_t> leastPages{LEAST_PAGES};
 
 // One part of the file, of which a block at a time is in memory.
 class Through {
@@ -111,19 +110,15 @@ void CZelPageFile::Viewer::beginPart(std::size_t) {}
 
 void CZelPageFile::Viewer::leave(std::size_t, std::size_t) {}
 
-void CZelPageFile::setLeastPart(std::size_t pages) {
-    leastPages = pages != 0 ? pages : LEAST_PAGES;
-}
-
 std::size_t CZelPageFile::partsToLookThrough() const {
-    return isOpen() ? ZelPartsFor(static_cast<std::size_t>(m_pageCount), leastPages) : 1;
+    return isOpen() ? ZelPartsFor(static_cast<std::size_t>(m_pageCount), LEAST_PAGES) : 1;
 }
 
-// Who is done with a block takes the next, so that all threads end together.
+// Who is done with some pages takes the next ones, so that all threads end together.
 void CZelPageFile::lookThrough(Viewer &viewer) const {
     const auto pages = static_cast<std::size_t>(isOpen() ? m_pageCount : 0);
     const std::size_t parts = partsToLookThrough();
-    const std::size_t stride = std::min<std::size_t>(BLOCK_PAGES, leastPages);
+    const std::size_t stride = std::clamp<std::size_t>(pages / (parts * STRIDES), 1, BLOCK_PAGES);
     std::atomic<std::size_t> next{0};
     viewer.beginParts(parts);
     ZelInParts(parts, [&](std::size_t part) {

@@ -10,7 +10,7 @@
 #include "port/FailingFiles.h"
 #include "store/CZelNumberSet.h"
 #include "store/CacheTest.h"
-#include "support/SmallParts.h"
+#include "support/SplitAll.h"
 #include "support/TestRandom.h"
 
 namespace {
@@ -49,8 +49,7 @@ protected:
         Texts reports;
         bool operator==(const Outcome &) const = default;
     };
-    Outcome scan(CZelRecordCache &cache, std::size_t leastPart, CZelCacheScan::Form form) {
-        const SmallParts parts(leastPart);
+    Outcome scan(CZelRecordCache &cache, CZelCacheScan::Form form) {
         CZelErrorCapture capture;
         CZelCacheScan scan(cache, &m_columns, form);
         scan.run([](const SZelScannedRow &row) {
@@ -71,15 +70,16 @@ protected:
             outcome.reports.push_back(report.m_text);
         return outcome;
     }
-    bool inParts(CZelRecordCache &cache) {
-        const SmallParts parts(20);
-        return CZelCacheScan(cache, &m_columns, CZelCacheScan::COUNT).parts() > 1;
+    Outcome scanInParts(CZelRecordCache &cache, CZelCacheScan::Form form) {
+        const SplitAll split;
+        EXPECT_LT(1U, CZelCacheScan(cache, &m_columns, form).parts());
+        return scan(cache, form);
     }
     Outcome compare(CZelRecordCache &cache) {
         Outcome last;
         for (const CZelCacheScan::Form form : {CZelCacheScan::COPIES, CZelCacheScan::HANDLES, CZelCacheScan::COUNT}) {
-            const Outcome ofParts = scan(cache, 1 + random.below(40), form);
-            last = scan(cache, 1000000, form);
+            const Outcome ofParts = scanInParts(cache, form);
+            last = scan(cache, form);
             EXPECT_EQ(last.rows, ofParts.rows) << form;
             EXPECT_EQ(last.reports, ofParts.reports) << form;
             EXPECT_EQ(last, ofParts) << form;
@@ -148,23 +148,23 @@ TEST_F(CacheScan, AReadThatFailsOnceCostsNoRowOfAPart) {
     const std::unique_ptr<CZelRecordCache> cache = filled(0.0F);
     {
         const FailingFiles files(FailingFiles::READ, 1, EIO, FailingFiles::FOR_GOOD);
-        const Outcome nothing = scan(*cache, 20, CZelCacheScan::COPIES);
+        const Outcome nothing = scanInParts(*cache, CZelCacheScan::COPIES);
         EXPECT_EQ(Texts(), nothing.rows);
         EXPECT_EQ(0U, nothing.seen);
         EXPECT_EQ(3U * static_cast<std::size_t>(cache->RRCLength()), nothing.reports.size());
     }
-    const Outcome expected = scan(*cache, 20, CZelCacheScan::COPIES);
+    const Outcome expected = scanInParts(*cache, CZelCacheScan::COPIES);
     EXPECT_EQ(static_cast<std::size_t>(cache->RRCLength()), expected.seen);
-    for (int number = 1; number <= 3 && inParts(*cache); ++number) {
+    for (int number = 1; number <= 3; ++number) {
         const FailingFiles files(FailingFiles::READ, number, EIO,
                                  number == 3 ? FailingFiles::IN_THE_MIDDLE : FailingFiles::WHOLLY);
-        EXPECT_EQ(expected, scan(*cache, 20, CZelCacheScan::COPIES));
+        EXPECT_EQ(expected, scanInParts(*cache, CZelCacheScan::COPIES));
     }
 }
 
 TEST_F(CacheScan, CopiesAreTakenByNumberOnce) {
     const std::unique_ptr<CZelRecordCache> cache = filled(0.3F);
-    const SmallParts parts(5);
+    const SplitAll split;
     CZelCacheScan scan(*cache, &m_columns, CZelCacheScan::COPIES);
     scan.run([](const SZelScannedRow &row) { return row.m_number % 3 == 0; });
     forEachHandle(*cache, [&](CZelAtom *handle) {

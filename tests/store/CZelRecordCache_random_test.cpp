@@ -10,7 +10,7 @@
 #include "store/CZelCacheScan.h"
 #include "store/CZelCachedRecord.h"
 #include "store/CacheTest.h"
-#include "support/SmallParts.h"
+#include "support/SplitAll.h"
 #include "support/TestRandom.h"
 
 namespace {
@@ -178,7 +178,7 @@ protected:
         std::vector<std::string> expected, found;
         forEachHandle(cache, [&](CZelAtom *handle) { expected.push_back(model.m_rows[handle].m_text); });
         CZelBag rows;
-        const SmallParts parts(random.below(20));
+        const SplitAll split(random.oneIn(2));
         CZelROMPColumns columns;
         const CZelAtom name("v");
         columns.add(name);

@@ -8,7 +8,7 @@
 #include "tests/port/FailingFiles.h"
 #include "tests/store/TableTest.h"
 #include "tests/support/CacheHome.h"
-#include "tests/support/SmallParts.h"
+#include "tests/support/SplitAll.h"
 #include "tests/support/TestRandom.h"
 
 namespace {
@@ -249,7 +249,7 @@ TEST_P(CachedTableTest, AConditionFindsInTheFileWhatItFindsInRecords) {
             if (m_table->RTEvalRecTest(boolean.RBLeft()->REEntityVal(), E_RBFalse, boolean.RBRight()->REHeadAtomVal(),
                                        &boolean, row) == E_RBTrue)
                 expected.push_back(text(*row));
-        const SmallParts parts(random.below(10));
+        const SplitAll split(random.oneIn(2));
         const std::unique_ptr<CZelBag> counted(m_table->RTEvalFilter(filter.get()));
         ASSERT_EQ(counted->RBLength(), m_table->RTCountRows(filter.get()));
         ASSERT_EQ(expected, select(filter.release())) << "step " << step << ", column " << name << ", operator " << op;
@@ -295,7 +295,7 @@ TEST_P(CachedTableTest, AConditionOfSeveralComparisonsFindsWhatTheyFindOneByOne)
         for (const void *handle : found)
             expected.push_back(
                 texts[static_cast<std::size_t>(std::find(handles.begin(), handles.end(), handle) - handles.begin())]);
-        const SmallParts parts(random.below(10));
+        const SplitAll split(random.oneIn(2));
         ASSERT_EQ(found, handlesOf(new CZelFilter(*filter))) << taken(filter->RFPrint());
         ASSERT_EQ(static_cast<int>(found.size()), m_table->RTCountRows(filter.get()));
         ASSERT_EQ(expected, select(filter.release()));

@@ -5,7 +5,7 @@
 
 class SplitAll {
 public:
-    SplitAll() { ZelSplitAll(true); }
+    explicit SplitAll(bool splits = true) { ZelSplitAll(splits); }
     SplitAll(const SplitAll &) = delete;
     SplitAll &operator=(const SplitAll &) = delete;
     ~SplitAll() { ZelSplitAll(false); }
