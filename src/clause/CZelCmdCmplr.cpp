@@ -40,6 +40,19 @@ bool isAction(__e_dbObj kind) {
     return (kind >= E_DODatabase && kind <= E_DOUpdate) || (kind >= E_DOQryInsert && kind <= E_DODropIndex);
 }
 
+// Most expressions of a statement are constants, which have nothing to be evaluated.
+bool mayHoldClause(const CZelPointer *node) {
+    const EZelExprType type = static_cast<const CZelExpr *>(node->RPData())->REType();
+    return type == E_RETClause || type == E_RETEntity;
+}
+
+// The first that may hold a clause, from a node on; null at the end.
+CZelPointer *clauseFrom(CZelPointer *node) {
+    while (node != nullptr && !mayHoldClause(node))
+        node = CZelBag::RBNext(node);
+    return node;
+}
+
 // The parser's results have the last statement on top; this empties them into `bag` in the order of the text.
 // True when all of them can be run again.
 bool drainInTextOrder(CZelStack &results, CZelBag &bag) {
@@ -123,6 +136,14 @@ bool CZelCmdCmplr::RCCPrecompileOQL(const char *text, CZelBag &bag) {
     return parse(parser, text, bag);
 }
 
+CZelDbObject *CZelCmdCmplr::RCCReadyStatement(const CZelBag &statements) {
+    CZelDbObject *statement = statements.RBLength() == 1 ? statementOf(statements.RBFirst()) : nullptr;
+    if (statement == nullptr || passesToStore(*statement))
+        return nullptr;
+    const CZelBag *expressions = statement->RDOCompilables();
+    return expressions == nullptr || clauseFrom(expressions->RBFirst()) == nullptr ? statement : nullptr;
+}
+
 int CZelCmdCmplr::RCCCompileOQL(const char *text) {
     CZelOQLParser parser;
     CZelBag statements;
@@ -177,14 +198,10 @@ void CZelCmdCmplr::addTo(CZelBag &list, CZelDbObject *statement, bool mayHoldCla
         addClauses(statement->RDOCompilables());
 }
 
-// Most expressions of a statement are constants, which have nothing to be evaluated.
 void CZelCmdCmplr::addClauses(const CZelBag *expressions) {
-    const CZelPointer *node = expressions != nullptr ? expressions->RBFirst() : nullptr;
-    for (; node != nullptr; node = CZelBag::RBNext(node)) {
-        const EZelExprType type = static_cast<const CZelExpr *>(node->RPData())->REType();
-        if (type == E_RETClause || type == E_RETEntity)
-            m_Clauses.RBAdd(node->RPData());
-    }
+    CZelPointer *node = expressions != nullptr ? clauseFrom(expressions->RBFirst()) : nullptr;
+    for (; node != nullptr; node = clauseFrom(CZelBag::RBNext(node)))
+        m_Clauses.RBAdd(node->RPData());
 }
 
 void CZelCmdCmplr::RCCSetNewClauseBag(CZelBag &clauses) {

@@ -86,6 +86,9 @@ public:
     // Parses the text and adds its statements to `bag` in text order. False when a database or table is among
     // them, which pass to the store and so can't be run twice. A text that does not parse is reported.
     static bool RCCPrecompileOQL(const char *text, CZelBag &bag);
+    // The only statement of a bag, when it can be run as it stands, without a compiler: it has nothing to be evaluated
+    // and does not pass to the store. Null otherwise.
+    static CZelDbObject *RCCReadyStatement(const CZelBag &statements);
     int RCCCompileOQL(const char *text);  // 1
     // `own` false: the statements stay the caller's.
     void RCCCompileOQL(CZelBag *statements, bool own);

@@ -30,6 +30,13 @@ void deleteRows(CZelBag *rows, __boolean areRecords) {
         const CZelBagGuard<CZelAtom> owner(rows);
 }
 
+void handOver(CZelBag *rows, CZelBag **results, __boolean areRecords) {
+    if (results != nullptr)
+        *results = rows;
+    else
+        deleteRows(rows, areRecords);
+}
+
 void traceText(const char *oql) {
     if (__Zeltronix_Debug_Level >= 4)
         std::printf("RSMProcessOQL: %s\n", oql != nullptr ? oql : "NULL");
@@ -144,6 +151,11 @@ int CZelStoreMgr::RSMProcessOQL(CZelCmdCmplr &compiler, const char *oql, CZelBag
 
 int CZelStoreMgr::RSMProcessPrecompiled(CZelBag *statements, CZelBag **results, EZelStoreErrorStatus *status,
                                         CZelRecord *current, __boolean getRecs) {
+    CZelDbObject *ready = statements != nullptr ? CZelCmdCmplr::RCCReadyStatement(*statements) : nullptr;
+    if (ready != nullptr) {
+        handOver(RSMQueryDist(ready, status, getRecs), results, getRecs);
+        return 1;
+    }
     CZelCmdCmplr compiler;
     compiler.RCCCompileOQL(statements, false);
     return runCompiled(compiler, results, status, current, getRecs);
@@ -164,10 +176,7 @@ int CZelStoreMgr::runCompiled(CZelCmdCmplr &compiler, CZelBag **results, EZelSto
     deleteRows(RSMDistributeQuery(compiler.RCCActions(), status, getRecs), getRecs);
     CZelBag *rows = RSMDistributeQuery(compiler.RCCQueries(), status, getRecs);
     compiler.RCCSetActiveSet(nullptr);
-    if (results != nullptr)
-        *results = rows;
-    else
-        deleteRows(rows, getRecs);
+    handOver(rows, results, getRecs);
     return compiled;
 }
 
