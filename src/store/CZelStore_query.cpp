@@ -110,6 +110,17 @@ void replaceRows(CZelBag &rows, bool owned, Convert convert) {
     }
 }
 
+// Rows become copies of them.
+void copyRows(CZelBag &rows) {
+    const auto copy = [](CZelRecord *row) { return static_cast<void *>(new CZelRecord(*row)); };
+    if (rows.RBLength() != 1)
+        return replaceRows(rows, false, copy);
+    CZelPointer *only = rows.RBFirst();
+    auto *row = static_cast<CZelRecord *>(only->RPData());
+    row->RRVbIterator()->RVBLPrefetchValues();
+    only->RPSetData(copy(row));
+}
+
 // The table's answer; an empty bag without a table, or where the table can't answer.
 CZelBag *rowsOf(CZelTable *table, const CZelQuery *query) {
     CZelBag *rows = table != nullptr ? table->RTReturnRows(query->RQFilter()) : nullptr;
@@ -209,7 +220,7 @@ CZelBag *CZelStore::RSSimpleQueryGetRecs(CZelQuery *query, EZelStoreErrorStatus 
     const bool owned = table->RTIsCacheUsed() == E_RBTrue;
     if (isWhole(query)) {
         if (!owned)
-            replaceRows(*rows, false, [](CZelRecord *row) { return static_cast<void *>(new CZelRecord(*row)); });
+            copyRows(*rows);
         return rows;
     }
     Selection selection(query->RQSelection(), true);

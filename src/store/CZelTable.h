@@ -244,6 +244,8 @@ private:
                        CZelBag &result) const;
     bool isIndexed(const CZelDbEntity &column) const;
     CZelBag *rowsOfIndex(const CZelAtom &column, const CZelAtom *value, EZelOper op) const;
+    CZelBag *rowsOfTree(const CZelBPlusTree &tree, const CZelAtom *value, EZelOper op) const;
+    const CZelBPlusTree *plannedTree(const CZelAtom *column) const;  // null: the plan knows none
     SZelCachedComparison scannedComparison(const CZelFilter &leaf);
     bool isScanned(const CZelFilter &filter, CZelCacheCondition &condition);  // does it answer the filter?
     CZelBag *copiesByScan(CZelFilter &filter);

@@ -226,7 +226,10 @@ int CZelTable::RTCountRows(CZelFilter *filter) {
 }
 
 CZelBag *CZelTable::RTEvalFilter(CZelFilter *filter, __boolean partial, __boolean *all, CZelBag *input) {
-    if (m_cache == nullptr || filter == nullptr || filter->RFKernel() != nullptr || input != nullptr)
+    const bool isComparison = filter != nullptr && filter->RFKernel() != nullptr;
+    if (isComparison && partial != E_RBTrue && all == nullptr)
+        return RTEvalBoolean(filter->RFKernel(), nullptr, input);
+    if (m_cache == nullptr || filter == nullptr || isComparison || input != nullptr)
         return CZelFilterWalk(*this, partial == E_RBTrue).run(filter, input, all);
     CZelCacheCondition condition(*m_cache);
     if (!isScanned(*filter, condition))
@@ -267,8 +270,18 @@ CZelBag *CZelTable::evalConstant(CZelBoolean *boolean, const CZelAtom *left, con
 
 CZelBag *CZelTable::evalColumn(CZelBoolean *boolean, CZelExpr *column, const CZelAtom *value, __boolean reversed,
                                CZelBag *input) {
+    const EZelOper op = boolean->RBOperand();
+    const CZelBPlusTree *tree = op <= E_ROGreaterEqual ? plannedTree(entityOf(column)->RDEColNameAtom()) : nullptr;
+    if (tree != nullptr)
+        return rowsOfTree(*tree, value, reversed == E_RBTrue ? mirrored(op) : op);
     return isIndexed(*entityOf(column)) ? RTEvalIndexed(boolean, column, value, reversed, input)
                                         : RTEvalUnIndexed(boolean, column, value, reversed, input);
+}
+
+const CZelBPlusTree *CZelTable::plannedTree(const CZelAtom *column) const {
+    const CZelTablePlan *plan = column != nullptr ? planForReading() : nullptr;
+    const CZelTablePlan::Column *planned = plan != nullptr ? plan->column(*column) : nullptr;
+    return planned != nullptr ? planned->m_tree : nullptr;
 }
 
 bool CZelTable::isIndexed(const CZelDbEntity &column) const {
@@ -296,19 +309,19 @@ CZelBag *CZelTable::RTEvalIndexed(CZelBoolean *boolean, CZelExpr *column, const 
     const CZelAtom *name = entityOf(column) != nullptr ? entityOf(column)->RDEColNameAtom() : nullptr;
     if (op > E_ROGreaterEqual || name == nullptr || m_objectStore == nullptr)
         return RTEvalUnIndexed(boolean, column, value, reversed, input);
-    CZelBag *rows = rowsOfIndex(*name, value, reversed == E_RBTrue ? mirrored(op) : op);
-    if (m_cache == nullptr && rows->RBLength() == 1)  // its values are what comes next
-        static_cast<const CZelRecord *>(rows->RBFirst()->RPData())->RRVbIterator()->RVBLPrefetch();
-    return rows;
+    return rowsOfIndex(*name, value, reversed == E_RBTrue ? mirrored(op) : op);
 }
 
 CZelBag *CZelTable::rowsOfIndex(const CZelAtom &column, const CZelAtom *value, EZelOper op) const {
-    const CZelTablePlan *plan = planForReading();
-    const CZelTablePlan::Column *planned = plan != nullptr ? plan->column(column) : nullptr;
-    if (planned == nullptr || planned->m_tree == nullptr)
-        return m_objectStore->ROSQuery(column, value, op);
-    CZelBag *rows = planned->m_tree->RBPTComputeQueryOp(value, op);
-    return rows != nullptr ? rows : new CZelBag;
+    const CZelBPlusTree *tree = plannedTree(&column);
+    return tree != nullptr ? rowsOfTree(*tree, value, op) : m_objectStore->ROSQuery(column, value, op);
+}
+
+CZelBag *CZelTable::rowsOfTree(const CZelBPlusTree &tree, const CZelAtom *value, EZelOper op) const {
+    auto *rows = new CZelBag;
+    if (tree.RBPTAppendQuery(value, op, *rows) == 1 && m_cache == nullptr)  // its values are what comes next
+        static_cast<const CZelRecord *>(rows->RBFirst()->RPData())->RRVbIterator()->RVBLPrefetch();
+    return rows;
 }
 
 CZelBag *CZelTable::RTEvalSubQuery(CZelBoolean *boolean, __boolean joined, CZelBag *input) {
