@@ -97,6 +97,11 @@ int CZelExpr::RESetHeadAtomVal(const CZelAtom *atom) {
         m_override = atom;
         return 1;
     }
+    if (m_type == E_RETAtom && atom != nullptr) {
+        m_atom = *atom;
+        m_hasAtom = true;
+        return 1;
+    }
     if (m_type == E_RETClause && (m_clauseValue == nullptr || atom == nullptr))
         return ZEL_FAIL(E_RCNull, "CZelExpr::RESetHeadAtomVal: no result of the clause, or no value for it");
     if (m_type != E_RETAtom || atom != nullptr)

@@ -106,6 +106,23 @@ TEST(Atom, LentTextIsNeverCarriedOn) {
     EXPECT_STREQ("a text that is longer than an atom", moved.RAString());
 }
 
+// From texts in the atom to texts in blocks of all sizes and behind them, each over each.
+TEST(Atom, TextsAreCopiedOverTextsOfAnyLength) {
+    for (std::size_t former = 0; former < 150; ++former) {
+        for (std::size_t length = 0; length < 150; length += former % 7 + 1) {
+            CZelAtom atom(std::string(former, 'a').c_str());
+            const CZelAtom other(std::string(length, 'b').c_str());
+            atom = other;
+            ASSERT_EQ(std::string(length, 'b'), atom.RAString()) << former;
+            ASSERT_EQ(length, atom.RATextLength());
+            ASSERT_NE(other.RAString(), atom.RAString());
+            const CZelAtom &same = atom;
+            atom = same;
+            ASSERT_EQ(std::string(length, 'b'), atom.RAString());
+        }
+    }
+}
+
 TEST(Atom, CanBeSetToAPartOfItself) {
     CZelAtom atom = listOf({1, listOf({2, "three"})});
     atom.RASet(atom.RAList()->RAVGetValue(1));

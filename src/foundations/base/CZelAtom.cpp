@@ -120,7 +120,10 @@ const char *CZelAtom::RAGetDataTypeString(EZelDataType type) {
 }
 
 void CZelAtom::RASet(const CZelAtom *other) {
-    *this = other == nullptr ? CZelAtom() : CZelAtom(*other);
+    if (other == nullptr)
+        RASet();
+    else
+        *this = *other;
 }
 
 void CZelAtom::RASet(CZelAtom *other) {
@@ -150,6 +153,22 @@ void CZelAtom::copyMemory(const CZelAtom &other) {
     } else {
         copyNest(other);
     }
+}
+
+void CZelAtom::assignMemory(const CZelAtom &other) {
+    if (!fitsInPlace(other)) {
+        *this = CZelAtom(other);
+    } else if (this != &other) {
+        char *text = m_heap.word.text;
+        ZelCopyBytes(text, other.m_heap.word.text, std::size_t{other.m_heap.length} + 1);
+        setWords(headOf(E_RDTText, POOLED, other.m_heap.length), wordOf(text));
+    }
+}
+
+// Are both texts in blocks of one size, so that this one's block can hold the other's text?
+bool CZelAtom::fitsInPlace(const CZelAtom &other) const {
+    const bool arePooled = ownsMemory() && other.ownsMemory() && (m_heap.flags & other.m_heap.flags & POOLED) != 0;
+    return arePooled && m_heap.length / CZelPool::STEP == other.m_heap.length / CZelPool::STEP;
 }
 
 void CZelAtom::ownLentText() noexcept {

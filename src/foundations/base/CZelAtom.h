@@ -62,7 +62,13 @@ public:
         if (isLent())
             ownLentText();
     }
-    CZelAtom &operator=(const CZelAtom &other) { return *this = CZelAtom(other); }
+    CZelAtom &operator=(const CZelAtom &other) {
+        if (ownsMemory() || !other.isFlat())
+            assignMemory(other);
+        else
+            takeBits(other);
+        return *this;
+    }
     CZelAtom &operator=(CZelAtom &&other) noexcept {
         if (this == &other)
             return *this;
@@ -295,6 +301,8 @@ private:
     static void releasePostponed();
     void deleteNest();
     void copyMemory(const CZelAtom &other);
+    void assignMemory(const CZelAtom &other);
+    bool fitsInPlace(const CZelAtom &other) const;
     void copyNest(const CZelAtom &other);
     void ownLentText() noexcept;
     void setText(const char *text, std::size_t length);
