@@ -174,12 +174,27 @@ void CZelRWLock::acquireReader() {
         return;
     slot.fetch_sub(1);
     Waiter self(&slot);
+    lockMutex();
     waitInQueue(self);
 }
 
 void CZelRWLock::acquireWriter() {
+    lockMutex();
+    if (m_first == nullptr && enterAsWriter()) {
+        m_mutex.unlock();
+        return;
+    }
     Waiter self(nullptr);
     waitInQueue(self);
+}
+
+// The gate is closed first, and stays so for one who then waits.
+bool CZelRWLock::enterAsWriter() {
+    m_gateClosed.store(true);
+    if (m_writerIn || hasReaders())
+        return false;
+    m_writerIn = true;
+    return true;
 }
 
 void CZelRWLock::releaseReader() {
@@ -206,8 +221,8 @@ void CZelRWLock::lockMutex() {
 }
 
 // Also wakes others: the announcement that the caller took back may have kept the first of the queue out.
+// Requires: the mutex is held, and is not any more afterwards.
 void CZelRWLock::waitInQueue(Waiter &waiter) {
-    lockMutex();
     (m_last != nullptr ? m_last->next : m_first) = &waiter;
     m_last = &waiter;
     m_gateClosed.store(true);

@@ -64,6 +64,7 @@ private:
     void releaseReader();
     void releaseWriter();
     void lockMutex();
+    bool enterAsWriter();
     void waitInQueue(Waiter &waiter);
     static bool isGrantedSoon(const Waiter &waiter);
     static void letGo(Waiter &waiter);
