@@ -11,10 +11,12 @@
 
 #include <deque>
 #include <memory>
+#include <new>
 #include <vector>
 
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelDoubleList.h"
+#include "foundations/base/CZelLargeBlocks.h"
 #include "foundations/base/CZelPointer.h"
 #include "foundations/port/ZelExport.h"
 #include "store/CZelCachedRecord.h"
@@ -79,6 +81,10 @@ private:
     };
     struct Block {
         explicit Block(long first);
+        static void *operator new(std::size_t size, std::align_val_t) { return CZelLargeBlocks::RLTake(size); }
+        static void operator delete(void *block, std::size_t size, std::align_val_t) {
+            CZelLargeBlocks::RLGive(block, size);
+        }
 
         Row m_rows[BLOCK];
         CZelPointer m_nodes[BLOCK];  // of the list

@@ -139,6 +139,8 @@ private:
     // Nodes by themselves.
     static unsigned int spaceFor(unsigned int count);
     static Node *makeNode(unsigned int capacity, std::size_t width);
+    static std::size_t sizeOf(const Node &node);  // in memory
+    static void giveMemory(Node *node);
     static void setMark(Node *node, unsigned int index);
     static Node *resize(Node *node, unsigned int capacity);
     static void makeGap(Node *node, unsigned int index, unsigned int count);

@@ -4,12 +4,12 @@
 // so that what one gives back fits the next. The key that tells two leaves apart is cut to the bytes that do so.
 #include <algorithm>
 #include <cassert>
-#include <cstdlib>
+#include <cstring>
 #include <utility>
 
 #include "foundations/base/CZelKeyTree.h"
 #include "foundations/base/CZelKeyTree_nodes.h"
-#include "foundations/base/ZelMalloc.h"
+#include "foundations/base/CZelLargeBlocks.h"
 
 // Space doubles up to a full node.
 unsigned int CZelKeyTree::spaceFor(unsigned int count) {
@@ -19,15 +19,26 @@ unsigned int CZelKeyTree::spaceFor(unsigned int count) {
 
 CZelKeyTree::Node *CZelKeyTree::makeNode(unsigned int capacity, std::size_t width) {
     const std::uint16_t offset = Node::OffsetFor(capacity, width);
-    void *block = ZelMalloc(offset + capacity * sizeof(Item));
+    void *block = CZelLargeBlocks::RLTake(offset + capacity * sizeof(Item));
     return new (block)
         Node{nullptr, nullptr, 0, static_cast<std::uint16_t>(capacity), offset, static_cast<std::uint16_t>(width), {}};
+}
+
+std::size_t CZelKeyTree::sizeOf(const Node &node) {
+    return node.offset + node.capacity * sizeof(Item);
+}
+
+void CZelKeyTree::giveMemory(Node *node) {
+    CZelLargeBlocks::RLGive(node, sizeOf(*node));
 }
 
 // Gives the node a greater capacity. It may move: its neighbours learn that here, its parent through the caller.
 CZelKeyTree::Node *CZelKeyTree::resize(Node *node, unsigned int capacity) {
     const std::uint16_t offset = Node::OffsetFor(capacity, node->width);
-    node = static_cast<Node *>(ZelRealloc(node, offset + capacity * sizeof(Item)));
+    void *block = CZelLargeBlocks::RLTake(offset + capacity * sizeof(Item));
+    std::memcpy(block, static_cast<const void *>(node), sizeOf(*node));
+    giveMemory(node);
+    node = static_cast<Node *>(block);
     const void *items = node->items();
     const void *hints = node->hints();
     node->offset = offset;
@@ -335,7 +346,7 @@ void CZelKeyTree::dropNode(Node *node) {
         node->prev->next = node->next;
     if (node->next != nullptr)
         node->next->prev = node->prev;
-    std::free(node);
+    giveMemory(node);
 }
 
 // Frees a node with all below it.
@@ -348,5 +359,5 @@ void CZelKeyTree::freeNode(Node *node, unsigned int depth) {
         else
             freeNode(item.child, depth - 1);
     }
-    std::free(node);
+    giveMemory(node);
 }
