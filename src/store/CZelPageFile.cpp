@@ -216,13 +216,16 @@ int CZelPageFile::reserve(std::size_t pages) {
         m_counts.m_free += count;
     }
     m_whole = NO_POSITION;
-    m_chain.assign(m_free.begin(), m_free.begin() + static_cast<std::ptrdiff_t>(pages));
+    m_chain.clear();
+    for (std::size_t i = 0; i < pages; ++i)
+        m_chain.push_back(m_free[i]);
     return 1;
 }
 
 void CZelPageFile::takeReserved() {
     const std::size_t pages = m_chain.size();
-    m_free.erase(m_free.begin(), m_free.begin() + static_cast<std::ptrdiff_t>(pages));
+    for (std::size_t i = 0; i < pages; ++i)
+        m_free.pop_front();
     m_counts.m_free -= static_cast<long>(pages);
 }
 

@@ -214,6 +214,7 @@ private:
     std::vector<std::vector<long>> m_pending;  // chains that must go before anything is written
     std::deque<std::vector<long>> m_dead;      // replaced chains that still stand, in the order in which they died
     long m_deadPages = 0;                      // of these; they are in m_free too, in the same order
+    std::vector<long> m_spare;                 // memory for the next
     std::vector<long> m_former;                // the chain that is being replaced; none: empty
     unsigned long long m_formerStamp = 0;
     std::vector<long> m_chain;           // positions of the chain at hand

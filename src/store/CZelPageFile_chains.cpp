@@ -104,16 +104,17 @@ void CZelPageFile::layOut(const unsigned char *encoding, int length, long replac
     m_whole = NO_POSITION;
     m_bytes.resize(m_chain.size() * PAGE);
     for (std::size_t i = 0; i < m_chain.size(); ++i) {
-        CZelROMPWrapper page(encoding, length, static_cast<int>(i) * SLICE);
-        page.RRWSetStamp(m_stamp);
-        page.RRWSetPosition(m_chain[i]);
+        CZelROMPWrapper::Header header;
+        header.m_position = m_chain[i];
+        header.m_stamp = m_stamp;
         if (i + 1 < m_chain.size())
-            page.RRWSetNextPkt(m_chain[i + 1]);
+            header.m_next = m_chain[i + 1];
         if (i == 0) {
-            page.RRWSetIsFirstPkt(E_RBTrue);
-            page.RRWSetReplaced(replaced, replacedStamp);
+            header.m_isFirst = true;
+            header.m_replaced = replaced;
+            header.m_replacedStamp = replacedStamp;
         }
-        std::memcpy(m_bytes.data() + i * PAGE, page.RRWGetData(), PAGE);
+        CZelROMPWrapper::RRWLayOut(m_bytes.data() + i * PAGE, encoding, length, static_cast<int>(i) * SLICE, header);
     }
 }
 
@@ -251,6 +252,8 @@ void CZelPageFile::bury() {
     giveBack(m_former);
     m_deadPages += static_cast<long>(m_former.size());
     m_dead.push_back(std::move(m_former));
+    m_former = std::move(m_spare);
+    m_former.clear();
     if (m_policy == E_SPOff)
         return;
     m_formerMayReturn = true;
@@ -287,5 +290,6 @@ int CZelPageFile::emptyDead(long pagesAtMost) {
 
 void CZelPageFile::forgetOldest() {
     m_deadPages -= static_cast<long>(m_dead.front().size());
+    m_spare = std::move(m_dead.front());
     m_dead.pop_front();
 }

@@ -60,6 +60,19 @@ public:
     // The whole page, its checksum brought up to date.
     const unsigned char *RRWGetData();
 
+    // What a page of a chain says beside its slice.
+    struct Header {
+        bool m_isFirst = false;
+        long m_next = LAST_PAGE;
+        long m_position = 0;
+        unsigned long long m_stamp = 0;
+        long m_replaced = -1;  // none
+        unsigned long long m_replacedStamp = 0;
+    };
+    // Lays out a whole page at `page`, with its checksum, as the constructor, the setters and RRWGetData would.
+    static void RRWLayOut(unsigned char *page, const unsigned char *encoding, int totalLength, int offset,
+                          const Header &header);
+
 private:
     CZelPageView view() const { return CZelPageView(m_page); }
 
