@@ -319,8 +319,13 @@ CZelBag *CZelTable::rowsOfIndex(const CZelAtom &column, const CZelAtom *value, E
 
 CZelBag *CZelTable::rowsOfTree(const CZelBPlusTree &tree, const CZelAtom *value, EZelOper op) const {
     auto *rows = new CZelBag;
-    if (tree.RBPTAppendQuery(value, op, *rows) == 1 && m_cache == nullptr)  // its values are what comes next
-        static_cast<const CZelRecord *>(rows->RBFirst()->RPData())->RRVbIterator()->RVBLPrefetch();
+    if (tree.RBPTAppendQuery(value, op, *rows) != 1)
+        return rows;
+    const void *row = rows->RBFirst()->RPData();  // what comes next is its values, or where they are
+    if (m_cache == nullptr)
+        static_cast<const CZelRecord *>(row)->RRVbIterator()->RVBLPrefetch();
+    else
+        __builtin_prefetch(row);
     return rows;
 }
 
