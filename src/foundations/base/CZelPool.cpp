@@ -41,7 +41,6 @@ public:
     static void MakeRoom(std::size_t sizeClass);
 
 private:
-    static void giveAll(Block *block, std::size_t sizeClass);
     enum class Phase : unsigned char { Start, Running, Ended };
     static constinit thread_local Phase t_phase;
 };
@@ -62,17 +61,9 @@ CZelPoolThread::~CZelPoolThread() {
     for (std::size_t sizeClass = 0; sizeClass < CZelPool::CLASSES; ++sizeClass) {
         List list = CZelPool::t_lists[sizeClass];
         CZelPool::t_lists[sizeClass] = {};
-        giveAll(list.m_head, sizeClass);
+        CZelPoolDepot::Of(sizeClass).GiveBatch(list.m_head);
         if (list.m_reserve != nullptr)
             CZelPoolDepot::Of(sizeClass).GiveBatch(list.m_reserve);
-    }
-}
-
-void CZelPoolThread::giveAll(Block *block, std::size_t sizeClass) {
-    while (block != nullptr) {
-        Block *next = block->m_next;
-        CZelPoolDepot::Of(sizeClass).GiveOne(block);
-        block = next;
     }
 }
 

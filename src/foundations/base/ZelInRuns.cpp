@@ -4,10 +4,7 @@
 #include <atomic>
 #include <vector>
 
-#include "foundations/base/CZelBag.h"
-#include "foundations/base/CZelDoubleList.h"
 #include "foundations/port/CZelErrorDelay.h"
-#include "foundations/port/ZelInParts.h"
 
 namespace {
 
@@ -75,12 +72,7 @@ void workFromBack(Runs &runs, const Work &work, Reports &reports) {
 
 }  // namespace
 
-void ZelInRuns(const CZelDoubleList &list, std::size_t least, const Work &work) {
-    const auto length = static_cast<std::size_t>(list.RDLLength());
-    if (ZelPartsFor(length, least) == 1) {
-        work(0, {list.RDLHead(), length});
-        return;
-    }
+void ZelShareRuns(const CZelDoubleList &list, const Work &work) {
     Runs runs(list);
     Reports reports;
     ZelInParts(PARTS, [&](std::size_t part) {
@@ -90,20 +82,4 @@ void ZelInRuns(const CZelDoubleList &list, std::size_t least, const Work &work) 
             workFromBack(runs, work, reports);
     });
     std::for_each(reports.rbegin(), reports.rend(), CZelErrorDelay::Make);
-}
-
-void ZelRunsInto(const CZelDoubleList &list, std::size_t least, CZelBag &out,
-                 const std::function<void(const SZelListRun &run, CZelBag &out)> &work) {
-    CZelBag back;
-    ZelInRuns(list, least, [&](std::size_t part, const SZelListRun &run) {
-        if (part == 0) {
-            work(run, out);
-            return;
-        }
-        CZelBag made;
-        work(run, made);
-        made.RBIterator()->RDLTakeFrom(*back.RBIterator());
-        back.RBIterator()->RDLTakeFrom(*made.RBIterator());
-    });
-    out.RBIterator()->RDLTakeFrom(*back.RBIterator());
 }

@@ -10,22 +10,43 @@
 #include <cstddef>
 #include <functional>
 
+#include "foundations/base/CZelBag.h"
 #include "foundations/port/ZelExport.h"
-
-class CZelBag;
-class CZelDoubleList;
-class CZelListable;
+#include "foundations/port/ZelInParts.h"
 
 struct SZelListRun {
     CZelListable *m_first;
     std::size_t m_length;
 };
 
-// Part 0 has the runs from the front on, part 1 those from the back on. A part of less than `least` elements is not
-// worth a thread: then part 0 gets the whole list as one run.
-QUINTOR_API void ZelInRuns(const CZelDoubleList &list, std::size_t least,
-                           const std::function<void(std::size_t part, const SZelListRun &run)> &work);
+// For ZelInRuns: work(part, run) for the runs of both threads.
+QUINTOR_API void ZelShareRuns(const CZelDoubleList &list,
+                              const std::function<void(std::size_t part, const SZelListRun &run)> &work);
 
-// The same where each run gives something to a bag: what all give goes behind what `out` holds, in the list's order.
-QUINTOR_API void ZelRunsInto(const CZelDoubleList &list, std::size_t least, CZelBag &out,
-                             const std::function<void(const SZelListRun &run, CZelBag &out)> &work);
+// Calls work(part, run): part 0 has the runs from the front on, part 1 those from the back on. A part of less than
+// `least` elements is not worth a thread: then part 0 gets the whole list as one run.
+template <class Work>
+void ZelInRuns(const CZelDoubleList &list, std::size_t least, Work work) {
+    const auto length = static_cast<std::size_t>(list.RDLLength());
+    if (ZelPartsFor(length, least) == 1)
+        work(std::size_t{0}, SZelListRun{list.RDLHead(), length});
+    else
+        ZelShareRuns(list, std::ref(work));
+}
+
+// The same where work(run, bag) adds to a bag: what all runs add goes behind what `out` holds, in the list's order.
+template <class Work>
+void ZelRunsInto(const CZelDoubleList &list, std::size_t least, CZelBag &out, Work work) {
+    CZelBag back;
+    ZelInRuns(list, least, [&](std::size_t part, const SZelListRun &run) {
+        if (part == 0) {
+            work(run, out);
+            return;
+        }
+        CZelBag made;
+        work(run, made);
+        made.RBIterator()->RDLTakeFrom(*back.RBIterator());
+        back.RBIterator()->RDLTakeFrom(*made.RBIterator());
+    });
+    out.RBIterator()->RDLTakeFrom(*back.RBIterator());
+}
