@@ -47,6 +47,14 @@ public:
     CZelRecord *RCRGetCopiedRecord() const;  // new; null when none is held
     CZelDoubleList *RCRWrapRecord() const;   // its encoding as new CZelROMPWrapper; null for none
 
+    // Of no row yet: becomes that of a row which lies in the file only. As constructed with the position, in less time.
+    void RCRSetFound(int position, int size, unsigned long long arrival, __boolean persistent) {
+        m_startPos = position;
+        m_size = size;
+        m_arrival = arrival & (~0ULL >> 3);
+        m_type = persistent == E_RBTrue ? E_CRTPersistent : E_CRTOnDisk;
+    }
+
     EZelCachedRecordType RCRGetRecordType() const { return static_cast<EZelCachedRecordType>(m_type); }
     long RCRGetRefCount() const { return m_refCount; }
     long RCRGetLastAccess() const { return m_lastAccess; }  // seconds

@@ -107,10 +107,8 @@ void CZelHandleTable::addPiece(long first, const Found *rows, long count, __bool
         const auto block = static_cast<std::size_t>(number / BLOCK);
         if (number % BLOCK == 0)
             m_blocks[block] = std::make_unique<Block>(number);
-        CZelCachedRecord &entry = rowAt(number);
-        entry = CZelCachedRecord(rows[i].m_start, persistent);
-        entry.RCRSetSize(rows[i].m_size);
-        entry.RCRSetArrival(arrival + static_cast<unsigned long long>(i));
+        rowAt(number).RCRSetFound(rows[i].m_start, rows[i].m_size, arrival + static_cast<unsigned long long>(i),
+                                  persistent);
         m_pieces[block].RDLAddToListEnd(nodeAt(number));
         ++m_used[block];
     }

@@ -29,13 +29,14 @@ public:
             index.m_pairs.resize(cache.RRCNumbers());
     }
 
-    void beginParts(std::size_t parts) override { m_parts.assign(parts, m_columns); }
+    void beginParts(std::size_t parts) override { m_parts.resize(parts); }
+    void beginPart(std::size_t part) override { m_parts[part].m_columns = m_columns; }
     bool wants(std::size_t page) const override {
         return page < m_cache.RRCAtPages().size() && m_cache.RRCAtPages()[page] != CZelRecordCache::NO_ROW;
     }
     void view(std::size_t part, std::size_t page, const unsigned char *encoding, int length) override {
         const auto number = static_cast<std::size_t>(m_cache.RRCAtPages()[page]);
-        CZelROMPColumns &columns = m_parts[part];
+        CZelROMPColumns &columns = m_parts[part].m_columns;
         if (columns.pick(encoding, length))
             put(number, [&columns](std::size_t column) { return columns.take(column); });
     }
@@ -66,11 +67,16 @@ public:
     }
 
 private:
+    // Made and written by one thread; in one cache line with another's it would make both wait.
+    struct alignas(64) Part {
+        CZelROMPColumns m_columns;
+    };
+
     const CZelRecordCache &m_cache;
     const CZelROMPColumns &m_columns;
     std::vector<Index> &m_indexes;
     std::vector<char> m_isThere;
-    std::vector<CZelROMPColumns> m_parts;
+    std::vector<Part> m_parts;
 };
 
 CZelIndexLoader::CZelIndexLoader(const std::vector<SZelIndexValue> &indexes) {

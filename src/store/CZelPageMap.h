@@ -62,7 +62,7 @@ public:
         void addSound(const CZelPageView &view, Page &page);
 
         CZelPageMap &m_map;
-        long m_next;
+        alignas(64) long m_next;     // each part is written by a thread of its own
         std::vector<long> m_firsts;  // of chains of several pages
         std::vector<Note> m_notes;
         long m_unseen = 0;  // chains by themselves that nobody has seen

@@ -158,6 +158,9 @@ private:
     int makeRoom(unsigned long long size);
     int evict(CZelCachedRecord &entry);
     const CZelPointer *firstToStay() const;
+    const CZelPointer *firstOfShare() const;
+    const CZelPointer *firstOfBytes() const;
+    unsigned long long sizeOf(const CZelPointer *node) const;
 
     EZelRecordCacheType m_type = E_RCTNotCreated;
     __boolean m_persistent = E_RBFalse;

@@ -95,23 +95,44 @@ void CZelRecordCache::RRCFillMemory() {
     }
 }
 
+const CZelPointer *CZelRecordCache::firstToStay() const {
+    return m_type == E_RCTByProportion ? firstOfShare() : firstOfBytes();
+}
+
+unsigned long long CZelRecordCache::sizeOf(const CZelPointer *node) const {
+    return static_cast<unsigned long long>(m_handles.find(*handleIn(node))->RCRSize());
+}
+
+// A row comes in when those before it are within the share, whatever its own size; so the last one stays, and of the
+// others as many as fit beside each other.
+const CZelPointer *CZelRecordCache::firstOfShare() const {
+    const auto *first = static_cast<const CZelPointer *>(m_handles.inOrder()->RDLTail());
+    unsigned long long bytes = 0;
+    for (const CZelPointer *node = first; node != nullptr;) {
+        first = node;
+        node = static_cast<const CZelPointer *>(m_handles.inOrder()->RDLGetPrev(node));
+        bytes += node != nullptr ? sizeOf(node) : 0;
+        if (isFull(bytes, 0))
+            break;
+    }
+    return first;
+}
+
 // Of rows that come in one by one, each a little later than the one before, the first that came is always the one to
 // leave; so it is enough to count.
-const CZelPointer *CZelRecordCache::firstToStay() const {
-    const auto sizeOf = [this](const CZelPointer *node) {
-        return static_cast<unsigned long long>(m_handles.find(*handleIn(node))->RCRSize());
-    };
+const CZelPointer *CZelRecordCache::firstOfBytes() const {
     const auto *first = static_cast<const CZelPointer *>(m_handles.inOrder()->RDLHead());
     unsigned long long bytes = 0;
     for (const CZelPointer *node = first; node != nullptr; node = CZelBag::RBNext(node)) {
-        unsigned long long asked = sizeOf(node);
+        const unsigned long long size = sizeOf(node);
+        unsigned long long asked = size;
         for (; first != node && isFull(bytes, asked); first = CZelBag::RBNext(first)) {
             asked = sizeOf(first);
             bytes -= asked;
         }
         if (first == node && isFull(bytes, asked))
             reportNothingToEvict();
-        bytes += sizeOf(node);
+        bytes += size;
     }
     return first;
 }

@@ -44,8 +44,9 @@ public:
 private:
     using Keys = std::vector<SZelKeyedObject>;
 
-    // Rows that follow each other in the file.
-    struct Part {
+    // Rows that follow each other in the file. Begun and filled by one thread, whose memory is apart from others': two
+    // that write into one cache line wait for each other.
+    struct alignas(64) Part {
         std::vector<CZelHandleTable::Found> m_rows;
         std::vector<Keys> m_keys;                            // by column
         std::vector<std::unique_ptr<CZelRecord>> m_records;  // where all rows stay in memory
@@ -70,9 +71,10 @@ private:
     CZelRecordCache &m_cache;
     CZelRowKeys *m_keys;
     CZelROMPColumns m_columns;
-    std::vector<Part> m_seen;   // before it is known which of them count
-    std::vector<Part> m_found;  // rows of the table, in the order of the file
-    std::size_t m_part = 0;     // to be taken from
+    std::vector<Part> m_seen;         // before it is known which of them count
+    std::vector<Part> m_found;        // rows of the table, in the order of the file
+    std::size_t m_recordsAtMost = 0;  // in each part
+    std::size_t m_part = 0;           // to be taken from
     int m_status = E_RCOk;
 };
 
@@ -85,16 +87,16 @@ void CZelRecordCache::FileReader::Part::begin(const CZelROMPColumns &columns, st
         keys.reserve(rowsAtMost);
 }
 
-// The first part has room for the keys of all.
 void CZelRecordCache::FileReader::beginParts(std::size_t parts, std::size_t recordsAtMost) {
     m_seen.resize(parts);
-    for (Part &part : m_seen)
-        part.begin(m_columns, columns(), &part == m_seen.data() ? parts * recordsAtMost : recordsAtMost);
+    m_recordsAtMost = recordsAtMost;
 }
 
 // What is damaged, or has no plain key, is left for takeChain.
 bool CZelRecordCache::FileReader::look(std::size_t number, long start, const unsigned char *encoding, int length) {
     Part &part = m_seen[number];
+    if (part.m_rows.capacity() == 0)
+        part.begin(m_columns, columns(), number == 0 ? m_seen.size() * m_recordsAtMost : m_recordsAtMost);
     if (part.m_columns.pickChecked(encoding, length) != CZelROMPColumns::PICKED)
         return false;
     if (keepsRecords()) {
@@ -111,8 +113,10 @@ bool CZelRecordCache::FileReader::look(std::size_t number, long start, const uns
 
 bool CZelRecordCache::FileReader::takeAllSeen() {
     std::size_t count = 0;
-    for (const Part &part : m_seen)
+    for (Part &part : m_seen) {
+        part.m_keys.resize(columns());  // of one without rows too
         count += part.m_rows.size();
+    }
     if (count > static_cast<std::size_t>(m_cache.m_handles.atMost()))
         return false;
     m_found = std::move(m_seen);

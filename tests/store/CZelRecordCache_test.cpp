@@ -524,8 +524,14 @@ TEST_F(RecordCacheTest, PartsOfAFileMayHoldNoRow) {
             for (int i = 0; i < ROWS - 10; ++i)
                 EXPECT_EQ(1, cache->RRCDeleteRecord(cache->RRCHandle(isAtTheEnd ? ROWS - 1 - i : i)));
         }
-        auto cache = byShare(0, E_RBTrue);
+        const CZelAtom name("v");
+        CZelRowKeys keys;
+        keys.addColumn(name);
+        auto cache = uncreated();
+        ASSERT_EQ(1, cache->RRCCreateByPropn(NAME, 0, E_RBTrue, &keys));
         ASSERT_EQ(10, cache->RRCLength());
+        ASSERT_EQ(10U, keys.find(name)->size());
+        EXPECT_EQ(cache->RRCHandle(9), keys.find(name)->back().m_object);
         EXPECT_EQ(textOfSize(isAtTheEnd ? 9 : ROWS - 1, 60), peek(*cache, cache->RRCHandle(9)));
         cache->RRCDeleteCacheFile();
     }
