@@ -19,7 +19,7 @@ constinit thread_local CZelPool::List CZelPool::t_lists[CLASSES] = {};
 
 // The lists stay without blocks and without room, so every step comes here.
 void *CZelPool::takeSlowly(std::size_t size, Kind) {
-    return ZelMalloc(size);
+    return ZelMalloc((size + STEP - 1) / STEP * STEP);
 }
 
 void CZelPool::giveSlowly(void *memory, std::size_t, Kind) noexcept {
