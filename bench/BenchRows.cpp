@@ -62,6 +62,10 @@ std::vector<std::string> keysAt(const std::vector<int> &positions) {
     return keys;
 }
 
+std::vector<std::string> BenchKeys::next() {
+    return keysAt(randomPositions(m_count, BENCH_ROWS, m_seed + APART * m_repetition++));
+}
+
 std::string BenchChange::text() const {
     char text[64];
     std::snprintf(text, sizeof text, "Load = %.4f, Status = %d", static_cast<double>(load), status);

@@ -27,6 +27,21 @@ std::vector<int> randomPositions(int count, int rows, unsigned seed);
 // The EntityName of those rows, in that order: finding the question is no part of what is measured.
 std::vector<std::string> keysAt(const std::vector<int> &positions);
 
+// The keys that the repetitions of a work ask for, on every side the same: each time others, as what was asked for last
+// lies in every store's memory. Works have different seeds.
+class BenchKeys {
+public:
+    BenchKeys(int count, unsigned seed) : m_count(count), m_seed(seed) {}
+    std::vector<std::string> next();
+
+private:
+    static constexpr unsigned APART = 1000;  // seeds of the works
+
+    int m_count;
+    unsigned m_seed;
+    unsigned m_repetition = 0;
+};
+
 // What an update writes.
 struct BenchChange {
     float load;

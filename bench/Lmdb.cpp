@@ -153,6 +153,15 @@ void Lmdb::setLoadBelowType(int type, float load) {
     }
 }
 
+int Lmdb::countOfStatus(int status) {
+    const Transaction transaction(m_environment, true);
+    Cursor cursor(transaction, m_rows);
+    int count = 0;
+    for (MDB_val key, value; cursor.next(key, value);)
+        count += headOf(value).status == status ? 1 : 0;
+    return count;
+}
+
 void Lmdb::update(const std::string &entityName, float load, int status) {
     const Transaction transaction(m_environment, false);
     change(transaction.get(), valueOf(entityName), load, &status);

@@ -18,7 +18,8 @@ public:
 
     void insertAll(const std::vector<BenchRow> &rows);        // one transaction
     void read(const std::string &entityName, BenchRow &row);  // a transaction; ends the program without such a row
-    std::vector<BenchRow> rowsBelowSpeed(long long speed);    // by a walk through all
+    std::vector<BenchRow> rowsBelowSpeed(long long speed);    // by a walk through all, as the next
+    int countOfStatus(int status);
     void update(const std::string &entityName, float load, int status);  // a transaction
     void setLoadBelowType(int type, float load);                         // by index, one transaction
 

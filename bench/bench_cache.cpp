@@ -17,6 +17,7 @@ namespace {
 
 constexpr float SHARE = 0.1F;
 constexpr int READS = 20000;
+constexpr unsigned READ_SEED = 23, UPDATE_SEED = 29;
 constexpr int UPDATED_TYPES = 10;
 enum Work : int { MANY_ROWS, COMPILED };
 constexpr int UPDATES = BENCH_ROWS / BENCH_TYPES * UPDATED_TYPES;  // about, as types are random
@@ -102,29 +103,20 @@ Pair &stores() {
     return pair;
 }
 
-const std::string &keyAt(int position) {
-    return benchRows()[static_cast<std::size_t>(position)].entityName;
-}
-
-const std::vector<int> &readPositions() {
-    static const std::vector<int> positions = randomPositions(READS, BENCH_ROWS, 23);
-    return positions;
-}
-
-void readOurs(OurStore &store, int count) {
+void readOurs(OurStore &store, const std::vector<std::string> &keys) {
     OurStatement statement("select * from b.t where EntityName = '';");
-    for (int i = 0; i < count; ++i) {
-        statement.setKey(CZelAtom(keyAt(readPositions()[static_cast<std::size_t>(i)]).c_str()));
+    for (const std::string &key : keys) {
+        statement.setKey(CZelAtom(key.c_str()));
         if (store.select(statement.statements()) != 1)
             std::exit(1);
     }
 }
 
-void readTheirs(Sqlite &database, int count) {
+void readTheirs(Sqlite &database, const std::vector<std::string> &keys) {
     SqliteStatement statement(database.get(), "select * from t where EntityName = ?");
     BenchRow row;
-    for (int i = 0; i < count; ++i) {
-        statement.bind(1, keyAt(readPositions()[static_cast<std::size_t>(i)]));
+    for (const std::string &key : keys) {
+        statement.bind(1, key);
         while (statement.step())
             statement.fetch(row);
         statement.reset();
@@ -142,13 +134,17 @@ BenchRun loadTheirs() {
 }
 
 BenchRun pointOurs() {
+    static BenchKeys readKeys(READS, READ_SEED);
     OurStore &store = stores().ours();
-    return {READS, secondsOf([&] { readOurs(store, READS); })};
+    const std::vector<std::string> keys = readKeys.next();
+    return {READS, secondsOf([&] { readOurs(store, keys); })};
 }
 
 BenchRun pointTheirs() {
+    static BenchKeys readKeys(READS, READ_SEED);
     Sqlite &database = stores().theirs();
-    return {READS, secondsOf([&] { readTheirs(database, READS); })};
+    const std::vector<std::string> keys = readKeys.next();
+    return {READS, secondsOf([&] { readTheirs(database, keys); })};
 }
 
 // A quarter of the rows answer.
@@ -195,11 +191,13 @@ BenchRun updateTheirs() {
 
 BenchRun updateKeyedOurs() {
     static BenchChanges changes(COMPILED);
+    static BenchKeys updateKeys(READS, UPDATE_SEED);
     OurStore &store = stores().ours();
     OurStatement statement(updateKeyedText("b.t", changes.next()) + "'';");
+    const std::vector<std::string> keys = updateKeys.next();
     return {READS, secondsOf([&] {
-                for (const int position : readPositions()) {
-                    statement.setKey(CZelAtom(keyAt(position).c_str()));
+                for (const std::string &key : keys) {
+                    statement.setKey(CZelAtom(key.c_str()));
                     store.select(statement.statements());
                 }
             })};
@@ -208,10 +206,12 @@ BenchRun updateKeyedOurs() {
 // Each statement is a transaction, as each of ours is in the file when it is done.
 BenchRun updateKeyedTheirs() {
     static BenchChanges changes(COMPILED);
+    static BenchKeys updateKeys(READS, UPDATE_SEED);
     SqliteStatement statement(stores().theirs().get(), updateKeyedText("t", changes.next()) + "?");
+    const std::vector<std::string> keys = updateKeys.next();
     return {READS, secondsOf([&] {
-                for (const int position : readPositions()) {
-                    statement.bind(1, keyAt(position));
+                for (const std::string &key : keys) {
+                    statement.bind(1, key);
                     statement.step();
                     statement.reset();
                 }
