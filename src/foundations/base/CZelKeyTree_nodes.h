@@ -54,9 +54,9 @@ struct CZelKeyTree::Node {
     Scale scale;           // of a leaf's hints
 
     static constexpr unsigned int MOST = 64;
-    static constexpr unsigned int FEW = MOST / 4;                     // fewer than these look for a neighbour to join
-    static constexpr unsigned int MOST_JOINED = MOST / 4 * 3;         // so that the next few additions don't split
-    static constexpr unsigned int MOST_EVENED = MOST + MOST / 8 * 7;  // of two leaves, for the same reason
+    static constexpr unsigned int FEW = MOST / 4;                       // fewer than these look for a neighbour to join
+    static constexpr unsigned int MOST_JOINED = MOST / 4 * 3;           // so that the next few additions don't split
+    static constexpr unsigned int MOST_EVENED = MOST + MOST / 16 * 15;  // of two leaves, for the same reason
     static constexpr unsigned int PRINTS_AT_ONCE = sizeof(std::uint64_t);
 
     static bool IsLeaf(std::size_t width) { return width == sizeof(Print); }

@@ -3,6 +3,7 @@
 #include <sys/mman.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <mutex>
 
@@ -26,8 +27,12 @@ constexpr bool IS_ON = true;
 
 constexpr std::size_t STEP = CZelLargeBlocks::STEP;
 
-std::size_t rounded(std::size_t size) {
-    return (size + STEP - 1) / STEP * STEP;
+std::size_t rounded(std::size_t size, std::size_t step) {
+    return (size + step - 1) / step * step;
+}
+
+std::size_t alignmentOf(std::size_t size) {
+    return size % CZelLargeBlocks::LINE == 0 ? CZelLargeBlocks::LINE : STEP;
 }
 
 char *allocate(std::size_t alignment, std::size_t size) {
@@ -59,6 +64,7 @@ public:
 private:
     static constexpr std::size_t SMALLEST_CHUNK = 65536;
     static constexpr std::size_t LARGEST_CHUNK = 2097152;  // a huge page
+    static constexpr int COLLAPSE = 25;                    // MADV_COLLAPSE, of Linux 6.1, which headers may lack
 
     struct Free {
         Free *m_next;
@@ -66,25 +72,35 @@ private:
 
     // What is left of a chunk is lost when it is too small.
     void *cut(std::size_t size) {
-        if (static_cast<std::size_t>(m_end - m_next) < size)
+        const std::size_t alignment = alignmentOf(size);
+        if (static_cast<std::size_t>(m_end - m_next) < rounded(size, alignment) + alignment)
             startChunk();
-        void *block = m_next;
-        m_next += size;
+        auto *block = reinterpret_cast<char *>(rounded(reinterpret_cast<std::uintptr_t>(m_next), alignment));
+        m_next = block + size;
         return block;
     }
 
     // Chunks double, so that a small process stays small.
     void startChunk() {
+        if (m_isHugePage)
+            makeHuge(m_end - LARGEST_CHUNK);
         m_next = allocate(m_chunkSize, m_chunkSize);
         m_end = m_next + m_chunkSize;
-        if (m_chunkSize == LARGEST_CHUNK)
-            madvise(m_next, m_chunkSize, MADV_HUGEPAGE);
+        m_isHugePage = m_chunkSize == LARGEST_CHUNK;
         m_chunkSize = std::min(2 * m_chunkSize, LARGEST_CHUNK);
+    }
+
+    // Only a chunk that is used up: a huge page takes all its memory at once. A system that can't do so now may do it
+    // in the background.
+    static void makeHuge(char *chunk) {
+        madvise(chunk, LARGEST_CHUNK, MADV_HUGEPAGE);
+        madvise(chunk, LARGEST_CHUNK, COLLAPSE);
     }
 
     std::mutex m_lock;
     char *m_next = nullptr;
     char *m_end = nullptr;
+    bool m_isHugePage = false;                 // has the chunk at hand the size of one?
     std::size_t m_chunkSize = SMALLEST_CHUNK;  // of the next one
     Free *m_free[CZelLargeBlocks::LARGEST / STEP + 1] = {};
 };
@@ -94,14 +110,14 @@ constinit Blocks g_blocks;
 }  // namespace
 
 void *CZelLargeBlocks::RLTake(std::size_t size) {
-    size = rounded(size);
-    return IS_ON && size <= LARGEST ? g_blocks.take(size) : allocate(STEP, size);
+    size = rounded(size, STEP);
+    return IS_ON && size <= LARGEST ? g_blocks.take(size) : allocate(alignmentOf(size), size);
 }
 
 void CZelLargeBlocks::RLGive(void *block, std::size_t size) noexcept {
     if (block == nullptr)
         return;
-    size = rounded(size);
+    size = rounded(size, STEP);
     if (IS_ON && size <= LARGEST)
         g_blocks.give(block, size);
     else

@@ -16,7 +16,8 @@
 
 class QUINTOR_API CZelLargeBlocks {
 public:
-    static constexpr std::size_t STEP = 64;        // sizes are rounded up to a multiple, and blocks aligned to it
+    static constexpr std::size_t STEP = 16;        // sizes are rounded up to a multiple, and blocks aligned to it
+    static constexpr std::size_t LINE = 64;        // of the caches; a multiple of it is aligned to it
     static constexpr std::size_t LARGEST = 32768;  // larger ones come from malloc
 
     static void *RLTake(std::size_t size);                       // never null
