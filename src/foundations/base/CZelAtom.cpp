@@ -165,10 +165,10 @@ void CZelAtom::assignMemory(const CZelAtom &other) {
     }
 }
 
-// Are both texts in blocks of one size, so that this one's block can hold the other's text?
+// Can this text's block hold the other's text?
 bool CZelAtom::fitsInPlace(const CZelAtom &other) const {
     const bool arePooled = ownsMemory() && other.ownsMemory() && (m_heap.flags & other.m_heap.flags & POOLED) != 0;
-    return arePooled && m_heap.length / CZelPool::STEP == other.m_heap.length / CZelPool::STEP;
+    return arePooled && CZelPool::RPServes(std::size_t{m_heap.length} + 1, std::size_t{other.m_heap.length} + 1);
 }
 
 void CZelAtom::ownLentText() noexcept {

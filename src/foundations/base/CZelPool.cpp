@@ -19,11 +19,15 @@ constinit thread_local CZelPool::List CZelPool::t_lists[CLASSES] = {};
 
 // The lists stay without blocks and without room, so every step comes here.
 void *CZelPool::takeSlowly(std::size_t size, Kind) {
-    return ZelMalloc((size + STEP - 1) / STEP * STEP);
+    return ZelMalloc(size);
 }
 
 void CZelPool::giveSlowly(void *memory, std::size_t, Kind) noexcept {
     std::free(memory);
+}
+
+bool CZelPool::RPServes(std::size_t size, std::size_t other) {
+    return size == other;
 }
 
 #else
@@ -110,6 +114,10 @@ void CZelPool::giveSlowly(void *memory, std::size_t size, Kind kind) noexcept {
     }
     CZelPoolThread::MakeRoom(sizeClass);
     RPGive(memory, size, kind);
+}
+
+bool CZelPool::RPServes(std::size_t size, std::size_t other) {
+    return size <= LARGEST && other <= LARGEST && classOf(size, OBJECTS) == classOf(other, OBJECTS);
 }
 
 #endif

@@ -53,6 +53,9 @@ public:
         giveSlowly(memory, size, kind);
     }
 
+    // Is a block for `size` bytes one for `other` bytes too?
+    static bool RPServes(std::size_t size, std::size_t other);
+
 private:
     friend class CZelPoolDepot;
     friend class CZelPoolThread;
