@@ -77,7 +77,7 @@ public:
     public:
         virtual ~Viewer();
         virtual void beginParts(std::size_t parts) = 0;
-        // From here on by several threads, each for a part of its own; the caller's has part 0.
+        // From here on by several threads, each for a part of its own; the caller's has the first.
         virtual void beginPart(std::size_t part);
         virtual bool wants(std::size_t page) const = 0;
         // Each wanted page is shown or left, to one thread in the order of the file. The bytes are valid during the

@@ -23,8 +23,8 @@ struct SZelListRun {
 QUINTOR_API void ZelShareRuns(const CZelDoubleList &list,
                               const std::function<void(std::size_t part, const SZelListRun &run)> &work);
 
-// Calls work(part, run): part 0 has the runs from the front on, part 1 those from the back on. A part of less than
-// `least` elements is not worth a thread: then part 0 gets the whole list as one run.
+// Calls work(part, run), where `part` is 0 for the runs from the front on and 1 for those from the back on. Fewer than
+// `least` elements each are not worth a thread: then the caller's gets the whole list as one run from the front.
 template <class Work>
 void ZelInRuns(const CZelDoubleList &list, std::size_t least, Work work) {
     const auto length = static_cast<std::size_t>(list.RDLLength());
