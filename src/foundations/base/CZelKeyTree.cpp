@@ -41,7 +41,7 @@ const CZelKeyTree::Node *CZelKeyTree::leafFor(const Wanted &wanted, Way &way) co
     for (unsigned int level = 0; level < m_depth; ++level) {
         way.nodes[level] = node;
         way.indexes[level] = branchFor(node, wanted);
-        node = node->items()[way.indexes[level]].child;
+        node = node->child(way.indexes[level]);
         __builtin_prefetch(node);
         __builtin_prefetch(reinterpret_cast<const char *>(node) + 64);
     }
@@ -59,14 +59,22 @@ unsigned int CZelKeyTree::branchFor(const Node *node, const Wanted &wanted) {
         return less;
     const unsigned int alike =
         countBefore(heads + less, count - less, [head](Node::Head other) { return other == head; });
-    return less + countBefore(node->items() + 1 + less, alike,
-                              [&wanted](const Item &item) { return wanted.compare(item.key) >= 0; });
+    return less + countBefore(node->keys() + 1 + less, alike,
+                              [&wanted](const CZelAtom &key) { return wanted.compare(key) >= 0; });
 }
 
 bool CZelKeyTree::find(const Wanted &wanted, Way &way) const {
     const Node *leaf = leafFor(wanted, way);
+    if (m_depth > 0)
+        askForTargets(leaf);
     way.indexes[m_depth] = placeOf(leaf, wanted);
     return way.indexes[m_depth] < leaf->count;
+}
+
+// Requires: the leaf has the capacity of those below other nodes, as its own word for that has not arrived yet.
+void CZelKeyTree::askForTargets(const Node *leaf) {
+    const char *targets = reinterpret_cast<const char *>(leaf) + Node::OffsetFor(Node::MOST, sizeof(Node::Print));
+    ZelPrefetchLines(targets, targets + Node::MOST * sizeof(Target));
 }
 
 unsigned int CZelKeyTree::placeOf(const Node *leaf, const Wanted &wanted) {
@@ -76,8 +84,8 @@ unsigned int CZelKeyTree::placeOf(const Node *leaf, const Wanted &wanted) {
 unsigned int CZelKeyTree::placeOf(const Node *leaf, const Wanted &wanted, std::uint8_t print, unsigned int from) {
     unsigned int index = placeOfPrint(leaf, print, from);
     for (; index < leaf->count; index = placeOfPrint(leaf, print, index + 1)) {
-        leaf->items()[index].entry.RBTNPrefetch();
-        if (wanted.isEqual(leaf->items()[index].key))
+        leaf->entry(index).RBTNPrefetch();
+        if (wanted.isEqual(leaf->keys()[index]))
             break;
     }
     return index;
@@ -104,28 +112,28 @@ CZelBTreeNode *CZelKeyTree::RKTFind(const CZelAtom &key) const {
         return nullptr;
     if (m_depth == 0 && key.RAIsInterned()) {
         bool isDecided = false;
-        const Item *item = findByAddress(m_root, key, &isDecided);
+        CZelBTreeNode *entry = findByAddress(m_root, key, &isDecided);
         if (isDecided)
-            return item != nullptr ? const_cast<CZelBTreeNode *>(&item->entry) : nullptr;
+            return entry;
     }
     Way way;
     if (!find(Wanted(key), way))
         return nullptr;
-    return &way.nodes[m_depth]->items()[way.indexes[m_depth]].entry;
+    return &way.nodes[m_depth]->entry(way.indexes[m_depth]);
 }
 
 // In a small dictionary of names a look at the addresses takes less time than any comparison. Where all names are
 // interned it also decides that one is not there.
-const CZelKeyTree::Item *CZelKeyTree::findByAddress(const Node *node, const CZelAtom &name, bool *isDecided) {
+CZelBTreeNode *CZelKeyTree::findByAddress(const Node *node, const CZelAtom &name, bool *isDecided) {
     constexpr unsigned int SMALL = 32;
     const char *text = name.RAString();
-    const Item *items = node->items();
+    const CZelAtom *keys = node->keys();
     bool areInterned = node->count <= SMALL;
     for (unsigned int i = 0; node->count <= SMALL && i < node->count; ++i) {
-        const bool isInterned = items[i].key.RAIsInterned();
-        if (isInterned && items[i].key.RAString() == text) {
+        const bool isInterned = keys[i].RAIsInterned();
+        if (isInterned && keys[i].RAString() == text) {
             *isDecided = true;
-            return items + i;
+            return &node->entry(i);
         }
         areInterned = areInterned && isInterned;
     }
@@ -138,10 +146,9 @@ CZelKeyTree::Place CZelKeyTree::firstNot(Before before) const {
     const Node *node = m_root;
     if (node == nullptr)
         return RKTEnd();
-    const auto isBefore = [&before](const Item &item) { return before(item.key); };
     for (unsigned int level = 0; level < m_depth; ++level)
-        node = node->items()[countBefore(node->items() + 1, node->count - 1U, isBefore)].child;
-    unsigned int index = countBefore(node->items(), node->count, isBefore);
+        node = node->child(countBefore(node->keys() + 1, node->count - 1U, before));
+    unsigned int index = countBefore(node->keys(), node->count, before);
     return index < node->count ? Place(node, index) : Place(node->next, 0);
 }
 

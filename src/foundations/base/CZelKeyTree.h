@@ -26,6 +26,7 @@ struct SZelKeyedObject {
 
 class QUINTOR_API CZelKeyTree {
     struct Item;
+    union Target;
     struct Node;
 
 public:
@@ -99,6 +100,7 @@ private:
     // Looking up.
     bool find(const Wanted &wanted, Way &way) const;  // to the key, if it is there
     const Node *leafFor(const Wanted &wanted, Way &way) const;
+    static void askForTargets(const Node *leaf);
     // In a leaf, from an index on; the count when it is not there.
     static unsigned int placeOf(const Node *leaf, const Wanted &wanted);
     static unsigned int placeOf(const Node *leaf, const Wanted &wanted, std::uint8_t print, unsigned int from);
@@ -132,7 +134,7 @@ private:
     static std::vector<Node *> makeParents(const std::vector<Node *> &children, bool areLeaves);
     template <class Number>
     static Number loadBigEndian(const char *bytes);
-    static const Item *findByAddress(const Node *node, const CZelAtom &name, bool *isDecided);
+    static CZelBTreeNode *findByAddress(const Node *node, const CZelAtom &name, bool *isDecided);
     template <class Before>
     Place firstNot(Before before) const;
 
@@ -143,6 +145,7 @@ private:
     static void giveMemory(Node *node);
     static void setMark(Node *node, unsigned int index);
     static Node *resize(Node *node, unsigned int capacity);
+    static void moveWithin(Node *node, unsigned int from, unsigned int to, unsigned int count);
     static void makeGap(Node *node, unsigned int index, unsigned int count);
     static void closeGap(Node *node, unsigned int index, unsigned int count);
     static void copyItems(Node *from, unsigned int index, Node *to, unsigned int place, unsigned int count);

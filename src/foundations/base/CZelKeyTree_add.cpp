@@ -2,22 +2,11 @@
 #include "foundations/base/CZelKeyTree.h"
 #include "foundations/base/CZelKeyTree_nodes.h"
 
-namespace {
-
-void prefetch(const void *from, const void *to) {
-    constexpr std::uintptr_t CACHE_LINE = 64;
-    for (auto line = reinterpret_cast<std::uintptr_t>(from); line < reinterpret_cast<std::uintptr_t>(to);
-         line += CACHE_LINE)
-        __builtin_prefetch(reinterpret_cast<const void *>(line));
-}
-
-}  // namespace
-
 void CZelKeyTree::Addition::seek() {
     if (m_tree.m_root == nullptr)
         m_tree.m_root = makeNode(spaceFor(1), sizeof(Node::Print));
     const auto *leaf = reinterpret_cast<const char *>(m_tree.leafFor(m_wanted, m_way));
-    prefetch(leaf, leaf + Node::OffsetFor(Node::MOST, sizeof(Node::Print)));
+    ZelPrefetchLines(leaf, leaf + Node::OffsetFor(Node::MOST, sizeof(Node::Print)));
 }
 
 void CZelKeyTree::Addition::settle(const void *object) {
@@ -29,10 +18,12 @@ void CZelKeyTree::Addition::settle(const void *object) {
     }
     unsigned int &index = m_way.indexes[m_tree.m_depth];
     m_isThere = placeIn(leaf, m_wanted, &index);
-    if (m_isThere)
-        leaf->items()[index].entry.prefetchForAdd(object);
-    else
-        prefetch(leaf->items() + index, leaf->items() + leaf->count);
+    if (m_isThere) {
+        leaf->entry(index).prefetchForAdd(object);
+    } else {
+        ZelPrefetchLines(leaf->targets() + index, leaf->targets() + leaf->count);
+        ZelPrefetchLines(leaf->keys() + index, leaf->keys() + leaf->count);
+    }
 }
 
 CZelKeyTree::Place CZelKeyTree::Addition::finish(void *object, bool *isNew) {
@@ -42,7 +33,7 @@ CZelKeyTree::Place CZelKeyTree::Addition::finish(void *object, bool *isNew) {
     ++m_tree.m_length;
     Loose loose;
     new (&loose.item.key) CZelAtom(m_wanted.key());
-    loose.item.entry.set(object);
+    loose.item.target.entry.set(object);
     return m_tree.insert(m_way, loose.item);
 }
 
@@ -52,9 +43,9 @@ bool CZelKeyTree::placeIn(const Node *leaf, const Wanted &wanted, unsigned int *
     const unsigned int less = countBefore(hints, leaf->count, [hint](Node::Hint other) { return other < hint; });
     const unsigned int alike =
         countBefore(hints + less, leaf->count - less, [hint](Node::Hint other) { return other == hint; });
-    *index = less + countBefore(leaf->items() + less, alike,
-                                [&wanted](const Item &item) { return wanted.compare(item.key) > 0; });
-    return *index < less + alike && wanted.compare(leaf->items()[*index].key) == 0;
+    *index = less + countBefore(leaf->keys() + less, alike,
+                                [&wanted](const CZelAtom &key) { return wanted.compare(key) > 0; });
+    return *index < less + alike && wanted.compare(leaf->keys()[*index]) == 0;
 }
 
 CZelKeyTree::Place CZelKeyTree::RKTAdd(const CZelAtom &key, void *object, bool *isNew) {

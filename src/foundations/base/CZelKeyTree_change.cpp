@@ -19,13 +19,13 @@ unsigned int CZelKeyTree::spaceFor(unsigned int count) {
 
 CZelKeyTree::Node *CZelKeyTree::makeNode(unsigned int capacity, std::size_t width) {
     const std::uint16_t offset = Node::OffsetFor(capacity, width);
-    void *block = CZelLargeBlocks::RLTake(offset + capacity * sizeof(Item));
+    void *block = CZelLargeBlocks::RLTake(offset + capacity * (sizeof(Target) + sizeof(CZelAtom)));
     return new (block)
         Node{nullptr, nullptr, 0, static_cast<std::uint16_t>(capacity), offset, static_cast<std::uint16_t>(width), {}};
 }
 
 std::size_t CZelKeyTree::sizeOf(const Node &node) {
-    return node.offset + node.capacity * sizeof(Item);
+    return node.offset + node.capacity * (sizeof(Target) + sizeof(CZelAtom));
 }
 
 void CZelKeyTree::giveMemory(Node *node) {
@@ -35,15 +35,17 @@ void CZelKeyTree::giveMemory(Node *node) {
 // Gives the node a greater capacity. It may move: its neighbours learn that here, its parent through the caller.
 CZelKeyTree::Node *CZelKeyTree::resize(Node *node, unsigned int capacity) {
     const std::uint16_t offset = Node::OffsetFor(capacity, node->width);
-    void *block = CZelLargeBlocks::RLTake(offset + capacity * sizeof(Item));
+    void *block = CZelLargeBlocks::RLTake(offset + capacity * (sizeof(Target) + sizeof(CZelAtom)));
     std::memcpy(block, static_cast<const void *>(node), sizeOf(*node));
     giveMemory(node);
     node = static_cast<Node *>(block);
-    const void *items = node->items();
+    const void *keys = node->keys();
+    const void *targets = node->targets();
     const void *hints = node->hints();
     node->offset = offset;
     node->capacity = static_cast<std::uint16_t>(capacity);
-    std::memmove(static_cast<void *>(node->items()), items, node->count * sizeof(Item));
+    std::memmove(static_cast<void *>(node->keys()), keys, node->count * sizeof(CZelAtom));
+    std::memmove(static_cast<void *>(node->targets()), targets, node->count * sizeof(Target));
     if (node->isLeaf())
         std::memmove(node->hints(), hints, node->count * sizeof(Node::Hint));
     if (node->prev != nullptr)
@@ -55,28 +57,31 @@ CZelKeyTree::Node *CZelKeyTree::resize(Node *node, unsigned int capacity) {
 
 // Items with their marks, as bytes: those from `index` on make room for `count` more, or move up over as many that
 // are gone; or some are copied into a place of another node of the same kind.
-void CZelKeyTree::makeGap(Node *node, unsigned int index, unsigned int count) {
-    const unsigned int behind = node->count - index;
-    Item *place = node->items() + index;
-    std::memmove(static_cast<void *>(place + count), static_cast<void *>(place), behind * sizeof(Item));
-    std::memmove(node->mark(index + count), node->mark(index), std::size_t{behind} * node->width);
+void CZelKeyTree::moveWithin(Node *node, unsigned int from, unsigned int to, unsigned int count) {
+    const auto move = [from, to, count](auto *things) {
+        std::memmove(static_cast<void *>(things + to), static_cast<void *>(things + from), count * sizeof(*things));
+    };
+    move(node->keys());
+    move(node->targets());
+    std::memmove(node->mark(to), node->mark(from), std::size_t{count} * node->width);
     if (node->isLeaf())
-        std::memmove(node->hints() + index + count, node->hints() + index, behind * sizeof(Node::Hint));
+        move(node->hints());
+}
+
+void CZelKeyTree::makeGap(Node *node, unsigned int index, unsigned int count) {
+    moveWithin(node, index, index + count, node->count - index);
 }
 
 void CZelKeyTree::closeGap(Node *node, unsigned int index, unsigned int count) {
     node->count = static_cast<std::uint16_t>(node->count - count);
-    const unsigned int behind = node->count - index;
-    Item *place = node->items() + index;
-    std::memmove(static_cast<void *>(place), static_cast<void *>(place + count), behind * sizeof(Item));
-    std::memmove(node->mark(index), node->mark(index + count), std::size_t{behind} * node->width);
-    if (node->isLeaf())
-        std::memmove(node->hints() + index, node->hints() + index + count, behind * sizeof(Node::Hint));
+    moveWithin(node, index + count, index, node->count - index);
 }
 
 void CZelKeyTree::copyItems(Node *from, unsigned int index, Node *to, unsigned int place, unsigned int count) {
-    std::memcpy(static_cast<void *>(to->items() + place), static_cast<void *>(from->items() + index),
-                count * sizeof(Item));
+    std::memcpy(static_cast<void *>(to->keys() + place), static_cast<void *>(from->keys() + index),
+                count * sizeof(CZelAtom));
+    std::memcpy(static_cast<void *>(to->targets() + place), static_cast<void *>(from->targets() + index),
+                count * sizeof(Target));
     std::memcpy(to->mark(place), from->mark(index), std::size_t{count} * to->width);
     if (to->isLeaf())
         copyHints(from, index, to, place, count);
@@ -89,19 +94,20 @@ void CZelKeyTree::copyHints(const Node *from, unsigned int index, Node *to, unsi
         return;
     }
     for (unsigned int i = 0; i < count; ++i)
-        to->hints()[place + i] = hintOf(to->scale, from->items()[index + i].key);
+        to->hints()[place + i] = hintOf(to->scale, from->keys()[index + i]);
 }
 
 // Moves the item in: the caller's is no longer an object.
 void CZelKeyTree::insertItem(Node *node, unsigned int index, Item &item) {
     makeGap(node, index, 1);
-    std::memcpy(static_cast<void *>(node->items() + index), static_cast<void *>(&item), sizeof(Item));
+    std::memcpy(static_cast<void *>(node->keys() + index), static_cast<void *>(&item.key), sizeof(CZelAtom));
+    node->targets()[index] = item.target;
     setMark(node, index);
     ++node->count;
 }
 
 void CZelKeyTree::setMark(Node *node, unsigned int index) {
-    const CZelAtom &key = node->items()[index].key;
+    const CZelAtom &key = node->keys()[index];
     if (node->isLeaf()) {
         *node->mark(index) = static_cast<char>(printOf(key));
         node->hints()[index] = hintOf(node->scale, key);
@@ -112,7 +118,7 @@ void CZelKeyTree::setMark(Node *node, unsigned int index) {
 }
 
 void CZelKeyTree::removeItem(Node *node, unsigned int index) {
-    node->items()[index].key.~CZelAtom();
+    node->keys()[index].~CZelAtom();
     closeGap(node, index, 1);
 }
 
@@ -139,7 +145,7 @@ CZelAtom CZelKeyTree::separator(const CZelAtom &left, const CZelAtom &right) {
 CZelKeyTree::Node *&CZelKeyTree::slot(Way &way, unsigned int level) {
     if (level == 0)
         return m_root;
-    return way.nodes[level - 1]->items()[way.indexes[level - 1]].child;
+    return way.nodes[level - 1]->child(way.indexes[level - 1]);
 }
 
 // Moves items over the border between two leaves until they hold as many.
@@ -147,14 +153,14 @@ void CZelKeyTree::evenOut(Node *left, Node *right) {
     const unsigned int half = (left->count + right->count) / 2U;
     if (left->count > half) {
         const unsigned int moved = left->count - half;
-        admit(right, 0, left->items()[half].key);
+        admit(right, 0, left->keys()[half]);
         makeGap(right, 0, moved);
         copyItems(left, half, right, 0, moved);
         right->count = static_cast<std::uint16_t>(right->count + moved);
         left->count = static_cast<std::uint16_t>(half);
     } else {
         const unsigned int moved = half - left->count;
-        admit(left, left->count - 1U, right->items()[moved - 1].key);
+        admit(left, left->count - 1U, right->keys()[moved - 1]);
         copyItems(right, 0, left, left->count, moved);
         left->count = static_cast<std::uint16_t>(half);
         closeGap(right, 0, moved);
@@ -167,8 +173,8 @@ CZelKeyTree::Place CZelKeyTree::insertWithNeighbour(Way &way, Item &item) {
     const unsigned int own = way.indexes[m_depth - 1];
     Node *parent = way.nodes[m_depth - 1];
     for (unsigned int border = std::max(own, 1U); border <= own + 1 && border < parent->count; ++border) {
-        Node *left = parent->items()[border - 1].child;
-        Node *right = parent->items()[border].child;
+        Node *left = parent->child(border - 1);
+        Node *right = parent->child(border);
         if (left->count + right->count > static_cast<int>(Node::MOST_EVENED))
             continue;
         const unsigned int index = way.indexes[m_depth] + (border == own ? left->count : 0U);
@@ -177,7 +183,7 @@ CZelKeyTree::Place CZelKeyTree::insertWithNeighbour(Way &way, Item &item) {
         Node *target = goesRight ? right : left;
         const unsigned int place = goesRight ? index - left->count : index;
         insertItem(target, place, item);
-        parent->items()[border].key = separator(left->items()[left->count - 1].key, right->items()[0].key);
+        parent->keys()[border] = separator(left->keys()[left->count - 1], right->keys()[0]);
         setMark(parent, border);
         return {target, place};
     }
@@ -199,7 +205,7 @@ CZelKeyTree::Place CZelKeyTree::insert(Way &way, Item &item) {
     while (right != nullptr) {
         Loose branch;
         new (&branch.item.key) CZelAtom(lowKey(way.nodes[level], right, level == m_depth));
-        branch.item.child = right;
+        branch.item.target.child = right;
         right = nullptr;
         if (level == 0)
             growRoot(branch.item);
@@ -252,14 +258,14 @@ void CZelKeyTree::linkBehind(Node *node, Node *right) {
 // The key for the parent of a node that has just split. Above the leaves the first key of the right part is of no
 // use there any more.
 CZelAtom CZelKeyTree::lowKey(const Node *left, Node *right, bool areLeaves) {
-    CZelAtom &first = right->items()[0].key;
-    return areLeaves ? separator(left->items()[left->count - 1].key, first) : CZelAtom(std::move(first));
+    CZelAtom &first = right->keys()[0];
+    return areLeaves ? separator(left->keys()[left->count - 1], first) : CZelAtom(std::move(first));
 }
 
 void CZelKeyTree::growRoot(Item &right) {
     Loose left;
     new (&left.item.key) CZelAtom();
-    left.item.child = m_root;
+    left.item.target.child = m_root;
     m_root = makeNode(spaceFor(2), sizeof(Node::Head));
     insertItem(m_root, 0, left.item);
     insertItem(m_root, 1, right);
@@ -273,7 +279,7 @@ bool CZelKeyTree::RKTRemove(const CZelAtom &key, void *object) {
         return false;
     Node *leaf = way.nodes[m_depth];
     unsigned int index = way.indexes[m_depth];
-    CZelBTreeNode::Removal removal = leaf->items()[index].entry.remove(object);
+    CZelBTreeNode::Removal removal = leaf->entry(index).remove(object);
     if (removal == CZelBTreeNode::Removal::LEFT_NONE) {
         removeItem(leaf, index);
         --m_length;
@@ -299,7 +305,7 @@ void CZelKeyTree::tidy(Way &way) {
 
 void CZelKeyTree::shortenRoot() {
     while (m_depth > 0 && m_root->count == 1) {
-        Node *child = m_root->items()[0].child;
+        Node *child = m_root->child(0);
         removeItem(m_root, 0);
         dropNode(m_root);
         m_root = child;
@@ -313,8 +319,7 @@ bool CZelKeyTree::joinNeighbour(Way &way, unsigned int level) {
     Node *parent = way.nodes[level - 1];
     unsigned int own = way.indexes[level - 1];
     for (unsigned int right = own == 0 ? 1 : own; right <= own + 1 && right < parent->count; ++right) {
-        const Item *pair = parent->items() + right - 1;
-        if (pair[0].child->count + pair[1].child->count <= static_cast<int>(Node::MOST_JOINED)) {
+        if (parent->child(right - 1)->count + parent->child(right)->count <= static_cast<int>(Node::MOST_JOINED)) {
             join(parent, right, level == m_depth);
             return true;
         }
@@ -324,16 +329,16 @@ bool CZelKeyTree::joinNeighbour(Way &way, unsigned int level) {
 
 // Moves the items of a child into the one on its left.
 void CZelKeyTree::join(Node *parent, unsigned int index, bool areLeaves) {
-    Node *&left = parent->items()[index - 1].child;
-    Node *right = parent->items()[index].child;
+    Node *&left = parent->child(index - 1);
+    Node *right = parent->child(index);
     unsigned int count = left->count + right->count;
     if (left->capacity < count)
         left = resize(left, spaceFor(count));
     if (!areLeaves) {
-        right->items()[0].key = std::move(parent->items()[index].key);
+        right->keys()[0] = std::move(parent->keys()[index]);
         setMark(right, 0);
     } else if (left->count > 0 && right->count > 0) {
-        admit(left, left->count - 1U, right->items()[right->count - 1].key);
+        admit(left, left->count - 1U, right->keys()[right->count - 1]);
     }
     moveItems(right, 0, left);
     removeItem(parent, index);
@@ -352,12 +357,11 @@ void CZelKeyTree::dropNode(Node *node) {
 // Frees a node with all below it.
 void CZelKeyTree::freeNode(Node *node, unsigned int depth) {
     for (unsigned int i = 0; i < node->count; ++i) {
-        Item &item = node->items()[i];
-        item.key.~CZelAtom();
+        node->keys()[i].~CZelAtom();
         if (depth == 0)
-            item.entry.release();
+            node->entry(i).release();
         else
-            freeNode(item.child, depth - 1);
+            freeNode(node->child(i), depth - 1);
     }
     giveMemory(node);
 }

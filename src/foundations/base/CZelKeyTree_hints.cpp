@@ -36,9 +36,9 @@ std::size_t CZelKeyTree::sharedBytes(const Way &way) const {
         const Node *node = way.nodes[level - 1];
         const unsigned int own = way.indexes[level - 1];
         if (low == nullptr && own > 0)
-            low = &node->items()[own].key;
+            low = &node->keys()[own];
         if (high == nullptr && own + 1U < node->count)
-            high = &node->items()[own + 1].key;
+            high = &node->keys()[own + 1];
     }
     return low != nullptr && high != nullptr ? commonBytes(*low, *high) : 0;
 }
@@ -47,7 +47,7 @@ std::size_t CZelKeyTree::sharedBytes(const Way &way) const {
 void CZelKeyTree::admit(Node *leaf, unsigned int neighbour, const CZelAtom &key) {
     if (leaf->scale.skipped == 0)
         return;
-    const std::size_t common = commonBytes(leaf->items()[neighbour].key, key);
+    const std::size_t common = commonBytes(leaf->keys()[neighbour], key);
     if (leaf->scale.skipped > common)
         rescale(leaf, common);
 }
@@ -70,9 +70,9 @@ bool CZelKeyTree::isBlunt(const Node *leaf) {
 // Spreads the keys over more than half of the hints. What is left is for keys that are to come, on both sides.
 void CZelKeyTree::rescale(Node *leaf, std::size_t skipped) {
     for (unsigned int i = 0; i < leaf->count; ++i)
-        leaf->items()[i].key.RAPrefetch();
+        leaf->keys()[i].RAPrefetch();
     const auto headOfItem = [leaf, skipped](unsigned int index) {
-        const CZelAtom &key = leaf->items()[index].key;
+        const CZelAtom &key = leaf->keys()[index];
         return skipped == 0 ? headOf(key) : headOfText(key.RATextView().substr(skipped));
     };
     constexpr int BITS = 16;

@@ -61,15 +61,15 @@ CZelKeyTree::RankedPlace CZelKeyTree::addToLeaf(Node *leaf, std::vector<SZelKeye
     if (end - next > AHEAD)
         __builtin_prefetch(&pairs[next[AHEAD].place], 1);
     SZelKeyedObject &pair = pairs[next->place];
-    Item *item = leaf->items() + leaf->count;
-    new (&item->key) CZelAtom(std::move(pair.m_key));
-    *leaf->mark(leaf->count++) = static_cast<char>(next->print);
-    item->entry.set(pair.m_object);
+    new (leaf->keys() + leaf->count) CZelAtom(std::move(pair.m_key));
+    *leaf->mark(leaf->count) = static_cast<char>(next->print);
+    CZelBTreeNode &entry = leaf->entry(leaf->count++);
+    entry.set(pair.m_object);
     const RankedPlace behind = std::find_if(++next, end, [](const Ranked &one) { return !one.isTwin; });
     if (next != behind)
-        item->entry.setMany(static_cast<unsigned int>(behind - next));
+        entry.setMany(static_cast<unsigned int>(behind - next));
     for (; next != behind; ++next)
-        item->entry.addNew(pairs[next->place].m_object);
+        entry.addNew(pairs[next->place].m_object);
     return next;
 }
 
@@ -84,7 +84,7 @@ std::vector<CZelKeyTree::Node *> CZelKeyTree::makeParents(const std::vector<Node
             Loose branch;
             new (&branch.item.key)
                 CZelAtom(child > 0 ? lowKey(children[child - 1], children[child], areLeaves) : CZelAtom());
-            branch.item.child = children[child];
+            branch.item.target.child = children[child];
             insertItem(parents.back(), parents.back()->count, branch.item);
         }
     }

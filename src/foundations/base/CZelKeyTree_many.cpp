@@ -21,7 +21,7 @@ public:
     void stepDown() {
         for (std::size_t i = 0; i < m_count; ++i) {
             Descent &way = m_ways[i];
-            way.node = way.node->items()[branchFor(way.node, *way.wanted)].child;
+            way.node = way.node->child(branchFor(way.node, *way.wanted));
             ask(way.node, sizeof(Node) + Node::MOST);
         }
     }
@@ -52,20 +52,20 @@ private:
     static void findPrint(Descent &way) {
         way.print = printOf(way.wanted->key());
         way.index = placeOfPrint(way.node, way.print, 0);
-        ask(way.node->items() + way.index, sizeof(Item));
+        ask(way.node->targets() + way.index, sizeof(Target));
+        ask(way.node->keys() + way.index, sizeof(CZelAtom));
     }
 
     static void askForKey(const Descent &way) {
         if (way.index == way.node->count)
             return;
-        const Item &item = way.node->items()[way.index];
-        item.key.RAPrefetch();
-        item.entry.RBTNPrefetch();
+        way.node->keys()[way.index].RAPrefetch();
+        way.node->entry(way.index).RBTNPrefetch();
     }
 
     static CZelBTreeNode *findKey(const Descent &way) {
         const unsigned int index = placeOf(way.node, *way.wanted, way.print, way.index);
-        return index < way.node->count ? &way.node->items()[index].entry : nullptr;
+        return index < way.node->count ? &way.node->entry(index) : nullptr;
     }
 
     Descent m_ways[MOST];

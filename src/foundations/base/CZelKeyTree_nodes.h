@@ -11,14 +11,25 @@
 #include "foundations/base/CZelKeyTree.h"
 #include "foundations/base/ZelHash.h"
 
-// In a leaf a key and its entry. Above the leaves a child and the least key that it may hold; that of a node's
+// Asks the memory for all cache lines of [from, to).
+inline void ZelPrefetchLines(const void *from, const void *to) {
+    constexpr std::uintptr_t CACHE_LINE = 64;
+    for (auto line = reinterpret_cast<std::uintptr_t>(from); line < reinterpret_cast<std::uintptr_t>(to);
+         line += CACHE_LINE)
+        __builtin_prefetch(reinterpret_cast<const void *>(line));
+}
+
+// What a key leads to: in a leaf its entry, above the leaves a child, whose keys are not less. The key of a node's
 // first child has no meaning.
+union CZelKeyTree::Target {
+    CZelBTreeNode entry;
+    Node *child;
+};
+
+// A key with its target outside of a node.
 struct CZelKeyTree::Item {
     CZelAtom key;
-    union {
-        CZelBTreeNode entry;
-        Node *child;
-    };
+    Target target;
 };
 
 // Where a leaf's hints come from: eight bytes of a key as a number, from which the base is taken, and of the rest the
@@ -36,10 +47,12 @@ struct CZelKeyTree::Scale {
     bool operator==(const Scale &other) const = default;
 };
 
-// Beside its items a node has marks of its keys, which lie together behind the node. A leaf has for each key a print,
-// one byte of the key's hash, so that a key is looked for in a leaf without touching the keys that it is not; behind
-// the prints it has hints, numbers that order as the keys do as far as they go, so that also the place of a new key is
-// found without touching others. A node above has heads, the same as hints with a common scale for all.
+// Behind the node lie, each kind together, marks of its keys, their targets and the keys. A leaf has for each key a
+// print, one byte of the key's hash, so that a key is looked for in a leaf without touching the keys that it is not;
+// behind the prints it has hints, numbers that order as the keys do as far as they go, so that also the place of a new
+// key is found without touching others. A node above has heads, the same as hints with a common scale for all. The
+// targets are so few lines of memory that they can be asked for with the marks: a row is on its way before its key has
+// been looked at.
 struct CZelKeyTree::Node {
     using Print = std::uint8_t;
     using Hint = std::uint16_t;
@@ -49,7 +62,7 @@ struct CZelKeyTree::Node {
     Node *next;
     std::uint16_t count;
     std::uint16_t capacity;
-    std::uint16_t offset;  // of the items
+    std::uint16_t offset;  // of the targets
     std::uint16_t width;   // bytes of a print or head
     Scale scale;           // of a leaf's hints
 
@@ -76,16 +89,21 @@ struct CZelKeyTree::Node {
     Hint *hints() { return reinterpret_cast<Hint *>(marks() + SizeOfMarks(capacity, width)); }
     const Hint *hints() const { return const_cast<Node *>(this)->hints(); }
     const Head *heads() const { return reinterpret_cast<const Head *>(this + 1); }
-    Item *items() { return reinterpret_cast<Item *>(reinterpret_cast<char *>(this) + offset); }
-    const Item *items() const { return reinterpret_cast<const Item *>(reinterpret_cast<const char *>(this) + offset); }
+    Target *targets() { return reinterpret_cast<Target *>(reinterpret_cast<char *>(this) + offset); }
+    const Target *targets() const { return const_cast<Node *>(this)->targets(); }
+    CZelAtom *keys() { return reinterpret_cast<CZelAtom *>(targets() + capacity); }
+    const CZelAtom *keys() const { return const_cast<Node *>(this)->keys(); }
+    CZelBTreeNode &entry(unsigned int index) const { return const_cast<Node *>(this)->targets()[index].entry; }
+    Node *&child(unsigned int index) { return targets()[index].child; }
+    Node *child(unsigned int index) const { return targets()[index].child; }
 };
 
 inline const CZelAtom &CZelKeyTree::Place::key() const {
-    return m_leaf->items()[m_index].key;
+    return m_leaf->keys()[m_index];
 }
 
 inline CZelBTreeNode &CZelKeyTree::Place::entry() const {
-    return const_cast<CZelBTreeNode &>(m_leaf->items()[m_index].entry);
+    return m_leaf->entry(m_index);
 }
 
 inline void CZelKeyTree::Place::next() {
