@@ -71,10 +71,11 @@ bool CZelKeyTree::find(const Wanted &wanted, Way &way) const {
     return way.indexes[m_depth] < leaf->count;
 }
 
-// Requires: the leaf has the capacity of those below other nodes, as its own word for that has not arrived yet.
+// For the hints and targets. Requires: the leaf has the capacity of those below other nodes, as its own word for that
+// has not arrived yet.
 void CZelKeyTree::askForTargets(const Node *leaf) {
     const char *targets = reinterpret_cast<const char *>(leaf) + Node::OffsetFor(Node::MOST, sizeof(Node::Print));
-    ZelPrefetchLines(targets, targets + Node::MOST * sizeof(Target));
+    ZelPrefetchLines(leaf->prints() + Node::MOST, targets + Node::MOST * sizeof(Target));
 }
 
 unsigned int CZelKeyTree::placeOf(const Node *leaf, const Wanted &wanted) {
@@ -84,6 +85,8 @@ unsigned int CZelKeyTree::placeOf(const Node *leaf, const Wanted &wanted) {
 unsigned int CZelKeyTree::placeOf(const Node *leaf, const Wanted &wanted, std::uint8_t print, unsigned int from) {
     unsigned int index = placeOfPrint(leaf, print, from);
     for (; index < leaf->count; index = placeOfPrint(leaf, print, index + 1)) {
+        if (!wanted.mayHave(leaf->hints()[index], leaf->scale))
+            continue;
         leaf->entry(index).RBTNPrefetch();
         if (wanted.isEqual(leaf->keys()[index]))
             break;

@@ -50,9 +50,9 @@ struct CZelKeyTree::Scale {
 // Behind the node lie, each kind together, marks of its keys, their targets and the keys. A leaf has for each key a
 // print, one byte of the key's hash, so that a key is looked for in a leaf without touching the keys that it is not;
 // behind the prints it has hints, numbers that order as the keys do as far as they go, so that also the place of a new
-// key is found without touching others. A node above has heads, the same as hints with a common scale for all. The
-// targets are so few lines of memory that they can be asked for with the marks: a row is on its way before its key has
-// been looked at.
+// key is found without touching others; a print that two keys share is mostly told by them too. A node above has heads,
+// the same as hints with a common scale for all. The targets are so few lines of memory that they can be asked for with
+// the marks: a row is on its way before its key has been looked at.
 struct CZelKeyTree::Node {
     using Print = std::uint8_t;
     using Hint = std::uint16_t;
@@ -201,6 +201,11 @@ public:
     std::uint64_t head() const { return m_head; }
     Node::Hint hint(const Scale &scale) const {
         return scale.skipped == 0 ? scale.hintOf(m_head) : hintOfText(scale, m_text);
+    }
+
+    // False: it is not the key that has this hint in a leaf of that scale.
+    bool mayHave(Node::Hint other, const Scale &scale) const {
+        return scale.skipped <= m_text.size() && hint(scale) == other;
     }
 
     // Negative, 0 or positive as this key is less than, equal to or greater than the other.
