@@ -262,6 +262,39 @@ TEST_P(BPlusTreeRandomTest, ATreeIsFilledWithTextsThatBeginAlikeForAnyLength) {
     }
 }
 
+// Leaves whose keys begin alike tell them by what comes behind. When the outer ones are gone, whatever is less or
+// greater than all keys is looked for in such a leaf: a shorter text, or another type.
+TEST(BPlusTreeAbsentTest, WhatDoesNotBeginAsAllKeysDoIsNotThere) {
+    constexpr int KEYS = 2000, OUTER = 400;
+    const std::string start = "/network/core/router/interface/";
+    CZelBPlusTree tree(false);
+    int object = 0;
+    std::vector<CZelAtom> present;
+    for (int i = 0; i < KEYS; ++i)
+        present.emplace_back((start + std::to_string(KEYS + i * 7919 % KEYS)).c_str());
+    for (const CZelAtom &key : present)
+        ASSERT_EQ(1, tree.RBPTAddObjectToTree(&key, &object, false));
+    std::sort(present.begin(), present.end(),
+              [](const CZelAtom &left, const CZelAtom &right) { return left.RATextView() < right.RATextView(); });
+    const auto remove = [&](auto from, auto to) {
+        for (; from != to; ++from)
+            ASSERT_EQ(1, tree.RBPTLiteralDeleteObjectInTree(&*from, &object));
+    };
+    remove(present.begin(), present.begin() + OUTER);
+    remove(present.end() - OUTER, present.end());
+    const std::vector<CZelAtom> left(present.begin() + OUTER, present.end() - OUTER);
+    std::vector<CZelAtom> absent{CZelAtom(""), CZelAtom(start.c_str())};
+    for (int i = 0; i < KEYS; ++i) {
+        absent.emplace_back(i);
+        absent.emplace_back(std::to_string(i).c_str());
+        absent.emplace_back((start.substr(0, static_cast<std::size_t>(i) % start.size()) + std::to_string(i)).c_str());
+    }
+    for (const CZelAtom &key : absent)
+        ASSERT_EQ(nullptr, tree.RBPTGetNodeForKey(&key));
+    for (const CZelAtom &key : left)
+        ASSERT_NE(nullptr, tree.RBPTGetNodeForKey(&key)) << key.RAString();
+}
+
 // Two rows of trees that get the same, one of them side by side: among the trees of one call may be the same again.
 TEST(BPlusTreeTogetherTest, AdditionsToSeveralTreesAreThoseOneByOne) {
     TestRandom random;

@@ -19,13 +19,13 @@ unsigned int CZelKeyTree::spaceFor(unsigned int count) {
 
 CZelKeyTree::Node *CZelKeyTree::makeNode(unsigned int capacity, std::size_t width) {
     const std::uint16_t offset = Node::OffsetFor(capacity, width);
-    void *block = CZelLargeBlocks::RLTake(offset + capacity * (sizeof(Target) + sizeof(CZelAtom)));
+    void *block = CZelLargeBlocks::RLTake(Node::SizeFor(capacity, width));
     return new (block)
         Node{nullptr, nullptr, 0, static_cast<std::uint16_t>(capacity), offset, static_cast<std::uint16_t>(width), {}};
 }
 
 std::size_t CZelKeyTree::sizeOf(const Node &node) {
-    return node.offset + node.capacity * (sizeof(Target) + sizeof(CZelAtom));
+    return Node::SizeFor(node.capacity, node.width);
 }
 
 void CZelKeyTree::giveMemory(Node *node) {
@@ -35,7 +35,7 @@ void CZelKeyTree::giveMemory(Node *node) {
 // Gives the node a greater capacity. It may move: its neighbours learn that here, its parent through the caller.
 CZelKeyTree::Node *CZelKeyTree::resize(Node *node, unsigned int capacity) {
     const std::uint16_t offset = Node::OffsetFor(capacity, node->width);
-    void *block = CZelLargeBlocks::RLTake(offset + capacity * (sizeof(Target) + sizeof(CZelAtom)));
+    void *block = CZelLargeBlocks::RLTake(Node::SizeFor(capacity, node->width));
     std::memcpy(block, static_cast<const void *>(node), sizeOf(*node));
     giveMemory(node);
     node = static_cast<Node *>(block);

@@ -52,9 +52,9 @@ private:
     static void findPrint(Descent &way) {
         way.print = printOf(way.wanted->key());
         way.index = placeOfPrint(way.node, way.print, 0);
-        ask(way.node->hints() + way.index, sizeof(Node::Hint));
-        ask(way.node->targets() + way.index, sizeof(Target));
-        ask(way.node->keys() + way.index, sizeof(CZelAtom));
+        __builtin_prefetch(way.node->hints() + way.index);
+        __builtin_prefetch(way.node->targets() + way.index);
+        __builtin_prefetch(way.node->keys() + way.index);
     }
 
     static void askForKey(const Descent &way) {

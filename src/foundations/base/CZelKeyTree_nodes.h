@@ -14,8 +14,8 @@
 // Asks the memory for all cache lines of [from, to).
 inline void ZelPrefetchLines(const void *from, const void *to) {
     constexpr std::uintptr_t CACHE_LINE = 64;
-    for (auto line = reinterpret_cast<std::uintptr_t>(from); line < reinterpret_cast<std::uintptr_t>(to);
-         line += CACHE_LINE)
+    const std::uintptr_t first = reinterpret_cast<std::uintptr_t>(from) / CACHE_LINE * CACHE_LINE;
+    for (auto line = first; line < reinterpret_cast<std::uintptr_t>(to); line += CACHE_LINE)
         __builtin_prefetch(reinterpret_cast<const void *>(line));
 }
 
@@ -80,6 +80,10 @@ struct CZelKeyTree::Node {
     static std::uint16_t OffsetFor(unsigned int capacity, std::size_t width) {
         const std::size_t hints = IsLeaf(width) ? capacity * sizeof(Hint) : 0;
         return static_cast<std::uint16_t>(sizeof(Node) + SizeOfMarks(capacity, width) + hints);
+    }
+
+    static std::size_t SizeFor(unsigned int capacity, std::size_t width) {
+        return OffsetFor(capacity, width) + capacity * (sizeof(Target) + sizeof(CZelAtom));
     }
 
     bool isLeaf() const { return IsLeaf(width); }
