@@ -90,18 +90,19 @@ int CZelIndexLoader::load(CZelRecordCache &cache) {
     if (!areEmpty())
         return E_RCKeyExists;
     collect(cache);
-    return fillTrees();
+    return fillTrees(cache.RRCNumbers());
 }
 
 void CZelIndexLoader::loadLate(CZelRecordCache &cache) {
     collect(cache);
-    fillTrees();
+    fillTrees(cache.RRCNumbers());
 }
 
 int CZelIndexLoader::load(CZelRecordCache &cache, CZelRowKeys &keys) {
-    if (!takeFrom(keys, static_cast<std::size_t>(cache.RRCLength())))
+    const auto rows = static_cast<std::size_t>(cache.RRCLength());
+    if (!isWhole(keys, rows))
         return load(cache);
-    return areEmpty() ? fillTrees() : E_RCKeyExists;
+    return areEmpty() ? fillTrees(rows, &keys) : E_RCKeyExists;
 }
 
 bool CZelIndexLoader::areEmpty() const {
@@ -109,25 +110,21 @@ bool CZelIndexLoader::areEmpty() const {
                        [](const Index &index) { return index.m_tree->RBPTIsEmpty() == E_RBTrue; });
 }
 
-bool CZelIndexLoader::takeFrom(CZelRowKeys &keys, std::size_t rows) {
-    const bool isWhole = std::all_of(m_indexes.begin(), m_indexes.end(), [&keys, rows](const Index &index) {
-        const std::vector<SZelKeyedObject> *pairs = keys.find(*index.m_column);
-        return pairs != nullptr && pairs->size() == rows;
-    });
-    for (Index &index : m_indexes)
-        if (isWhole)
-            index.m_pairs = std::move(*keys.find(*index.m_column));
-    return isWhole;
+bool CZelIndexLoader::isWhole(const CZelRowKeys &keys, std::size_t rows) const {
+    return std::all_of(m_indexes.begin(), m_indexes.end(),
+                       [&keys, rows](const Index &index) { return keys.count(*index.m_column) == rows; });
 }
 
-// All of them, or none.
-int CZelIndexLoader::fillTrees() {
-    const std::size_t rows = m_indexes.empty() ? 0 : m_indexes[0].m_pairs.size();
+// All of them, or none. Whoever fills a tree also frees what it was filled with.
+int CZelIndexLoader::fillTrees(std::size_t rows, CZelRowKeys *keys) {
     const std::size_t parts = rows < LEAST_ROWS ? 1 : ZelPartsFor(m_indexes.size(), 1);
     std::vector<int> statuses(m_indexes.size(), 1);
     ZelInParts(parts, [&](std::size_t part) {
-        for (std::size_t index = part; index < m_indexes.size(); index += parts)
-            statuses[index] = m_indexes[index].m_tree->RBPTLoad(m_indexes[index].m_pairs);
+        for (std::size_t number = part; number < m_indexes.size(); number += parts) {
+            Index &index = m_indexes[number];
+            auto pairs = keys != nullptr ? keys->take(*index.m_column) : std::exchange(index.m_pairs, {});
+            statuses[number] = index.m_tree->RBPTLoad(pairs);
+        }
     });
     if (std::all_of(statuses.begin(), statuses.end(), [](int status) { return status == 1; }))
         return 1;

@@ -38,10 +38,10 @@ private:
     class Picker;
 
     bool areEmpty() const;
-    bool takeFrom(CZelRowKeys &keys, std::size_t rows);
+    bool isWhole(const CZelRowKeys &keys, std::size_t rows) const;
     void collect(CZelRecordCache &cache);
     void pickRest(CZelRecordCache &cache, Picker &picker);
-    int fillTrees();
+    int fillTrees(std::size_t rows, CZelRowKeys *keys = nullptr);
 
     std::vector<Index> m_indexes;
     CZelROMPColumns m_columns;

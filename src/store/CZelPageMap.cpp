@@ -22,6 +22,7 @@ void CZelPageMap::Part::add(const CZelPageView &view) {
     page.use = condition == CZelPageView::EMPTY ? FREE : DAMAGED;
     if (condition == CZelPageView::SOUND)
         addSound(view, page);
+    ++m_counts[page.use];
     ++m_next;
 }
 
@@ -68,6 +69,10 @@ void CZelPageMap::begin(long pages) {
 void CZelPageMap::settle(const std::vector<Part> &parts) {
     std::vector<Note> notes;
     m_isAllSeen = true;
+    m_counts = {};
+    for (const Part &part : parts)
+        for (std::size_t use = 0; use < USES; ++use)
+            m_counts[use] += part.m_counts[use];
     for (const Part &part : parts) {
         m_highestStamp = std::max(m_highestStamp, part.m_highestStamp);
         notes.insert(notes.end(), part.m_notes.begin(), part.m_notes.end());
@@ -109,9 +114,15 @@ long CZelPageMap::next(long page) const {
 }
 
 void CZelPageMap::setUse(long start, Use use) {
-    m_pages[static_cast<std::size_t>(start)].use = use;
+    setUse(pageAt(start), use);
     for (long page = next(start); page >= 0; page = next(page))
-        m_pages[static_cast<std::size_t>(page)].use = use == CHAIN_START ? CHAIN_PAGE : use;
+        setUse(pageAt(page), use == CHAIN_START ? CHAIN_PAGE : use);
+}
+
+void CZelPageMap::setUse(Page &page, Use use) {
+    --m_counts[page.use];
+    ++m_counts[use];
+    page.use = use;
 }
 
 // A note counts while its own chain is whole, be that one replaced too. Notes point to older stamps, so there is no
@@ -129,13 +140,6 @@ void CZelPageMap::dropReplaced(const std::vector<Note> &notes) {
     std::sort(m_replaced.begin(), m_replaced.end(), [this](long left, long right) {
         return m_pages[static_cast<std::size_t>(left)].stamp > m_pages[static_cast<std::size_t>(right)].stamp;
     });
-}
-
-std::array<long, CZelPageMap::USES> CZelPageMap::counts() const {
-    std::array<long, USES> counts{};
-    for (long page = 0; page < m_length; ++page)
-        ++counts[use(page)];
-    return counts;
 }
 
 std::vector<long> CZelPageMap::starts() const {

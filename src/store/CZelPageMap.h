@@ -27,6 +27,7 @@ public:
         REPLACED,  // of a whole chain that a later one replaces
     };
     static constexpr std::size_t USES = REPLACED + 1;
+    using Counts = std::array<long, USES>;  // of pages by use
 
 private:
     struct Page {
@@ -66,6 +67,7 @@ public:
         std::vector<long> m_firsts;  // of chains of several pages
         std::vector<Note> m_notes;
         long m_unseen = 0;  // chains by themselves that nobody has seen
+        Counts m_counts{};  // of the pages added
         std::uint64_t m_highestStamp = 0;
     };
 
@@ -80,8 +82,8 @@ public:
     std::uint64_t highestStamp() const { return m_highestStamp; }
 
     void setUse(long start, Use use);  // of all pages of a chain
-    std::array<long, USES> counts() const;
-    long count(Use use) const { return counts()[use]; }
+    const Counts &counts() const { return m_counts; }
+    long count(Use use) const { return m_counts[use]; }
 
     // First pages: of the chains that count, in the order of the file; of those that are replaced, youngest first.
     std::vector<long> starts() const;
@@ -92,11 +94,13 @@ public:
 
 private:
     Page &pageAt(long number) const { return m_pages[static_cast<std::size_t>(number)]; }
+    void setUse(Page &page, Use use);
     bool walk(long start);
     void dropReplaced(const std::vector<Note> &notes);
 
     std::unique_ptr<Page[]> m_pages;  // each is first written by the part that it belongs to
     long m_length = 0;
+    Counts m_counts{};  // once it is settled
     std::vector<long> m_replaced;
     bool m_isAllSeen = false;
     std::uint64_t m_highestStamp = 0;

@@ -119,6 +119,7 @@ public:
 
 private:
     class FileReader;
+    class Filler;
     struct Place {  // of a chain, as the page file tells it
         long m_start = CZelPageFile::NO_POSITION;
         unsigned long long m_stamp = 0;
@@ -156,6 +157,7 @@ private:
     bool needsRoom(unsigned long long size) const { return isFull(m_inCoreBytes, size); }
     bool isFull(unsigned long long inCoreBytes, unsigned long long size) const;
     int makeRoom(unsigned long long size);
+    static void reportNothingToEvict();
     int evict(CZelCachedRecord &entry);
     const CZelPointer *firstToStay() const;
     const CZelPointer *firstOfShare() const;

@@ -2,8 +2,6 @@
 
 #include <memory>
 
-#include "foundations/base/CZelAtom.h"
-#include "foundations/base/CZelBag.h"
 #include "foundations/base/CZelROMPer.h"
 #include "foundations/base/CZelRecord.h"
 #include "foundations/base/CZelString.h"
@@ -11,17 +9,9 @@
 #include "store/CZelCachedRecord.h"
 #include "store/CZelRecordCache.h"
 
-namespace {
-
-void reportNothingToEvict() {
+void CZelRecordCache::reportNothingToEvict() {
     ZEL_REPORT(E_RCBadArgument, "CZelRecordCache::RRCWriteOldestRecToDisk: no row is in memory");
 }
-
-CZelAtom *handleIn(const CZelPointer *node) {
-    return static_cast<CZelAtom *>(node->RPData());
-}
-
-}  // namespace
 
 // By size, the bytes that are to come count; by proportion, only what is there.
 bool CZelRecordCache::isFull(unsigned long long inCoreBytes, unsigned long long size) const {
@@ -82,57 +72,4 @@ void CZelRecordCache::askForOldest() const {
 void CZelRecordCache::askForItsValues() const {
     if (const CZelCachedRecord *oldest = m_inCore.top())
         oldest->RCRGetRecord()->RRVbIterator()->RVBLPrefetch();
-}
-
-void CZelRecordCache::RRCFillMemory() {
-    if (!isBounded() || m_inCore.length() > 0)
-        return;
-    for (const CZelPointer *node = firstToStay(); node != nullptr; node = CZelBag::RBNext(node)) {
-        CZelCachedRecord &entry = *m_handles.find(*handleIn(node));
-        std::unique_ptr<CZelRecord> record(readFromDisk(entry));
-        if (record != nullptr)
-            bringIn(entry, record.release(), false);
-    }
-}
-
-const CZelPointer *CZelRecordCache::firstToStay() const {
-    return m_type == E_RCTByProportion ? firstOfShare() : firstOfBytes();
-}
-
-unsigned long long CZelRecordCache::sizeOf(const CZelPointer *node) const {
-    return static_cast<unsigned long long>(m_handles.find(*handleIn(node))->RCRSize());
-}
-
-// A row comes in when those before it are within the share, whatever its own size; so the last one stays, and of the
-// others as many as fit beside each other.
-const CZelPointer *CZelRecordCache::firstOfShare() const {
-    const auto *first = static_cast<const CZelPointer *>(m_handles.inOrder()->RDLTail());
-    unsigned long long bytes = 0;
-    for (const CZelPointer *node = first; node != nullptr;) {
-        first = node;
-        node = static_cast<const CZelPointer *>(m_handles.inOrder()->RDLGetPrev(node));
-        bytes += node != nullptr ? sizeOf(node) : 0;
-        if (isFull(bytes, 0))
-            break;
-    }
-    return first;
-}
-
-// Of rows that come in one by one, each a little later than the one before, the first that came is always the one to
-// leave; so it is enough to count.
-const CZelPointer *CZelRecordCache::firstOfBytes() const {
-    const auto *first = static_cast<const CZelPointer *>(m_handles.inOrder()->RDLHead());
-    unsigned long long bytes = 0;
-    for (const CZelPointer *node = first; node != nullptr; node = CZelBag::RBNext(node)) {
-        const unsigned long long size = sizeOf(node);
-        unsigned long long asked = size;
-        for (; first != node && isFull(bytes, asked); first = CZelBag::RBNext(first)) {
-            asked = sizeOf(first);
-            bytes -= asked;
-        }
-        if (first == node && isFull(bytes, asked))
-            reportNothingToEvict();
-        bytes += size;
-    }
-    return first;
 }

@@ -1,6 +1,5 @@
 // The rows that a persistent cache finds in its file.
 #include <algorithm>
-#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -42,7 +41,7 @@ public:
     int status() const { return m_status; }
 
 private:
-    using Keys = std::vector<SZelKeyedObject>;
+    using Keys = CZelRowKeys::Pairs;
 
     // Rows that follow each other in the file. Begun and filled by one thread, whose memory is apart from others': two
     // that write into one cache line wait for each other.
@@ -66,7 +65,7 @@ private:
     void enterPiece(std::size_t begin, std::size_t end);
     void enterRowsOf(Part &part, std::size_t begin, std::size_t end, long number);
     void noteRows(std::size_t rows);
-    void giveKeys(std::size_t column);
+    void giveKeys();
 
     CZelRecordCache &m_cache;
     CZelRowKeys *m_keys;
@@ -211,8 +210,7 @@ void CZelRecordCache::FileReader::enterRows() {
     });
     m_cache.m_handles.endMany();
     noteRows(count);
-    for (std::size_t column = 0; column < columns(); ++column)
-        giveKeys(column);
+    giveKeys();
 }
 
 // Of the last row. Requires: there is one.
@@ -261,13 +259,10 @@ void CZelRecordCache::FileReader::noteRows(std::size_t rows) {
         m_cache.m_inCoreBytes = m_cache.m_totalBytes;
 }
 
-void CZelRecordCache::FileReader::giveKeys(std::size_t column) {
-    Keys &all = m_found.front().m_keys[column];
-    for (std::size_t part = 1; part < m_found.size(); ++part) {
-        Keys &keys = m_found[part].m_keys[column];
-        all.insert(all.end(), std::move_iterator(keys.begin()), std::move_iterator(keys.end()));
-    }
-    m_keys->give(column, std::move(all));
+void CZelRecordCache::FileReader::giveKeys() {
+    for (Part &part : m_found)
+        for (std::size_t column = 0; column < columns(); ++column)
+            m_keys->give(column, std::move(part.m_keys[column]));
 }
 
 int CZelRecordCache::readFile(CZelRowKeys *keys) {

@@ -1,6 +1,7 @@
 #include "store/CZelRecordCache.h"
 
 #include <algorithm>
+#include <fstream>
 #include <limits>
 #include <vector>
 
@@ -9,6 +10,7 @@
 #include "store/CZelCachedRecord.h"
 #include "store/CZelRowKeys.h"
 #include "store/CacheTest.h"
+#include "support/SplitAll.h"
 #include "support/TestRandom.h"
 
 namespace {
@@ -461,9 +463,10 @@ TEST_F(RecordCacheTest, FilledMemoryHoldsWhatAWalkOfRetrievalsLeaves) {
             const unsigned long long bytes = 1 + random.below(4000);
             const float share = static_cast<float>(1 + random.below(98)) / 100;
             const auto make = [&] { return isBySize ? bySize(bytes, E_RBTrue) : byShare(share, E_RBTrue); };
+            const SplitAll split(random.oneIn(2));
             auto cache = make();
             for (int i = 0, count = static_cast<int>(random.below(40)); i < count; ++i)
-                add(*cache, i, ROW_FRAME + 2 + static_cast<int>(random.below(400)));
+                add(*cache, i, ROW_FRAME + 2 + static_cast<int>(random.below(random.oneIn(8) ? 2000 : 400)));
             std::vector<std::string> found[2];
             for (const bool isFilled : {false, true}) {
                 cache.reset();
@@ -482,6 +485,37 @@ TEST_F(RecordCacheTest, FilledMemoryHoldsWhatAWalkOfRetrievalsLeaves) {
             ASSERT_EQ(found[0], found[1]) << bytes << " bytes or " << share;
             cache->RRCDeleteCacheFile();
         }
+    }
+}
+
+// Damage of what was whole at the start: the rows of a page and of a chain can't come.
+TEST_F(RecordCacheTest, ARowThatCannotComeIntoMemoryIsReportedOnceAndTheOthersCome) {
+    constexpr int ROWS = 40, LONG_ROW = 30, DAMAGED = 35, PAGE = 512;
+    for (const bool splits : {false, true}) {
+        const SplitAll split(splits);
+        const auto sizeOf = [](int i) { return i == LONG_ROW ? 1200 : 100 + i; };
+        {
+            auto cache = byShare(0.5F, E_RBTrue);
+            for (int i = 0; i < ROWS; ++i)
+                add(*cache, i, sizeOf(i));
+        }
+        auto cache = byShare(0.5F, E_RBTrue);
+        std::fstream damage(path(), std::ios::in | std::ios::out | std::ios::binary);
+        damage.seekp((LONG_ROW + 1) * PAGE + 100).put('!').seekp((DAMAGED + 2) * PAGE + 100).put('!').flush();
+        cache->RRCFillMemory();
+        ASSERT_EQ(2U, reports.Count()) << splits;
+        EXPECT_TRUE(reports.Holds(E_RCBadValue, "Incompatibility in cache file please make new cache file"));
+        unsigned long long bytes = 0;
+        for (int i = 25; i < ROWS; ++i) {
+            SZelCachedRow row;
+            const bool isDamaged = i == LONG_ROW || i == DAMAGED;
+            ASSERT_EQ(!isDamaged, cache->RRCLookAt(cache->RRCHandle(i), row)) << i;
+            ASSERT_EQ(isDamaged ? "<none>" : textOfSize(i, sizeOf(i)), textOf(row.m_record));
+            bytes += isDamaged ? 0 : static_cast<unsigned long long>(sizeOf(i));
+        }
+        EXPECT_GE(inCore(*cache), bytes);
+        cache->RRCDeleteCacheFile();
+        reports.Clear();
     }
 }
 
@@ -530,8 +564,9 @@ TEST_F(RecordCacheTest, PartsOfAFileMayHoldNoRow) {
         auto cache = uncreated();
         ASSERT_EQ(1, cache->RRCCreateByPropn(NAME, 0, E_RBTrue, &keys));
         ASSERT_EQ(10, cache->RRCLength());
-        ASSERT_EQ(10U, keys.find(name)->size());
-        EXPECT_EQ(cache->RRCHandle(9), keys.find(name)->back().m_object);
+        const CZelRowKeys::Pairs pairs = keys.take(name);
+        ASSERT_EQ(10U, pairs.size());
+        EXPECT_EQ(cache->RRCHandle(9), pairs.back().m_object);
         EXPECT_EQ(textOfSize(isAtTheEnd ? 9 : ROWS - 1, 60), peek(*cache, cache->RRCHandle(9)));
         cache->RRCDeleteCacheFile();
     }
@@ -578,15 +613,16 @@ TEST_F(RecordCacheTest, KeysThatAreFoundAtTheStartAreThoseOfTheRecords) {
         auto cache = uncreated();
         ASSERT_EQ(1, cache->RRCCreateByPropn(NAME, share, E_RBTrue, &keys));
         for (const CZelAtom &name : names) {
+            const CZelRowKeys::Pairs pairs = keys.take(name);
             std::size_t place = 0;
             forEachHandle(*cache, [&](CZelAtom *handle) {
-                const SZelKeyedObject &pair = keys.find(name)->at(place++);
+                const SZelKeyedObject &pair = pairs.at(place++);
                 const std::unique_ptr<CZelRecord> row(cache->RRCRetrieveRecord(handle));
                 const CZelAtom *value = row->RRValueOf(&name);
                 EXPECT_EQ(handle, pair.m_object);
                 EXPECT_EQ(0, (value != nullptr ? *value : CZelAtom()).RALex(&pair.m_key, nullptr));
             });
-            EXPECT_EQ(place, keys.find(name)->size());
+            EXPECT_EQ(place, pairs.size());
         }
         cache->RRCDeleteCacheFile();
     }
