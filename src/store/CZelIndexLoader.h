@@ -32,7 +32,7 @@ private:
     struct Index {
         CZelBPlusTree *m_tree;
         const CZelAtom *m_column;
-        std::vector<SZelKeyedObject> m_pairs;
+        CZelArray<SZelKeyedObject> m_pairs;
     };
 
     class Picker;

@@ -46,7 +46,7 @@ private:
     // Rows that follow each other in the file. Begun and filled by one thread, whose memory is apart from others': two
     // that write into one cache line wait for each other.
     struct alignas(64) Part {
-        std::vector<CZelHandleTable::Found> m_rows;
+        CZelArray<CZelHandleTable::Found> m_rows;
         std::vector<Keys> m_keys;                            // by column
         std::vector<std::unique_ptr<CZelRecord>> m_records;  // where all rows stay in memory
         CZelROMPColumns m_columns;

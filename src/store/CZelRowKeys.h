@@ -12,7 +12,7 @@
 
 class QUINTOR_API CZelRowKeys {
 public:
-    using Pairs = std::vector<SZelKeyedObject>;
+    using Pairs = CZelArray<SZelKeyedObject>;
 
     void addColumn(const CZelAtom &name) { m_columns.push_back({&name, {}}); }
 

@@ -207,7 +207,7 @@ TEST_P(BPlusTreeRandomTest, AFilledTreeIsTheOneThatAdditionsMake) {
     TreeKeys keys(random, 8000);
     for (const unsigned size : {0U, 1U, 2U, 63U, 64U, 65U, 129U, 4096U, 4097U, 5000U, 5000U, 5000U}) {
         const bool takesTwins = isDegenerate() || random.oneIn(3);
-        std::vector<SZelKeyedObject> pairs;
+        CZelArray<SZelKeyedObject> pairs;
         bool isRefused = false;
         for (unsigned i = 0; i < size; ++i) {
             const CZelAtom key = random.oneIn(40) ? CZelAtom() : keys.key();
@@ -242,7 +242,7 @@ TEST_P(BPlusTreeRandomTest, ATreeIsFilledWithTextsThatBeginAlikeForAnyLength) {
     TestRandom random;
     for (unsigned known = 0; known < 28 && !HasFatalFailure(); ++known) {
         const std::string front(known, random.oneIn(2) ? 'a' : '\xe9');
-        std::vector<SZelKeyedObject> pairs;
+        CZelArray<SZelKeyedObject> pairs;
         for (unsigned i = 0; i < 2500; ++i) {
             std::string text = front;
             for (unsigned groups = random.below(4); groups > 0; --groups)

@@ -185,7 +185,7 @@ public:
     }
     void fill(const CZelBPlusTree &tree) override {
         EXPECT_EQ(&m_tree, &tree);
-        std::vector<SZelKeyedObject> pairs;
+        CZelArray<SZelKeyedObject> pairs;
         pairs.push_back({CZelAtom(7), m_objects[0]});
         pairs.push_back({CZelAtom(5), m_objects[1]});
         EXPECT_EQ(1, m_tree.RBPTLoad(pairs));

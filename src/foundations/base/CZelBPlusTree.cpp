@@ -74,7 +74,7 @@ bool CZelBPlusTree::finish(CZelKeyTree::Addition &addition, const CZelAtom *key,
     return true;
 }
 
-int CZelBPlusTree::RBPTLoad(std::vector<SZelKeyedObject> &pairs) {
+int CZelBPlusTree::RBPTLoad(CZelArray<SZelKeyedObject> &pairs) {
     const bool isLoaded = m_tree.RKTLoad(pairs, !m_degenerate);
     m_length = isLoaded ? static_cast<int>(pairs.size()) : 0;
     m_filler.store(nullptr, std::memory_order_release);

@@ -53,7 +53,7 @@ public:
 
     // Fills an empty tree with pairs of different objects, as if they were added one by one; takes their keys.
     // E_RCKeyExists: two of them can't both stand in this tree, which stays empty.
-    int RBPTLoad(std::vector<SZelKeyedObject> &pairs);
+    int RBPTLoad(CZelArray<SZelKeyedObject> &pairs);
     void RBPTEmpty();
 
     // Removes exactly this object under this key; 1 or E_RCNotInTree.

@@ -15,6 +15,7 @@
 #include <string_view>
 #include <vector>
 
+#include "foundations/base/CZelArrays.h"
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelBTreeNode.h"
 #include "foundations/port/ZelExport.h"
@@ -82,7 +83,7 @@ public:
 
     // Fills an empty tree with pairs in any order, as if they were added one by one; takes their keys. False, and the
     // tree stays empty, when `isUnique` and a key that is not null comes twice.
-    bool RKTLoad(std::vector<SZelKeyedObject> &pairs, bool isUnique);
+    bool RKTLoad(CZelArray<SZelKeyedObject> &pairs, bool isUnique);
 
     // Takes the object from the entry of the key, and the entry out when it was the only one; false when it does
     // not stand there.
@@ -128,9 +129,9 @@ private:
     // Loading.
     struct Ranked;
     class Ranking;
-    using RankedPlace = std::vector<Ranked>::const_iterator;
-    std::vector<Node *> makeLeaves(std::vector<SZelKeyedObject> &pairs, const std::vector<Ranked> &ranked);
-    static RankedPlace addToLeaf(Node *leaf, std::vector<SZelKeyedObject> &pairs, RankedPlace next, RankedPlace end);
+    using RankedPlace = CZelArray<Ranked>::const_iterator;
+    std::vector<Node *> makeLeaves(CZelArray<SZelKeyedObject> &pairs, const CZelArray<Ranked> &ranked);
+    static RankedPlace addToLeaf(Node *leaf, CZelArray<SZelKeyedObject> &pairs, RankedPlace next, RankedPlace end);
     static std::vector<Node *> makeParents(const std::vector<Node *> &children, bool areLeaves);
     template <class Number>
     static Number loadBigEndian(const char *bytes);

@@ -21,7 +21,7 @@ private:
 
 }  // namespace
 
-bool CZelKeyTree::RKTLoad(std::vector<SZelKeyedObject> &pairs, bool isUnique) {
+bool CZelKeyTree::RKTLoad(CZelArray<SZelKeyedObject> &pairs, bool isUnique) {
     const Ranking ranking(pairs);
     if (isUnique && ranking.hasTwins())
         return false;
@@ -35,8 +35,8 @@ bool CZelKeyTree::RKTLoad(std::vector<SZelKeyedObject> &pairs, bool isUnique) {
     return true;
 }
 
-std::vector<CZelKeyTree::Node *> CZelKeyTree::makeLeaves(std::vector<SZelKeyedObject> &pairs,
-                                                         const std::vector<Ranked> &ranked) {
+std::vector<CZelKeyTree::Node *> CZelKeyTree::makeLeaves(CZelArray<SZelKeyedObject> &pairs,
+                                                         const CZelArray<Ranked> &ranked) {
     const Portions portions(m_length, Node::MOST);
     std::vector<Node *> leaves;
     leaves.reserve(portions.nodes());
@@ -55,7 +55,7 @@ std::vector<CZelKeyTree::Node *> CZelKeyTree::makeLeaves(std::vector<SZelKeyedOb
 }
 
 // The next key behind those that a leaf has; twins go into one entry. Gives the place behind them.
-CZelKeyTree::RankedPlace CZelKeyTree::addToLeaf(Node *leaf, std::vector<SZelKeyedObject> &pairs, RankedPlace next,
+CZelKeyTree::RankedPlace CZelKeyTree::addToLeaf(Node *leaf, CZelArray<SZelKeyedObject> &pairs, RankedPlace next,
                                                 RankedPlace end) {
     constexpr std::ptrdiff_t AHEAD = 12;
     if (end - next > AHEAD)

@@ -28,7 +28,7 @@ std::size_t alike(std::string_view left, std::string_view right, std::size_t mos
 
 }  // namespace
 
-CZelKeyTree::Ranking::Ranking(const std::vector<SZelKeyedObject> &pairs) : m_pairs(pairs), m_spare(pairs.size()) {
+CZelKeyTree::Ranking::Ranking(const CZelArray<SZelKeyedObject> &pairs) : m_pairs(pairs), m_spare(pairs.size()) {
     m_ranked.reserve(pairs.size());
     for (const SZelKeyedObject &pair : pairs) {
         const auto place = static_cast<std::uint32_t>(m_ranked.size());

@@ -20,9 +20,9 @@ struct CZelKeyTree::Ranked {
 
 class CZelKeyTree::Ranking {
 public:
-    explicit Ranking(const std::vector<SZelKeyedObject> &pairs);
+    explicit Ranking(const CZelArray<SZelKeyedObject> &pairs);
 
-    const std::vector<Ranked> &ranked() const { return m_ranked; }
+    const CZelArray<Ranked> &ranked() const { return m_ranked; }
     bool hasTwins() const;  // of other keys than the null key
     std::size_t keys() const;
 
@@ -38,7 +38,7 @@ private:
     template <class Visitor>
     static void forEachHead(Part part, Visitor visit);
 
-    const std::vector<SZelKeyedObject> &m_pairs;
-    std::vector<Ranked> m_ranked;
-    std::vector<Ranked> m_spare;  // room for as many
+    const CZelArray<SZelKeyedObject> &m_pairs;
+    CZelArray<Ranked> m_ranked;
+    CZelArray<Ranked> m_spare;  // room for as many
 };
