@@ -3,6 +3,7 @@
 #include "foundations/base/CZelAtom.h"
 #include "foundations/base/CZelROMPColumns.h"
 #include "foundations/port/CZelError.h"
+#include "foundations/port/ZelPrefetch.h"
 
 namespace {
 
@@ -57,7 +58,7 @@ void CZelCacheWalk::findInMemory() {
 // Rows in memory lie far apart: the memory finds the entry, the record and its values while others are at work.
 void CZelCacheWalk::lookAhead() const {
     constexpr std::size_t APART = 4;
-    __builtin_prefetch(handleAhead(3 * APART));
+    ZelPrefetch(handleAhead(3 * APART));
     if (const CZelAtom *handle = handleAhead(2 * APART))
         m_cache.RRCAskForRecord(*handle);
     if (const CZelAtom *handle = handleAhead(APART))

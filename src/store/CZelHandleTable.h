@@ -19,6 +19,7 @@
 #include "foundations/base/CZelLargeBlocks.h"
 #include "foundations/base/CZelPointer.h"
 #include "foundations/port/ZelExport.h"
+#include "foundations/port/ZelPrefetch.h"
 #include "store/CZelCachedRecord.h"
 
 class QUINTOR_API CZelHandleTable {
@@ -60,7 +61,7 @@ public:
     bool hasRoomFor(long count) const;  // in all; false is reported (E_RCNoHandle)
 
     // Asks the memory for the record of a row. Requires: the number has been in use
-    void askForRecord(long number) const { __builtin_prefetch(rowAt(number).RCRGetRecord()); }
+    void askForRecord(long number) const { ZelPrefetch(rowAt(number).RCRGetRecord()); }
 
     long end() const { return static_cast<long>(m_blocks.size()) * BLOCK; }  // every number in use is below it
     CZelAtom *handleAt(long number) const { return &rowAt(number).m_handle; }

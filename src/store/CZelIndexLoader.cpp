@@ -57,7 +57,7 @@ public:
     }
     CZelAtom valueIn(const CZelRecord &record, std::size_t column) const {
         const CZelAtom *value = record.RRValueOf(m_indexes[column].m_column);
-        return value != nullptr ? CZelAtom(*value) : CZelAtom();
+        return value != nullptr ? CZelAtom::RAKey(*value) : CZelAtom();
     }
 
     // What is no row or can't be read.

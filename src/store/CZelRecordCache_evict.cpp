@@ -6,6 +6,7 @@
 #include "foundations/base/CZelRecord.h"
 #include "foundations/base/CZelString.h"
 #include "foundations/port/CZelError.h"
+#include "foundations/port/ZelPrefetch.h"
 #include "store/CZelCachedRecord.h"
 #include "store/CZelRecordCache.h"
 
@@ -58,7 +59,7 @@ int CZelRecordCache::evict(CZelCachedRecord &entry) {
     entry.RCRSetOnDisk(start);
     setAtPage(start, numberOf(entry));
     m_inCoreBytes -= static_cast<unsigned long long>(entry.RCRSize());
-    __builtin_prefetch(m_inCore.top());
+    ZelPrefetch(m_inCore.top());
     return E_RCOk;
 }
 
@@ -66,7 +67,7 @@ int CZelRecordCache::evict(CZelCachedRecord &entry) {
 // read and the row is decoded, the memory has the time to find the pieces that are freed then.
 void CZelRecordCache::askForOldest() const {
     if (const CZelCachedRecord *oldest = m_inCore.top())
-        __builtin_prefetch(oldest->RCRGetRecord());
+        ZelPrefetch(oldest->RCRGetRecord());
 }
 
 void CZelRecordCache::askForItsValues() const {

@@ -173,7 +173,7 @@ bool CZelRecordCache::FileReader::takeChain(long start, const unsigned char *enc
 
 CZelAtom CZelRecordCache::FileReader::valueIn(const CZelRecord &record, std::size_t column) const {
     const CZelAtom *value = record.RRValueOf(&m_keys->name(column));
-    return value != nullptr ? CZelAtom(*value) : CZelAtom();
+    return value != nullptr ? CZelAtom::RAKey(*value) : CZelAtom();
 }
 
 // For one row more, in the only part.

@@ -7,6 +7,7 @@
 #include "foundations/base/CZelBag.h"
 #include "foundations/base/CZelRecord.h"
 #include "foundations/base/ZelInRuns.h"
+#include "foundations/port/ZelPrefetch.h"
 #include "store/CZelBoolean.h"
 
 namespace {
@@ -59,8 +60,8 @@ public:
             return;
         const std::uintptr_t start = startOf(*m_rows.row());
         for (std::uintptr_t bytes = 0; bytes < std::min(m_place, MOST_BYTES); bytes += CACHE_LINE)
-            __builtin_prefetch(reinterpret_cast<const void *>(start + bytes));
-        __builtin_prefetch(reinterpret_cast<const void *>(start + m_place));
+            ZelPrefetch(reinterpret_cast<const void *>(start + bytes));
+        ZelPrefetch(reinterpret_cast<const void *>(start + m_place));
         m_rows.advance();
     }
     void learn(const Rows &rows, const CZelAtom *value) {

@@ -8,6 +8,7 @@
 
 #include "foundations/base/CZelBag.h"
 #include "foundations/base/CZelRecord.h"
+#include "foundations/port/ZelPrefetch.h"
 
 class CZelRowsAhead {
 public:
@@ -47,7 +48,7 @@ private:
     }
     void askForRecord() {
         if (const CZelRecord *record = take(m_records))
-            __builtin_prefetch(record);
+            ZelPrefetch(record);
     }
     void askForBindings() {
         if (const CZelRecord *record = take(m_bindings))

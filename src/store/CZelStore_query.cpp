@@ -116,9 +116,7 @@ void copyRows(CZelBag &rows) {
     if (rows.RBLength() != 1)
         return replaceRows(rows, false, copy);
     CZelPointer *only = rows.RBFirst();
-    auto *row = static_cast<CZelRecord *>(only->RPData());
-    row->RRVbIterator()->RVBLPrefetchValues();
-    only->RPSetData(copy(row));
+    only->RPSetData(copy(static_cast<CZelRecord *>(only->RPData())));
 }
 
 // The table's answer; an empty bag without a table, or where the table can't answer.

@@ -11,6 +11,7 @@
 #include "foundations/port/CZelError.h"
 #include "foundations/port/CZelRWLock.h"
 #include "foundations/port/ZelDebug.h"
+#include "foundations/port/ZelPrefetch.h"
 #include "oql/CZelDelete.h"
 #include "oql/CZelUpdate.h"
 #include "store/CZelCacheWalk.h"
@@ -62,7 +63,7 @@ private:
         node = CZelBag::RBNext(node);
         return handle;
     }
-    void askForHandle() { __builtin_prefetch(take(m_handle)); }
+    void askForHandle() { ZelPrefetch(take(m_handle)); }
 
     const CZelRecordCache &m_cache;
     const CZelPointer *m_handle;

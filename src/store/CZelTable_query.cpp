@@ -8,6 +8,7 @@
 #include "foundations/base/CZelRecord.h"
 #include "foundations/base/CZelTreeList.h"
 #include "foundations/port/CZelError.h"
+#include "foundations/port/ZelPrefetch.h"
 #include "oql/CZelDbEntity.h"
 #include "oql/CZelExpr.h"
 #include "oql/CZelQuery.h"
@@ -325,7 +326,7 @@ CZelBag *CZelTable::rowsOfTree(const CZelBPlusTree &tree, const CZelAtom *value,
     if (m_cache == nullptr)
         static_cast<const CZelRecord *>(row)->RRVbIterator()->RVBLPrefetch();
     else
-        __builtin_prefetch(row);
+        ZelPrefetch(row);
     return rows;
 }
 

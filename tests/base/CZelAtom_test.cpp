@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <sstream>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "base/RandomValues.h"
 #include "foundations/base/CZelUChar.h"
@@ -240,4 +243,33 @@ TEST(Atom, WorkOnNestsStopsAtTheBoundAndSaysSo) {
     EXPECT_EQ(E_RCBadValue, reports.LastCode());
     delete allowed;
     delete deep;
+}
+
+// A block that went to another list than it came from brings the pool down when its thread ends.
+TEST(Atom, KeysGoBackWhereTheyCameFrom) {
+    constexpr std::size_t VALUES = 500;
+    const unsigned seed = std::random_device{}();
+    const auto work = [seed] {
+        std::mt19937 random(seed);
+        std::vector<CZelAtom> atoms(VALUES);
+        std::vector<std::string> texts(VALUES);
+        for (int step = 0; step < 20000; ++step) {
+            const std::size_t to = random() % VALUES, from = random() % VALUES;
+            const std::string text(random() % 150, static_cast<char>('a' + step % 26));
+            const int way = static_cast<int>(random() % 5);
+            if (way < 2)
+                atoms[to] = way == 0 ? CZelAtom::RAKey(text.data(), text.size()) : CZelAtom(text.c_str());
+            else if (way < 4)
+                atoms[to] = way == 2 ? CZelAtom::RAKey(atoms[from]) : atoms[from];
+            else
+                std::swap(atoms[to], atoms[from]);
+            if (way < 4)
+                texts[to] = way < 2 ? text : texts[from];
+            else
+                std::swap(texts[to], texts[from]);
+        }
+        for (std::size_t i = 0; i < VALUES; ++i)
+            EXPECT_EQ(std::string(atoms[i].RATextView()), texts[i]) << "seed " << seed;
+    };
+    std::thread(work).join();
 }

@@ -119,6 +119,17 @@ const char *CZelAtom::RAGetDataTypeString(EZelDataType type) {
     return type < E_RDTInt || type > E_RDTUndefined ? NAMES[E_RDTUndefined] : NAMES[type];
 }
 
+CZelAtom CZelAtom::RAKey(const CZelAtom &value) {
+    return value.m_heap.type == E_RDTText && !value.isFlat() ? RAKey(value.m_heap.word.text, value.m_heap.length)
+                                                             : value;
+}
+
+CZelAtom CZelAtom::RAKey(const char *text, std::size_t length) {
+    CZelAtom key;
+    key.setText(text, length, CZelPool::KEYS);
+    return key;
+}
+
 void CZelAtom::RASet(const CZelAtom *other) {
     if (other == nullptr)
         RASet();
@@ -135,7 +146,7 @@ void CZelAtom::RASet(CZelAtom *other) {
 
 void CZelAtom::release() {
     if (m_heap.type == E_RDTText && (m_heap.flags & POOLED) != 0)
-        CZelPool::RPGive(m_heap.word.text, m_heap.length + std::size_t{1}, CZelPool::TEXTS);
+        CZelPool::RPGive(m_heap.word.text, m_heap.length + std::size_t{1}, kindOfText());
     else if (m_heap.type == E_RDTText)
         std::free(m_heap.word.text);
     else if (m_heap.type == E_RDTData)
@@ -161,7 +172,7 @@ void CZelAtom::assignMemory(const CZelAtom &other) {
     } else if (this != &other) {
         char *text = m_heap.word.text;
         ZelCopyBytes(text, other.m_heap.word.text, std::size_t{other.m_heap.length} + 1);
-        setWords(headOf(E_RDTText, POOLED, other.m_heap.length), wordOf(text));
+        setWords(headOf(E_RDTText, m_heap.flags, other.m_heap.length), wordOf(text));
     }
 }
 
@@ -175,20 +186,21 @@ void CZelAtom::ownLentText() noexcept {
     setText(m_heap.word.text, m_heap.length);
 }
 
-void CZelAtom::setText(const char *text, std::size_t length) {
+void CZelAtom::setText(const char *text, std::size_t length, CZelPool::Kind kind) {
     if (length <= INLINE_MAX)
         setInline(text, length);
     else if (length < CZelPool::LARGEST)
-        setPooled(text, length);
+        setPooled(text, length, kind);
     else
         takeText(ZelStrDup(text, length), length);
 }
 
-void CZelAtom::setPooled(const char *text, std::size_t length) {
-    auto *copy = static_cast<char *>(CZelPool::RPTake(length + 1, CZelPool::TEXTS));
+void CZelAtom::setPooled(const char *text, std::size_t length, CZelPool::Kind kind) {
+    auto *copy = static_cast<char *>(CZelPool::RPTake(length + 1, kind));
     ZelCopyBytes(copy, text, length);
     copy[length] = '\0';
-    setWords(headOf(E_RDTText, POOLED, static_cast<std::uint32_t>(length)), wordOf(copy));
+    const unsigned flags = kind == CZelPool::KEYS ? POOLED | KEY : POOLED;
+    setWords(headOf(E_RDTText, flags, static_cast<std::uint32_t>(length)), wordOf(copy));
 }
 
 void CZelAtom::setInline(const char *text, std::size_t length) {

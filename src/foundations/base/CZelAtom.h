@@ -24,6 +24,7 @@
 #include "foundations/base/CZelPool.h"
 #include "foundations/base/ZelEnums.h"
 #include "foundations/port/ZelExport.h"
+#include "foundations/port/ZelPrefetch.h"
 
 class CZelAtomVector;
 class CZelUChar;
@@ -84,6 +85,10 @@ public:
     // A text atom whose text is the interned form of `text`, or a copy where it can't be interned.
     static CZelAtom RAName(const char *text, std::size_t length);
     static CZelAtom RAName(const char *text);
+
+    // The same value, or text, to be a tree's key: a short text lies apart from those of rows.
+    static CZelAtom RAKey(const CZelAtom &value);
+    static CZelAtom RAKey(const char *text, std::size_t length);
 
     // --- reading ---
 
@@ -213,7 +218,7 @@ public:
     // Asks the memory for what lies outside of the atom.
     void RAPrefetch() const {
         if (ownsMemory())
-            __builtin_prefetch(m_heap.word.text);
+            ZelPrefetch(m_heap.word.text);
     }
 
 private:
@@ -225,7 +230,8 @@ private:
         BORROWED = 2,  // the text is not owned
         INTERNED = 4,  // the text is a name of CZelName
         ABSENT = 8,    // in a binding: there is no value at all
-        POOLED = 16    // the text lies in a block of CZelPool, not of malloc; never of a text in its atom
+        POOLED = 16,   // the text lies in a block of CZelPool, not of malloc; never of a text in its atom
+        KEY = 32       // and it is one of KEYS, not of ROWS; only with POOLED
     };
     static constexpr std::size_t INLINE_MAX = 13;
 
@@ -305,9 +311,10 @@ private:
     bool fitsInPlace(const CZelAtom &other) const;
     void copyNest(const CZelAtom &other);
     void ownLentText() noexcept;
-    void setText(const char *text, std::size_t length);
+    void setText(const char *text, std::size_t length, CZelPool::Kind kind = CZelPool::ROWS);
     void setInline(const char *text, std::size_t length);
-    void setPooled(const char *text, std::size_t length);
+    void setPooled(const char *text, std::size_t length, CZelPool::Kind kind);
+    CZelPool::Kind kindOfText() const { return (m_heap.flags & KEY) != 0 ? CZelPool::KEYS : CZelPool::ROWS; }
     void takeText(char *text, std::size_t length);
 
     // The short roads of comparing: two whole numbers, or two texts that both lie in their atoms.

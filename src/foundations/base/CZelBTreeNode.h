@@ -11,6 +11,7 @@
 #include "foundations/base/CZelBag.h"
 #include "foundations/base/ZelEnums.h"
 #include "foundations/port/ZelExport.h"
+#include "foundations/port/ZelPrefetch.h"
 
 class CZelDoubleList;
 class CZelObjectSet;
@@ -39,7 +40,7 @@ public:
     bool RBTNHolds(const void *object) const;
 
     // Asks the memory for the object (or the set), which the caller will need next.
-    void RBTNPrefetch() const { __builtin_prefetch(reinterpret_cast<const void *>(m_word & ~SET)); }
+    void RBTNPrefetch() const { ZelPrefetch(reinterpret_cast<const void *>(m_word & ~SET)); }
 
 private:
     friend class CZelBPlusTree;

@@ -4,6 +4,7 @@
 
 #include "foundations/base/CZelBag.h"
 #include "foundations/base/CZelKeyTree_nodes.h"
+#include "foundations/port/ZelPrefetch.h"
 
 namespace {
 
@@ -42,8 +43,8 @@ const CZelKeyTree::Node *CZelKeyTree::leafFor(const Wanted &wanted, Way &way) co
         way.nodes[level] = node;
         way.indexes[level] = branchFor(node, wanted);
         node = node->child(way.indexes[level]);
-        __builtin_prefetch(node);
-        __builtin_prefetch(reinterpret_cast<const char *>(node) + 64);
+        ZelPrefetch(node);
+        ZelPrefetch(reinterpret_cast<const char *>(node) + 64);
     }
     way.nodes[m_depth] = node;
     return node;

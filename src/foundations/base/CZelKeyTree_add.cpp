@@ -1,6 +1,7 @@
 // Additions step by step, so that those to several trees can wait for their memory together.
 #include "foundations/base/CZelKeyTree.h"
 #include "foundations/base/CZelKeyTree_nodes.h"
+#include "foundations/port/ZelPrefetch.h"
 
 void CZelKeyTree::Addition::seek() {
     if (m_tree.m_root == nullptr)
@@ -32,7 +33,7 @@ CZelKeyTree::Place CZelKeyTree::Addition::finish(void *object, bool *isNew) {
         return {m_way.nodes[m_tree.m_depth], m_way.indexes[m_tree.m_depth]};
     ++m_tree.m_length;
     Loose loose;
-    new (&loose.item.key) CZelAtom(m_wanted.key());
+    new (&loose.item.key) CZelAtom(CZelAtom::RAKey(m_wanted.key()));
     loose.item.target.entry.set(object);
     return m_tree.insert(m_way, loose.item);
 }

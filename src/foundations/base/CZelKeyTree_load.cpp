@@ -4,6 +4,7 @@
 #include "foundations/base/CZelKeyTree.h"
 #include "foundations/base/CZelKeyTree_nodes.h"
 #include "foundations/base/CZelKeyTree_rank.h"
+#include "foundations/port/ZelPrefetch.h"
 
 namespace {
 
@@ -59,7 +60,7 @@ CZelKeyTree::RankedPlace CZelKeyTree::addToLeaf(Node *leaf, CZelArray<SZelKeyedO
                                                 RankedPlace end) {
     constexpr std::ptrdiff_t AHEAD = 12;
     if (end - next > AHEAD)
-        __builtin_prefetch(&pairs[next[AHEAD].place], 1);
+        ZelPrefetch(&pairs[next[AHEAD].place]);
     SZelKeyedObject &pair = pairs[next->place];
     new (leaf->keys() + leaf->count) CZelAtom(std::move(pair.m_key));
     *leaf->mark(leaf->count) = static_cast<char>(next->print);

@@ -4,6 +4,7 @@
 
 #include "foundations/base/CZelKeyTree.h"
 #include "foundations/base/CZelKeyTree_nodes.h"
+#include "foundations/port/ZelPrefetch.h"
 
 // Descents that keep in step. Each step of one ends with a demand for the memory that its next step reads, which
 // arrives while the others make theirs.
@@ -45,16 +46,16 @@ private:
 
     // It may begin in one cache line and end in the next.
     static void ask(const void *memory, std::size_t size) {
-        __builtin_prefetch(memory);
-        __builtin_prefetch(static_cast<const char *>(memory) + size - 1);
+        ZelPrefetch(memory);
+        ZelPrefetch(static_cast<const char *>(memory) + size - 1);
     }
 
     static void findPrint(Descent &way) {
         way.print = printOf(way.wanted->key());
         way.index = placeOfPrint(way.node, way.print, 0);
-        __builtin_prefetch(way.node->hints() + way.index);
-        __builtin_prefetch(way.node->targets() + way.index);
-        __builtin_prefetch(way.node->keys() + way.index);
+        ZelPrefetch(way.node->hints() + way.index);
+        ZelPrefetch(way.node->targets() + way.index);
+        ZelPrefetch(way.node->keys() + way.index);
     }
 
     static void askForKey(const Descent &way) {

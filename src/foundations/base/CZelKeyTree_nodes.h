@@ -11,14 +11,6 @@
 #include "foundations/base/CZelKeyTree.h"
 #include "foundations/base/ZelHash.h"
 
-// Asks the memory for all cache lines of [from, to).
-inline void ZelPrefetchLines(const void *from, const void *to) {
-    constexpr std::uintptr_t CACHE_LINE = 64;
-    const std::uintptr_t first = reinterpret_cast<std::uintptr_t>(from) / CACHE_LINE * CACHE_LINE;
-    for (auto line = first; line < reinterpret_cast<std::uintptr_t>(to); line += CACHE_LINE)
-        __builtin_prefetch(reinterpret_cast<const void *>(line));
-}
-
 // What a key leads to: in a leaf its entry, above the leaves a child, whose keys are not less. The key of a node's
 // first child has no meaning.
 union CZelKeyTree::Target {

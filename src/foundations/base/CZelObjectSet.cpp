@@ -6,6 +6,7 @@
 
 #include "foundations/base/CZelBag.h"
 #include "foundations/base/ZelHash.h"
+#include "foundations/port/ZelPrefetch.h"
 
 namespace {
 
@@ -173,7 +174,7 @@ std::uint32_t CZelObjectSet::find(const void *object) const {
 
 void CZelObjectSet::prefetchPlace(const void *object) const {
     if (isIndexed())
-        __builtin_prefetch(index() + home(hashOf(object)));
+        ZelPrefetch(index() + home(hashOf(object)));
 }
 
 // False when it is there.

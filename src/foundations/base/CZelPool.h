@@ -18,9 +18,10 @@ public:
     static constexpr std::size_t STEP = 16;  // sizes are rounded up to a multiple
     static constexpr std::size_t LARGEST = 128;
 
-    // Texts have lists of their own. They come and go in another order than the objects that rows are made of, as
-    // with the keys of index trees; from common lists a row's bindings would soon be taken from all over memory.
-    enum Kind : unsigned char { OBJECTS = 0, TEXTS = 1 };
+    // What a row is read with comes from lists of its own: bindings and the texts of their values, which then lie side
+    // by side. The keys of index trees come and go in another order, and so do the objects that lists and statements
+    // are made of; from common lists a row's bindings would soon be taken from all over memory.
+    enum Kind : unsigned char { OBJECTS = 0, ROWS = 1, KEYS = 2 };
 
     // A block for `size` bytes, aligned to 16. Never null. Sizes above LARGEST come from malloc.
     static void *RPTake(std::size_t size, Kind kind = OBJECTS) {
@@ -70,7 +71,7 @@ private:
         Block *m_reserve;      // one full batch, or null
     };
     static constexpr std::size_t CLASSES_OF_KIND = LARGEST / STEP + 1;
-    static constexpr std::size_t CLASSES = 2 * CLASSES_OF_KIND;
+    static constexpr std::size_t CLASSES = 3 * CLASSES_OF_KIND;
 
     static constexpr std::size_t classOf(std::size_t size, Kind kind) {
         return kind * CLASSES_OF_KIND + (size + STEP - 1) / STEP;
@@ -81,15 +82,16 @@ private:
     static constinit thread_local List t_lists[CLASSES];
 };
 
-// Class operator new and delete over the pool, for the public part of a class.
-#define ZEL_POOLED                                                        \
+// Class operator new and delete over the pool's lists of a kind, for the public part of a class.
+#define ZEL_POOLED_AS(KIND)                                               \
     static void *operator new(std::size_t size) {                         \
-        return CZelPool::RPTake(size);                                    \
+        return CZelPool::RPTake(size, CZelPool::KIND);                    \
     }                                                                     \
     static void *operator new(std::size_t, void *place) noexcept {        \
         return place;                                                     \
     }                                                                     \
     static void operator delete(void *block, std::size_t size) noexcept { \
-        CZelPool::RPGive(block, size);                                    \
+        CZelPool::RPGive(block, size, CZelPool::KIND);                    \
     }                                                                     \
     static void operator delete(void *, void *) noexcept {}
+#define ZEL_POOLED ZEL_POOLED_AS(OBJECTS)

@@ -14,7 +14,7 @@ bool takeText(const unsigned char *place, std::size_t length, CZelAtom &value) {
     if (length < LENGTH_SIZE || RompLoad<std::uint32_t>(place) != length - LENGTH_SIZE ||
         std::memchr(place + LENGTH_SIZE, 0, length - LENGTH_SIZE) != nullptr)
         return false;
-    value = CZelAtom(reinterpret_cast<const char *>(place + LENGTH_SIZE), length - LENGTH_SIZE);
+    value = CZelAtom::RAKey(reinterpret_cast<const char *>(place + LENGTH_SIZE), length - LENGTH_SIZE);
     return true;
 }
 

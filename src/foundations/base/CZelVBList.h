@@ -6,6 +6,7 @@
 #include "foundations/base/CZelPool.h"
 #include "foundations/base/CZelVarBind.h"
 #include "foundations/port/ZelCodes.h"
+#include "foundations/port/ZelPrefetch.h"
 
 class QUINTOR_API CZelVBList {
 public:
@@ -44,12 +45,11 @@ public:
         return binding;
     }
 
-    // Asks the memory for the first bindings at once: made together, they mostly follow each other.
+    // Asks the memory for the first bindings at once: made together, they and short texts of their values mostly follow
+    // each other.
     void RVBLPrefetch() const {
-        constexpr std::uintptr_t CACHE_LINE = 64;
-        const auto first = reinterpret_cast<std::uintptr_t>(m_head);
-        for (std::uintptr_t line = 0; line < 4; ++line)
-            __builtin_prefetch(reinterpret_cast<const void *>(first + line * CACHE_LINE));
+        constexpr std::size_t AHEAD = 320;  // bytes: ten bindings and texts
+        ZelPrefetchLines(m_head, reinterpret_cast<const char *>(m_head) + AHEAD);
     }
     // And for what lies behind their values.
     void RVBLPrefetchValues() const {

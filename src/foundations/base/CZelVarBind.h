@@ -10,7 +10,7 @@
 
 class QUINTOR_API CZelVarBind {
 public:
-    ZEL_POOLED
+    ZEL_POOLED_AS(ROWS)
 
     // Values: an atom copied, an atom taken over (the caller's pointer becomes null), a text, an int. A null
     // atom or text gives a binding without a value.
