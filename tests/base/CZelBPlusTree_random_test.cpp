@@ -236,6 +236,27 @@ TEST_P(BPlusTreeRandomTest, AFilledTreeIsTheOneThatAdditionsMake) {
     }
 }
 
+// Numbers whose first bits tell only groups apart, of a few or of hundreds; and in order already, up or down.
+TEST_P(BPlusTreeRandomTest, ATreeIsFilledWithNumbersInGroups) {
+    TestRandom random;
+    for (const unsigned spread : {1U, 3U, 40U, 900U, 100000U}) {
+        CZelArray<SZelKeyedObject> pairs;
+        for (unsigned i = 0; i < 2500; ++i) {
+            const long long group =
+                static_cast<long long>(random.below(7)) * 1000000007 * (random.oneIn(2) ? 1 : -1000);
+            const unsigned within = spread == 1 ? i : random.below(spread);
+            const CZelAtom key(group * (spread == 3 ? 0 : 1) + (i % 2 == 0 ? within : -static_cast<long long>(within)));
+            if (addToModel(key, &m_objects[i]) == E_RCOk)
+                pairs.push_back({key, &m_objects[i]});
+        }
+        ASSERT_EQ(E_RCOk, m_tree.RBPTLoad(pairs));
+        compareKeys();
+        for (const auto &entry : m_model)
+            compareNode(entry.first);
+        removeAll(random);
+    }
+}
+
 // Texts that begin alike, all of them or in large groups, and go on for a few bytes or for many; some end where others
 // go on.
 TEST_P(BPlusTreeRandomTest, ATreeIsFilledWithTextsThatBeginAlikeForAnyLength) {

@@ -33,12 +33,16 @@ private:
     void sortType(Part part);
     void sortNumbers(Part part);
     void sortTexts(Part part, std::size_t known, unsigned int level);
+    std::size_t alikeIn(Part part, std::size_t known, std::size_t step) const;
+    std::size_t takeHeads(Part part, std::size_t known, std::size_t common) const;
     void sortByHead(Part part);
+    void sortByDigits(Part part, unsigned int low, unsigned int top, std::uint64_t varying);
+    static void sortFew(Part part);
     void sortByComparing(Part part) const;
     template <class Visitor>
-    static void forEachHead(Part part, Visitor visit);
+    static void forEachHead(Part part, unsigned int bit, Visitor visit);
 
     const CZelArray<SZelKeyedObject> &m_pairs;
     CZelArray<Ranked> m_ranked;
-    CZelArray<Ranked> m_spare;  // room for as many
+    CZelArray<Ranked> m_spare;  // room for as many, itself empty
 };
