@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <mutex>
 
+#include "foundations/port/CZelShortLock.h"
 #include "foundations/port/ZelOutOfMemory.h"
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -97,7 +98,7 @@ private:
         madvise(chunk, LARGEST_CHUNK, COLLAPSE);
     }
 
-    std::mutex m_lock;
+    CZelShortLock m_lock;
     char *m_next = nullptr;
     char *m_end = nullptr;
     bool m_isHugePage = false;                 // has the chunk at hand the size of one?
