@@ -115,6 +115,13 @@ protected:
         for (const auto &entry : m_model)
             ASSERT_EQ(0, keys->RAVGetValue(i++)->RALex(&entry.first, nullptr));
     }
+    // Requires: the model has what is loaded, and the tree is empty.
+    void loadAndCompare(CZelArray<SZelKeyedObject> &pairs) {
+        ASSERT_EQ(E_RCOk, m_tree.RBPTLoad(pairs));
+        compareKeys();
+        for (const auto &entry : m_model)
+            compareNode(entry.first);
+    }
     // Growing and shrinking in turns, at last to nothing.
     void play(TestRandom &random, unsigned variety, unsigned steps) {
         TreeKeys keys(random, variety);
@@ -249,10 +256,7 @@ TEST_P(BPlusTreeRandomTest, ATreeIsFilledWithNumbersInGroups) {
             if (addToModel(key, &m_objects[i]) == E_RCOk)
                 pairs.push_back({key, &m_objects[i]});
         }
-        ASSERT_EQ(E_RCOk, m_tree.RBPTLoad(pairs));
-        compareKeys();
-        for (const auto &entry : m_model)
-            compareNode(entry.first);
+        ASSERT_NO_FATAL_FAILURE(loadAndCompare(pairs));
         removeAll(random);
     }
 }
@@ -274,10 +278,7 @@ TEST_P(BPlusTreeRandomTest, ATreeIsFilledWithTextsThatBeginAlikeForAnyLength) {
             if (addToModel(key, &m_objects[i]) == E_RCOk)
                 pairs.push_back({key, &m_objects[i]});
         }
-        ASSERT_EQ(E_RCOk, m_tree.RBPTLoad(pairs));
-        compareKeys();
-        for (const auto &entry : m_model)
-            compareNode(entry.first);
+        ASSERT_NO_FATAL_FAILURE(loadAndCompare(pairs));
         compareAnswers(std::next(m_model.begin(), random.below(static_cast<unsigned>(m_model.size())))->first);
         removeAll(random);
     }

@@ -138,7 +138,7 @@ CZelAtom CZelKeyTree::separator(const CZelAtom &left, const CZelAtom &right) {
     std::string_view high = right.RATextView();
     auto common =
         static_cast<std::size_t>(std::mismatch(low.begin(), low.end(), high.begin(), high.end()).first - low.begin());
-    return CZelAtom(high.data(), std::min(common + 1, high.size()));
+    return CZelAtom::RAKey(high.data(), std::min(common + 1, high.size()));
 }
 
 // Where the pointer to the way's node of this level lies.
